@@ -1,0 +1,11 @@
+# Everything the project links from outside; why each one, stands in docs/decisions.
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Widgets UiTools Svg LinguistTools)
+if(LULLWATCH_TESTS)
+  find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
+endif()
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(plist REQUIRED IMPORTED_TARGET libplist-2.0)
+pkg_check_modules(sqlite3 REQUIRED IMPORTED_TARGET sqlite3)
+if(LULLWATCH_BENCH)
+  find_package(benchmark REQUIRED)
+endif()

@@ -1,0 +1,3 @@
+# Where the application's bundle folder is put together in the build tree; resources/ fills it.
+set(ZELK_MAIN_BUNDLE ${CMAKE_BINARY_DIR}/share/lullwatch)
+set(ZELK_BIN ${CMAKE_BINARY_DIR}/bin)
