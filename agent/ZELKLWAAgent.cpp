@@ -1,0 +1,151 @@
+#include "ZELKLWAAgent.h"
+
+#include "ZELKAgentServiceProtocolAdaptor.h"
+#include "ZELKAssertion.h"
+#include "ZELKBundle.h"
+#include "ZELKConsole.h"
+#include "ZELKEnvironment.h"
+#include "ZELKFormat.h"
+#include "ZELKLWAPowerSupplyWatcher.h"
+#include "ZELKLWAServiceProtocolAdaptor.h"
+#include "ZELKLWASystemAccountingWatcher.h"
+#include "ZELKSQLitePort.h"
+#include "ZELKServiceNames.h"
+
+#include <QDBusError>
+
+ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const QDBusConnection &bus,
+                           const ZELKLWAOptions &options, QObject *parent)
+    : QObject(parent)
+    , m_bundle(std::move(bundle))
+    , m_bus(bus)
+    , m_settings(options.settings)
+    , m_defaults(m_settings)
+    , m_store(options.database, m_bundle, std::make_shared<ZELKSQLitePort>())
+    , m_announcer(m_bus)
+    , m_service(version(), m_store, m_announcer)
+    , m_controlService(version(), m_defaults)
+{
+    connect(&m_store, &ZELKLWAEventStore::recorded, &m_announcer, [this] {
+        if (m_phase == Phase::Recording)
+            m_announcer.eventsDidChange();
+    });
+    m_lastFetch.setSingleShot(true);
+    connect(&m_lastFetch, &QTimer::timeout, this, [this] { zelkGuard([&] { finish(); }); });
+    makeWatchers(options);
+}
+
+ZELKLWAAgent::~ZELKLWAAgent() = default;
+
+void ZELKLWAAgent::makeWatchers(const ZELKLWAOptions &options)
+{
+    const auto sink = [this](const std::vector<ZELKLWAEvent> &events) { m_store.record(events); };
+    auto powerSupply = std::make_unique<ZELKLWAPowerSupplyWatcher>(options.powerSupply, sink);
+    powerSupply->setInterval(m_defaults.powerSupplyInterval());
+    connect(&m_defaults, &ZELKLWADefaults::powerSupplyIntervalChanged, powerSupply.get(),
+            &ZELKLWAPowerSupplyWatcher::setInterval);
+    m_watchers.push_back(std::make_unique<ZELKLWASystemAccountingWatcher>(options.wtmp, sink));
+    m_watchers.push_back(std::move(powerSupply));
+}
+
+QString ZELKLWAAgent::version() const
+{
+    return m_bundle->objectForInfoDictionaryKey(QStringLiteral("CFBundleVersion")).toString();
+}
+
+bool ZELKLWAAgent::start()
+{
+    if (!serve() || !takeNames())
+        return false;
+    m_phase = Phase::Recording;
+    recordOwn(ZELKEventStartingMonitor);
+    for (const auto &watcher : m_watchers)
+        watcher->start();
+    return true;
+}
+
+/// The objects stand before the names are taken, so that no call finds a name without its object.
+bool ZELKLWAAgent::serve()
+{
+    new ZELKLWAServiceProtocolAdaptor(&m_service);
+    new ZELKAgentServiceProtocolAdaptor(&m_controlService);
+    m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                  QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                  SLOT(busDidDisconnect()));
+    const bool served = m_bus.registerObject(ZELKServiceNames::eventServicePath(), &m_service,
+                                             QDBusConnection::ExportAdaptors) &&
+                        m_bus.registerObject(ZELKServiceNames::controlServicePath(), &m_controlService,
+                                             QDBusConnection::ExportAdaptors);
+    if (!served)
+        ZELKConsole::log(ZELKFormat("The session bus can not be used: %@", {m_bus.lastError().message()}));
+    return served;
+}
+
+bool ZELKLWAAgent::takeNames()
+{
+    const QString name = m_bundle->bundleIdentifier();
+    QStringList taken;
+    for (const QString &wanted : {name, ZELKServiceNames::controlServiceName(name)}) {
+        if (m_bus.registerService(wanted)) {
+            taken.append(wanted);
+            continue;
+        }
+        ZELKConsole::log(
+            ZELKFormat("'%@' could not be had on the session bus; another agent may be running.", {wanted}));
+        for (const QString &other : taken)
+            m_bus.unregisterService(other);
+        return false;
+    }
+    return true;
+}
+
+void ZELKLWAAgent::recordOwn(QLatin1String event)
+{
+    m_store.record(
+        {{ZELKEnvironment::current().clock->now(), event, ZELKMonitorLullwatch, ZELKEventNoProperties}});
+}
+
+void ZELKLWAAgent::stopRecording()
+{
+    for (const auto &watcher : m_watchers)
+        watcher->stop();
+    m_phase = Phase::Ending;
+    recordOwn(ZELKEventStoppingMonitor);
+}
+
+void ZELKLWAAgent::terminate()
+{
+    zelkGuard([&] {
+        if (m_phase != Phase::Recording)
+            return;
+        stopRecording();
+        if (!m_announcer.announceNow() && m_service.streams() == 0) {
+            finish();
+            return;
+        }
+        m_lastFetch.start(millisecondsToFetchTheEnd);
+        connect(&m_service, &ZELKLWAService::streamFinished, this, [this] {
+            if (m_service.streams() == 0)
+                finish();
+        });
+    });
+}
+
+/// The session is over.
+void ZELKLWAAgent::busDidDisconnect()
+{
+    zelkGuard([&] {
+        if (m_phase == Phase::Recording)
+            stopRecording();
+        finish();
+    });
+}
+
+void ZELKLWAAgent::finish()
+{
+    if (m_phase == Phase::Finished)
+        return;
+    m_phase = Phase::Finished;
+    m_lastFetch.stop();
+    Q_EMIT finished();
+}

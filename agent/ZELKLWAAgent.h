@@ -1,0 +1,68 @@
+#pragma once
+
+#include "ZELKLWAControlService.h"
+#include "ZELKLWAEventStore.h"
+#include "ZELKLWAOptions.h"
+#include "ZELKLWAService.h"
+#include "ZELKLWAUpdateAnnouncer.h"
+#include "ZELKLWAWatcher.h"
+#include "ZELKUserDefaults.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+#include <vector>
+
+/// The agent of a session: records what its watchers see, and serves it on the session bus under the bundle's
+/// identifier. "Starting monitor" and "Stopping monitor" frame the time in which it does.
+class ZELKLWAAgent : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// How long a client that was told of the end may take to fetch it.
+    static constexpr int millisecondsToFetchTheEnd = 1000;
+
+    /// `bundle` is the agent's own.
+    ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const QDBusConnection &bus,
+                 const ZELKLWAOptions &options, QObject *parent = nullptr);
+    ~ZELKLWAAgent() override;
+
+    /// Takes the two bus names, then records. False, with one console line and nothing recorded, when the bus
+    /// does not give them, as when another agent has them.
+    bool start();
+
+public Q_SLOTS:
+    /// Records the end, tells the clients and, once they have fetched it or the time for that is over, is
+    /// finished.
+    void terminate();
+
+Q_SIGNALS:
+    void finished();
+
+private Q_SLOTS:
+    void busDidDisconnect();
+
+private:
+    void makeWatchers(const ZELKLWAOptions &options);
+    bool serve();
+    bool takeNames();
+    QString version() const;
+    void recordOwn(QLatin1String event);
+    void stopRecording();
+    void finish();
+
+    std::shared_ptr<const ZELKBundle> m_bundle;
+    QDBusConnection m_bus;
+    ZELKUserDefaults m_settings;
+    ZELKLWADefaults m_defaults;
+    ZELKLWAEventStore m_store;
+    ZELKLWAUpdateAnnouncer m_announcer;
+    ZELKLWAService m_service;
+    ZELKLWAControlService m_controlService;
+    std::vector<std::unique_ptr<ZELKLWAWatcher>> m_watchers;
+    QTimer m_lastFetch;
+    enum class Phase { Made, Recording, Ending, Finished } m_phase = Phase::Made;
+};

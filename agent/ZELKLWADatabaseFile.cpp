@@ -1,0 +1,67 @@
+#include "ZELKLWADatabaseFile.h"
+
+#include "ZELKConsole.h"
+#include "ZELKEnvironment.h"
+#include "ZELKFormat.h"
+#include "ZELKSQLitePort.h"
+
+#include <QFile>
+
+#include <sqlite3.h>
+
+ZELKLWADatabaseFile::ZELKLWADatabaseFile(const QString &path, std::shared_ptr<ZELKSQLitePort> port)
+    : m_path(path)
+    , m_port(std::move(port))
+{
+}
+
+std::optional<ZELKLWADatabaseFile::Fault> ZELKLWADatabaseFile::tryScript(const QString &sql)
+{
+    sqlite3 *database = nullptr;
+    int code = m_port->open(QFile::encodeName(m_path).constData(), &database);
+    QString message;
+    if (code == SQLITE_OK) {
+        char *error = nullptr;
+        code = m_port->exec(database, sql.toUtf8().constData(), &error);
+        message = QString::fromUtf8(error);
+        m_port->free(error);
+    }
+    if (code != SQLITE_OK && message.isEmpty())
+        message = database ? QString::fromUtf8(m_port->errmsg(database)) : QStringLiteral("out of memory");
+    m_port->close(database);
+    if (code == SQLITE_OK)
+        return std::nullopt;
+    return Fault{code & 0xff, message};
+}
+
+bool ZELKLWADatabaseFile::isDamage(int code)
+{
+    return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+}
+
+bool ZELKLWADatabaseFile::setAside(const QString &reason)
+{
+    const QString name = freeName();
+    if (!QFile::rename(m_path, name)) {
+        ZELKConsole::log(
+            ZELKFormat("The damaged events in %@ (%@) could not be set aside.", {m_path, reason}));
+        return false;
+    }
+    for (const char *suffix : {"-wal", "-shm"})
+        QFile::rename(m_path + QLatin1String(suffix), name + QLatin1String(suffix));
+    ZELKConsole::log(ZELKFormat("The events in %@ are damaged (%@): set aside as %@, begun anew.",
+                                {m_path, reason, name}));
+    return true;
+}
+
+QString ZELKLWADatabaseFile::freeName() const
+{
+    const QString moment = ZELKEnvironment::current()
+                               .clock->now()
+                               .toDateTime(QTimeZone::utc())
+                               .toString(QStringLiteral("yyyyMMdd'T'HHmmss'Z'"));
+    QString name = QStringLiteral("%1.damaged-%2").arg(m_path, moment);
+    for (int number = 2; QFile::exists(name); ++number)
+        name = QStringLiteral("%1.damaged-%2-%3").arg(m_path, moment).arg(number);
+    return name;
+}
