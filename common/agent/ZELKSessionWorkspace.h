@@ -1,0 +1,43 @@
+#pragma once
+
+#include "ZELKProcessTable.h"
+#include "ZELKWorkspace.h"
+
+#include <QByteArray>
+#include <QHash>
+
+#include <unistd.h>
+
+/// Applications as processes. A process is an instance of the application in whose bundle folder its
+/// executable stands; where the executable or Info.plist is gone, the folder's name without ".app" tells the
+/// identifier. A process of another user, or one that was started under another session bus, belongs to
+/// another session. Processes that an instance forked belong to it and are not counted.
+class ZELKSessionWorkspace final : public ZELKWorkspace
+{
+public:
+    /// `sessionBus` is the bus's address; a process of the user that names none counts as of this session,
+    /// and so does every one when this is empty.
+    explicit ZELKSessionWorkspace(const QString &procFolder = QStringLiteral("/proc"),
+                                  uint userIdentifier = ::getuid(),
+                                  const QByteArray &sessionBus = qgetenv("DBUS_SESSION_BUS_ADDRESS"));
+
+    std::vector<ZELKRunningApplication>
+    runningApplicationsWithBundleIdentifier(const QString &identifier) const override;
+    int registerBundle(const QUrl &bundle) override;
+    std::optional<ZELKAgentError>
+    launchApplicationWithBundleIdentifier(const QString &identifier, const QStringList &arguments) override;
+    /// Standard input, output and error of what is launched lead nowhere: it outlives the application and
+    /// whatever that was writing to. Its folder is "/".
+    std::optional<ZELKAgentError> launchApplicationAtURL(const QUrl &bundle,
+                                                         const QStringList &arguments) override;
+    /// SIGTERM.
+    bool terminate(const ZELKRunningApplication &instance) override;
+
+private:
+    bool isOfThisSession(qint64 identifier, const ZELKProcessTable::Process &process) const;
+
+    ZELKProcessTable m_processes;
+    uint m_userIdentifier;
+    QByteArray m_sessionBus; // without its unique identifier
+    QHash<QString, QUrl> m_registered;
+};
