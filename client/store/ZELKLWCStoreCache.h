@@ -1,0 +1,87 @@
+#pragma once
+
+#include "ZELKDatabaseController.h"
+#include "ZELKDate.h"
+#include "ZELKRawEvent.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// The store's cache: raw events in a database file, the time of the last synchronisation, and what becomes
+/// of damaged rows and files. It speaks in the store's name.
+class ZELKLWCStoreCache : public ZELKDatabaseController
+{
+public:
+    /// An empty `databaseFile` stands for the one in the user's documents folder. Opens nothing.
+    ZELKLWCStoreCache(std::shared_ptr<const ZELKBundle> bundle, std::shared_ptr<ZELKSQLitePort> port,
+                      const QString &databaseFile);
+    ~ZELKLWCStoreCache() override;
+
+    QString className() const override { return QStringLiteral("ZELKLWCStore"); }
+    /// The cache's file; creates its folder. Empty when there is no documents folder.
+    QUrl databaseURL() override;
+
+    /// Caches the events in transactions of at most 10,000; false when one of them could not be kept.
+    bool cacheEvents(const std::optional<QList<ZELKRawEvent>> &someEvents);
+    /// Caches one event, whole and as a binary property list; false when it could not be kept. An exact
+    /// duplicate is refused quietly, and counts as kept.
+    bool cacheEvent(const std::optional<ZELKRawEvent> &anEvent);
+    /// The cached events of a period, both ends inclusive, in date order; nothing means from the reference
+    /// date and without end. A row that cannot be read is put aside and raised; the next call goes on without
+    /// it.
+    QList<ZELKRawEvent> sortedCachedEventsFromDate(std::optional<ZELKDate> from, std::optional<ZELKDate> to);
+
+    /// When events were last brought; distant past at first, and when lastResult() failed().
+    ZELKDate lastSyncDate();
+    void setLastSyncDate(std::optional<ZELKDate> date);
+
+protected:
+    static constexpr std::size_t eventsInTransaction = 10000;
+
+    /// An event on its way into the cache.
+    struct CacheRow
+    {
+        QString date; ///< null when the event has none
+        QByteArray properties;
+    };
+    struct UnreadableRow
+    {
+        QString number;
+        QVariant stored;
+        QString error;
+    };
+
+    /// Sets a damaged file aside.
+    void databaseWillOpen(const QString &path) override;
+    void databaseDidOpen() override;
+
+    CacheRow serialised(const ZELKRawEvent &event) const;
+    /// One transaction; "lastSync" moves with it. False, and nothing of it is kept, when something failed,
+    /// which the console has been told.
+    bool writeRows(const std::vector<CacheRow> &rows, std::optional<ZELKDate> lastSync);
+    bool inTransaction(const std::function<bool()> &write);
+    /// Rows of the cache: the event and the row's number. Raises like forEachRow.
+    ZELKDatabaseResult readRows(std::optional<ZELKDate> from, std::optional<ZELKDate> to,
+                                const RowHandler &handler);
+    static UnreadableRow unreadableRow(const ZELKDatabaseRow &row, const QString &error);
+    /// Failing that, on the console, the row stays where it is.
+    void setRowAside(const UnreadableRow &row);
+    [[noreturn]] void failToInflate(const UnreadableRow &row) const;
+    /// After a run that failed: a damaged file makes room for a new one, and a transaction that could not be
+    /// undone ends with its connection.
+    void recover(bool raised);
+    [[noreturn]] void fail(const QString &message) const;
+
+private:
+    bool insert(const CacheRow &row);
+
+    QString m_databaseFile;
+    QString m_openedPath;
+    std::shared_ptr<ZELKSQLitePort> m_sqlite;
+};

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "FakeStream.h"
+#include "StoreFixture.h"
+#include "ZELKEventStream.h"
+
+#include <QDBusMessage>
+#include <QDBusUnixFileDescriptor>
+
+inline QByteArray streamOf(const QList<QByteArray> &events)
+{
+    QByteArray bytes = ZELKEventStream::begin();
+    for (const QByteArray &event : events)
+        ZELKEventStream::append(bytes, {event.constData(), std::size_t(event.size())});
+    return bytes + ZELKEventStream::end(std::uint64_t(events.size()));
+}
+
+/// An agent on a bus connection of its own.
+class FakeAgent : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.zelk.lullwatch.ZELKLWAServiceProtocol")
+
+public:
+    struct Question
+    {
+        double from;
+        double to;
+    };
+    using Answer = std::function<void(const QDBusMessage &call)>;
+
+    FakeAgent()
+        : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("agent")))
+    {
+        m_bus.registerObject(ZELKServiceNames::eventServicePath(), this, QDBusConnection::ExportAllSlots);
+        m_bus.registerService(QStringLiteral("org.zelk.lullwatch.agent"));
+    }
+    ~FakeAgent() override { vanish(); }
+
+    void vanish()
+    {
+        qDeleteAll(findChildren<FakeStream *>());
+        m_bus.unregisterObject(ZELKServiceNames::eventServicePath());
+        QDBusConnection::disconnectFromBus(QStringLiteral("agent"));
+    }
+    /// Answers a call with these bytes, through a pipe.
+    void give(const QDBusMessage &call, const QByteArray &bytes, bool staysOpen = false)
+    {
+        give(call, (new FakeStream(bytes, staysOpen, this))->readingEnd);
+    }
+    void give(const QDBusMessage &call, const QDBusUnixFileDescriptor &descriptor)
+    {
+        m_bus.send(call.createReply(QVariant::fromValue(descriptor)));
+    }
+    void giveDescriptor(const QDBusMessage &call, int descriptor)
+    {
+        QDBusUnixFileDescriptor given;
+        given.giveFileDescriptor(descriptor);
+        give(call, given);
+    }
+    QDBusMessage call(const char *service, const char *path, const char *interface, const char *method,
+                      const QVariantList &arguments = {}) const
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            QLatin1String(service), QLatin1String(path), QLatin1String(interface), QLatin1String(method));
+        message.setArguments(arguments);
+        return message;
+    }
+    QDBusConnection bus() const { return m_bus; }
+
+    QList<ZELKRawEvent> events;
+    Answer answer; ///< instead of the events
+    QList<Question> questions;
+    QStringList registrations;
+
+public Q_SLOTS:
+    QDBusUnixFileDescriptor sortedEventsFromDate(double from, double to, const QDBusMessage &call)
+    {
+        questions.append({from, to});
+        call.setDelayedReply(true);
+        if (answer) {
+            answer(call);
+            return {};
+        }
+        QList<QByteArray> chosen;
+        for (const ZELKRawEvent &event : events) {
+            const double date = event.string(ZELKEventKeyDate).toDouble();
+            if (date >= from && date <= to)
+                chosen.append(bytesOf(event));
+        }
+        give(call, streamOf(chosen));
+        return {};
+    }
+    Q_NOREPLY void registerForEventUpdates(const QString &serviceName) { registrations.append(serviceName); }
+
+private:
+    QDBusConnection m_bus;
+};

@@ -1,0 +1,328 @@
+#include "FakeAgent.h"
+
+#include <QDBusConnectionInterface>
+
+namespace {
+
+const QString agentName = QStringLiteral("org.zelk.lullwatch.agent");
+const QString storeName = QStringLiteral("org.zelk.lullwatch._store");
+
+/// Notes the scripts that run and the settings that are written.
+class RecordingPort : public ZELKFailingSQLitePort
+{
+public:
+    QStringList story;
+
+    int exec(sqlite3 *database, const char *sql, char **error) override
+    {
+        const QString text = QString::fromUtf8(sql);
+        if (text == QLatin1String("COMMIT"))
+            story.append(QString::number(std::exchange(m_rows, 0)) + QStringLiteral(" rows"));
+        return ZELKFailingSQLitePort::exec(database, sql, error);
+    }
+    int bindText(sqlite3_stmt *statement, int index, const char *text) override
+    {
+        if (qstrcmp(text, "lastSync") == 0 && qstrncmp(sqlite3_sql(statement), "INSERT", 6) == 0)
+            story.append(QStringLiteral("lastSync"));
+        return ZELKFailingSQLitePort::bindText(statement, index, text);
+    }
+    int bindBlob(sqlite3_stmt *statement, int index, const void *bytes, int size) override
+    {
+        ++m_rows;
+        return ZELKFailingSQLitePort::bindBlob(statement, index, bytes, size);
+    }
+
+private:
+    int m_rows = 0;
+};
+
+} // namespace
+
+/// What the store and the agent say to each other.
+class StoreSynchronisationTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFirstFetchAndTheNext()
+    {
+        const Console console;
+        FakeAgent agent;
+        agent.events = history(50);
+        StoreFixture fixture(StoreFixture::sessionBus());
+        QVERIFY(fixture.store->hasUpdateConnection());
+        QVERIFY(fixture.store->updateTimer().isActive());
+        QCOMPARE(fixture.store->updateTimer().interval(), 240'000);
+        QCOMPARE(fixture.store->lastSyncDate(), ZELKDate::distantPast());
+
+        QVERIFY(fixture.fetch());
+        const double now = fixture.clock->now().timeIntervalSinceReferenceDate();
+        QCOMPARE(agent.questions.size(), 1);
+        QCOMPARE(agent.questions[0].from, ZELKDate::distantPast().timeIntervalSinceReferenceDate() + 1.0);
+        QCOMPARE(agent.questions[0].to, now);
+        QCOMPARE(agent.registrations, QStringList{storeName});
+        QCOMPARE(fixture.other().lastSync(), QByteArray("760000000.500000"));
+        QCOMPARE(fixture.other().cached(), serialised(agent.events));
+        QCOMPARE(dump(fixture.log), dumpOf(agent.events));
+        QCOMPARE(console.count("agent provided 50 entries up to 2025-01-31 07:06:40 +0000."), 1);
+        QCOMPARE(console.count("cache provided 50 entries."), 1);
+
+        fixture.clock->advance(100.0);
+        QVERIFY(fixture.fetch());
+        QCOMPARE(agent.questions.last().from, now + 1.0);
+        QCOMPARE(agent.questions.last().to, now + 100.0);
+        QCOMPARE(agent.registrations.size(), 2);
+        QCOMPARE(fixture.store->lastSyncDate(), ZELKDate(now)); // nothing came
+
+        agent.events.append(ZELKMakeRawEvent(ZELKDate(now + 150.0), QStringLiteral("x"), storeName));
+        fixture.clock->advance(100.0);
+        QVERIFY(fixture.fetch());
+        QCOMPARE(agent.questions.last().from, now + 1.0);
+        QCOMPARE(fixture.store->lastSyncDate(), ZELKDate(now + 200.0));
+        QCOMPARE(console.count("cache provided 1 entries."), 1);
+        QCOMPARE(fixture.log.pastEntry()->event(), QStringLiteral("x"));
+    }
+
+    void aLargeFetchIsKeptInPieces()
+    {
+        FakeAgent agent;
+        agent.events = history(25'000);
+        StoreFixture fixture(StoreFixture::sessionBus());
+        const auto port = std::make_shared<RecordingPort>();
+        fixture.port = port;
+        fixture.store.reset();
+        fixture.store = fixture.makeStore();
+        fixture.store->lastSyncDate();
+        port->story.clear();
+        QVERIFY(fixture.fetch());
+        const QStringList expected{QStringLiteral("10000 rows"), QStringLiteral("10000 rows"),
+                                   QStringLiteral("lastSync"), QStringLiteral("5000 rows")};
+        QCOMPARE(port->story, expected);
+        QCOMPARE(fixture.other().run("SELECT count(*) FROM events").value(0), QByteArray("25000"));
+        QCOMPARE(dump(fixture.log), dumpOf(agent.events));
+    }
+
+    void noAgentIsSilent_data()
+    {
+        QTest::addColumn<bool>("installed");
+        QTest::newRow("not installed") << false;
+        QTest::newRow("not running") << true;
+    }
+    void noAgentIsSilent()
+    {
+        QFETCH(bool, installed);
+        const Console console;
+        StoreFixture fixture(StoreFixture::sessionBus());
+        fixture.setInstalled(installed);
+        const qsizetype before = console.lines().size();
+        QVERIFY(!fixture.fetch());
+        QVERIFY(!fixture.store->isFetching());
+        QCOMPARE(console.lines().size(), before);
+    }
+
+    void onlyTheProtocolIsServed()
+    {
+        FakeAgent agent;
+        StoreFixture fixture(StoreFixture::sessionBus());
+        const auto tell = [&](const char *interface, const char *method, const QVariantList &arguments = {}) {
+            const auto call = agent.call("org.zelk.lullwatch._store", "/org/zelk/lullwatch/store", interface,
+                                         method, arguments);
+            return agent.bus().call(call, QDBus::BlockWithGui, 3000);
+        };
+        constexpr const char *protocol = "org.zelk.lullwatch.ZELKLWAUpdateProtocol";
+        for (const char *method : {"fetchAgentEvents", "sync", "deleteLater", "setLastSyncDate", "objectName",
+                                   "_q_reregisterSlots", "applicationWillTerminate", "registerOn"}) {
+            QCOMPARE(tell(protocol, method).type(), QDBusMessage::ErrorMessage);
+            QCOMPARE(tell("", method).type(), QDBusMessage::ErrorMessage);
+        }
+        const QString seen =
+            tell("org.freedesktop.DBus.Introspectable", "Introspect").arguments()[0].toString();
+        const QStringList interfaces = seen.split(QStringLiteral("<interface name="));
+        for (const QString &interface : interfaces.mid(1)) {
+            if (interface.startsWith(QLatin1String("\"org.freedesktop.DBus.")))
+                continue;
+            QVERIFY(interface.startsWith(QLatin1String("\"org.zelk.lullwatch.ZELKLWAUpdateProtocol\"")));
+            QCOMPARE(interface.count(QLatin1String("<method ")), 1);
+            QVERIFY(!interface.contains(QLatin1String("<property ")));
+        }
+
+        QCOMPARE(agent.questions.size(), 0);
+        tell(protocol, "eventsDidChange", {QStringLiteral("unasked"), 4});
+        agent.bus().send(agent.call("org.zelk.lullwatch._store", "/org/zelk/lullwatch/store", protocol,
+                                    "eventsDidChange"));
+        QTRY_COMPARE(agent.questions.size(), 1);
+        QTRY_VERIFY(!fixture.store->isFetching());
+    }
+
+    /// The bus may be quicker than the wiring.
+    void aCallBeforeTheOutletsIsIgnored()
+    {
+        FakeAgent agent;
+        StoreFixture fixture(StoreFixture::sessionBus());
+        fixture.store.reset();
+        const auto bare = fixture.bareStore();
+        zelkGuard([&] { bare->eventsDidChange(); });
+        QVERIFY(!bare->isFetching());
+    }
+
+    void aRequestDuringAFetchIsKept_data()
+    {
+        QTest::addColumn<bool>("fails");
+        QTest::newRow("the fetch succeeds") << false;
+        QTest::newRow("the fetch fails") << true;
+    }
+    void aRequestDuringAFetchIsKept()
+    {
+        QFETCH(bool, fails);
+        FakeAgent agent;
+        StoreFixture fixture(StoreFixture::sessionBus());
+        QDBusMessage pending;
+        agent.answer = [&](const QDBusMessage &call) { pending = call; };
+        fixture.store->sync();
+        QTRY_COMPARE(agent.questions.size(), 1);
+        fixture.store->sync();
+        fixture.store->sync();
+        QTRY_COMPARE(agent.registrations.size(), 3);
+        QCOMPARE(agent.questions.size(), 1);
+        agent.answer = nullptr;
+        if (fails)
+            agent.bus().send(pending.createErrorReply(QDBusError::Failed, QStringLiteral("not now")));
+        else
+            agent.give(pending, streamOf({}));
+        QTRY_COMPARE(agent.questions.size(), 2);
+        QTRY_VERIFY(!fixture.store->isFetching());
+        QCOMPARE(agent.questions.size(), 2);
+    }
+
+    void aSecondStoreHasNoServiceAndNoPoll()
+    {
+        FakeAgent agent;
+        agent.events = history(5);
+        StoreFixture first(StoreFixture::sessionBus());
+        {
+            StoreFixture second(
+                QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("second")));
+            QVERIFY(!second.store->hasUpdateConnection());
+            QVERIFY(!second.store->updateTimer().isActive());
+            QVERIFY(second.fetch());
+            QCOMPARE(second.log.count(), first.fetch() ? first.log.count() : -1);
+        }
+        QCOMPARE(StoreFixture::sessionBus().interface()->serviceOwner(storeName).value(),
+                 StoreFixture::sessionBus().baseService());
+        // A store on the very connection must not take the first one's name away either.
+        StoreFixture third(StoreFixture::sessionBus());
+        QVERIFY(!third.store->hasUpdateConnection());
+        third.store.reset();
+        QVERIFY(StoreFixture::sessionBus().interface()->isServiceRegistered(storeName));
+        first.store->applicationWillTerminate();
+        QVERIFY(!StoreFixture::sessionBus().interface()->isServiceRegistered(storeName));
+    }
+
+    void installationsAreFollowed()
+    {
+        FakeAgent agent;
+        StoreFixture fixture(StoreFixture::sessionBus());
+        fixture.setInstalled(false);
+        fixture.store->updateAgentConnection();
+        QCOMPARE(fixture.log.count(), 0); // an empty log gets no entry
+        fixture.setInstalled(true);
+        QVERIFY(!fixture.store->isFetching()); // not at once
+        agent.events = history(3);
+        // Both changes lead to a look, and both find it installed.
+        QTRY_VERIFY(agent.questions.size() == 2 && !fixture.store->isFetching());
+        const int before = fixture.log.count();
+        QVERIFY(before > 0);
+
+        fixture.setInstalled(false);
+        QTRY_COMPARE(fixture.log.count(), before + 1);
+        QCOMPARE(fixture.log.pastEntry()->event(), QString(ZELKEventStoppingMonitor));
+        QCOMPARE(fixture.log.pastEntry()->monitor(), QString(ZELKMonitorLullwatch));
+        QCOMPARE(fixture.log.pastEntry()->date(), fixture.clock->now());
+        // A fetch that is scheduled later: whatever else the change had led to would have come before it.
+        const qsizetype questions = agent.questions.size();
+        fixture.setInstalled(true);
+        QTRY_VERIFY(agent.questions.size() > questions && !fixture.store->isFetching());
+        QCOMPARE(fixture.log.count(), before + 1);
+        const auto cached = fixture.store->sortedCachedEventsFromDate(fixture.clock->now(), std::nullopt);
+        QCOMPARE(cached.size(), 1);
+        QCOMPARE(bytesOf(cached[0]),
+                 bytesOf(ZELKMakeRawEvent(fixture.clock->now(), QStringLiteral("Stopping monitor"),
+                                          QStringLiteral("org.zelk.lullwatch"))));
+    }
+
+    void anAgentThatIsUninstalledEndsTheFetch()
+    {
+        FakeAgent agent;
+        agent.answer = [&](const QDBusMessage &call) {
+            agent.give(call, streamOf(serialised(history(9))).left(700), true);
+        };
+        StoreFixture fixture(StoreFixture::sessionBus());
+        QSignalSpy ended(fixture.store.get(), &ZELKLWCStore::fetchFinished);
+        fixture.store->sync();
+        QTRY_COMPARE(agent.questions.size(), 1);
+        fixture.setInstalled(false);
+        QVERIFY(!fixture.awaitFetch(ended));
+        QCOMPARE(fixture.store->lastSyncDate(), ZELKDate::distantPast());
+        QCOMPARE(fixture.log.count(), 0);
+    }
+
+    void quittingKeepsTheLastSynchronisation()
+    {
+        FakeAgent agent;
+        agent.events = history(5);
+        StoreFixture fixture(StoreFixture::sessionBus());
+        QVERIFY(fixture.fetch());
+        fixture.store->applicationWillTerminate();
+        QVERIFY(!fixture.store->isOpen());
+        QVERIFY(!fixture.store->updateTimer().isActive());
+        fixture.store.reset();
+        QCOMPARE(fixture.other().lastSync(), QByteArray("760000000.500000"));
+        QCOMPARE(fixture.port->connections(), 0);
+
+        fixture.store = fixture.makeStore();
+        fixture.store.reset();
+        QCOMPARE(fixture.other().lastSync(), QByteArray());
+        QCOMPARE(fixture.other().cached().size(), 5);
+    }
+
+    /// Whatever the store is waiting for when it goes.
+    void goneInTheMiddle_data()
+    {
+        QTest::addColumn<bool>("answered");
+        QTest::addColumn<bool>("terminates");
+        QTest::newRow("call, destroyed") << false << false;
+        QTest::newRow("call, quit") << false << true;
+        QTest::newRow("stream, destroyed") << true << false;
+        QTest::newRow("stream, quit") << true << true;
+    }
+    void goneInTheMiddle()
+    {
+        QFETCH(bool, answered);
+        QFETCH(bool, terminates);
+        FakeAgent agent;
+        QDBusMessage pending;
+        const QByteArray stream = streamOf(serialised(history(400)));
+        agent.answer = [&](const QDBusMessage &call) {
+            pending = call;
+            if (answered)
+                agent.give(call, stream, true);
+        };
+        StoreFixture fixture(StoreFixture::sessionBus());
+        fixture.store->sync();
+        QTRY_COMPARE(agent.questions.size(), 1);
+        if (answered)
+            QTRY_VERIFY(agent.findChildren<FakeStream *>().size() == 1);
+        if (terminates)
+            fixture.store->applicationWillTerminate();
+        fixture.store.reset();
+        if (!answered)
+            agent.give(pending, stream);
+        QVERIFY(agent.bus()
+                    .call(agent.call("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "GetId"))
+                    .type() == QDBusMessage::ReplyMessage);
+        QCoreApplication::processEvents();
+    }
+};
+
+QTEST_GUILESS_MAIN(StoreSynchronisationTest)
+#include "tst_synchronisation.moc"
