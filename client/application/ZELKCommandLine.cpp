@@ -1,0 +1,213 @@
+#include "ZELKCommandLine.h"
+
+#include "ZELKAssertion.h"
+#include "ZELKEnvironment.h"
+#include "ZELKLWCMainWindowController.h"
+#include "ZELKLineSource.h"
+#include "ZELKRawEventImport.h"
+#include "ZELKSynchronisation.h"
+#include "ZELKTextOutput.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QMainWindow>
+#include <QPixmap>
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+using Command = ZELKCommandLineOptions::Command;
+
+constexpr int everythingTag = 8;
+
+QString text(const char *key)
+{
+    return ZELKEnvironment::current().mainBundle->localizedStringForKey(QString::fromLatin1(key), {},
+                                                                        QStringLiteral("ZELKCommandLine"));
+}
+
+} // namespace
+
+ZELKCommandLine::ZELKCommandLine(const ZELKApplicationSettings &settings,
+                                 const ZELKCommandLineOptions &options, ZELKTextOutput &output,
+                                 ZELKTextOutput &complaints)
+    : m_settings(settings)
+    , m_options(options)
+    , m_output(output)
+    , m_complaints(complaints)
+{
+}
+
+int ZELKCommandLine::run()
+{
+    bool succeeded = false;
+    const bool raisedNothing = zelkGuard([&] { succeeded = runCommand(); });
+    const bool wasWritten = finishOutput();
+    return raisedNothing && succeeded && wasWritten ? done : failed;
+}
+
+bool ZELKCommandLine::runCommand()
+{
+    switch (m_options.command) {
+    case Command::List:
+        return list();
+    case Command::Import:
+        return import();
+    case Command::Snapshot:
+        return snapshot();
+    case Command::Window:
+        break;
+    }
+    return false;
+}
+
+void ZELKCommandLine::complain(const QString &words)
+{
+    m_complaints.write(QStringLiteral("lullwatch: ") + ZELKTextOutput::safe(words) + QLatin1Char('\n'));
+    m_complaints.flush();
+}
+
+/// A reader that has gone away has seen what it wanted.
+bool ZELKCommandLine::finishOutput()
+{
+    if (m_output.flush() != ZELKTextOutput::State::Failed)
+        return true;
+    complain(ZELKFormat(text("The output cannot be written: %@"), {m_output.error()}));
+    return false;
+}
+
+// MARK: the agent
+
+/// A cache of one's own is only read, unless the agent was asked for.
+bool ZELKCommandLine::usesAgent() const
+{
+    return m_settings.knowsAgent() && (m_settings.databaseFile.isEmpty() || m_options.startsAgent);
+}
+
+ZELKApplicationWiring::World ZELKCommandLine::world() const
+{
+    return usesAgent() ? ZELKApplicationWiring::World::real(m_settings)
+                       : ZELKApplicationWiring::World::withoutAgent();
+}
+
+/// False only when an agent that was to be started could not be.
+bool ZELKCommandLine::synchronise(ZELKApplicationWiring &wiring)
+{
+    const QString file = m_settings.cacheFile();
+    if (!usesAgent() && !file.isEmpty() && !QFileInfo::exists(file)) {
+        complain(ZELKFormat(text("%@ is not there; nothing has been kept in it yet."), {file}));
+        return true;
+    }
+    wiring.store().syncWithLocalCache();
+    if (!usesAgent())
+        return true;
+    ZELKSynchronisation synchronisation(wiring, [this](const QString &words) { complain(words); });
+    const bool started = !m_options.startsAgent || synchronisation.startAgent();
+    synchronisation.fetch();
+    return started;
+}
+
+// MARK: list
+
+bool ZELKCommandLine::list()
+{
+    ZELKApplicationWiring wiring(m_settings, world());
+    const bool started = synchronise(wiring);
+    const auto writer = ZELKEntryWriter::make(m_options.format, wiring.log(), m_output);
+    const bool isPeriod = m_options.from || m_options.to;
+    const ZELKDate from = m_options.from ? m_options.from->begin() : ZELKDate::distantPast();
+    const ZELKDate to = m_options.to ? m_options.to->end() : ZELKDate::distantFuture();
+    wiring.dateRange().takeSelectionTagFrom(m_options.rangeTag);
+    const ZELKLWCLog &log = wiring.log();
+    const ZELKVisibleRange range =
+        isPeriod ? ZELKVisibleRange{0, std::uint64_t(log.count())} : log.visibleRange();
+    writer->begin();
+    for (std::uint64_t i = range.location; i < range.end() && m_output.state() == ZELKTextOutput::State::Good;
+         ++i) {
+        const ZELKLWCLogEntry &entry = *log.objectAtIndex(int(i));
+        if (!isPeriod || (entry.date() >= from && entry.date() < to))
+            writer->write(entry, i);
+    }
+    writer->end();
+    return started;
+}
+
+// MARK: import
+
+bool ZELKCommandLine::import()
+{
+    if (m_options.file == QLatin1String("-"))
+        return importFrom(STDIN_FILENO);
+    const int descriptor = ::open(QFile::encodeName(m_options.file).constData(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        const QString reason = QString::fromLocal8Bit(std::strerror(errno));
+        complain(ZELKFormat(text("%@ cannot be read: %@"), {m_options.file, reason}));
+        return false;
+    }
+    bool succeeded = false;
+    zelkGuard([&] { succeeded = importFrom(descriptor); });
+    ::close(descriptor);
+    return succeeded;
+}
+
+bool ZELKCommandLine::importFrom(int descriptor)
+{
+    ZELKApplicationWiring wiring(m_settings, ZELKApplicationWiring::World::withoutAgent());
+    ZELKRawEventImport import(wiring.store(), [this](std::uint64_t number, const QString &reason) {
+        complain(ZELKFormat(text("line %lu: %@"), {number, reason}));
+    });
+    ZELKLineSource lines(descriptor, ZELKRawEventImport::longestLine);
+    const bool wasKept = import.run(lines);
+    if (!wasKept)
+        complain(text("The events cannot be kept: their file cannot be written."));
+    if (!lines.error().isEmpty())
+        complain(ZELKFormat(text("%@ cannot be read: %@"), {m_options.file, lines.error()}));
+    m_output.write(
+        ZELKFormat(text("imported %lu events, skipped %lu lines"), {import.imported(), import.skipped()}) +
+        QLatin1Char('\n'));
+    const bool isOfUse = import.imported() > 0 || import.skipped() == 0;
+    return wasKept && lines.error().isEmpty() && isOfUse;
+}
+
+// MARK: snapshot
+
+bool ZELKCommandLine::snapshot()
+{
+    ZELKApplicationWiring wiring(m_settings, world());
+    std::unique_ptr<ZELKLWCMainWindowController> window;
+    if (!m_options.picture.isEmpty()) {
+        window = std::make_unique<ZELKLWCMainWindowController>(wiring);
+        window->showWindow();
+    }
+    const bool started = synchronise(wiring);
+    printLatest(wiring.log());
+    return (!window || takePicture(wiring, *window)) && started;
+}
+
+void ZELKCommandLine::printLatest(const ZELKLWCLog &log)
+{
+    const auto writer = ZELKEntryWriter::make(ZELKEntryWriter::Format::Table, log, m_output);
+    writer->begin();
+    for (int i = std::max(0, log.count() - m_options.count); i < log.count(); ++i)
+        writer->write(*log.objectAtIndex(i), std::uint64_t(i));
+    writer->end();
+}
+
+bool ZELKCommandLine::takePicture(ZELKApplicationWiring &wiring, ZELKLWCMainWindowController &window)
+{
+    wiring.dateRange().takeSelectionTagFrom(everythingTag);
+    QCoreApplication::processEvents();
+    if (!window.window()->grab().save(m_options.picture, "PNG")) {
+        complain(ZELKFormat(text("The picture cannot be written to %@."), {m_options.picture}));
+        return false;
+    }
+    m_output.write(ZELKFormat(text("A picture of the window stands in %@."), {m_options.picture}) +
+                   QLatin1Char('\n'));
+    return true;
+}

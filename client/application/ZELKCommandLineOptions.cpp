@@ -1,0 +1,286 @@
+#include "ZELKCommandLineOptions.h"
+
+#include "ZELKApplicationSettings.h"
+#include "ZELKEnvironment.h"
+#include "ZELKFormat.h"
+
+#include <QCommandLineParser>
+#include <QDateTime>
+#include <QHash>
+#include <QRegularExpression>
+
+namespace {
+
+using Options = ZELKCommandLineOptions;
+using Command = Options::Command;
+using Format = ZELKEntryWriter::Format;
+
+constexpr int mostEntries = 1'000'000;
+
+/// What is wrong with the arguments.
+struct Complaint
+{
+    QString text;
+};
+
+[[noreturn]] void complain(const char *format, const QString &argument = {}, const QString &second = {})
+{
+    throw Complaint{ZELKFormat(format, {argument, second})};
+}
+
+const QHash<QString, int> &rangeTags()
+{
+    static const QHash<QString, int> tags{
+        {QStringLiteral("today"), 1},           {QStringLiteral("yesterday"), 2},
+        {QStringLiteral("last-seven-days"), 3}, {QStringLiteral("this-month"), 4},
+        {QStringLiteral("last-month"), 5},      {QStringLiteral("this-week"), 6},
+        {QStringLiteral("last-week"), 7},       {QStringLiteral("everything"), 8}};
+    return tags;
+}
+
+const QHash<QString, Format> &formats()
+{
+    static const QHash<QString, Format> formats{{QStringLiteral("table"), Format::Table},
+                                                {QStringLiteral("tsv"), Format::Tsv},
+                                                {QStringLiteral("json"), Format::Json}};
+    return formats;
+}
+
+const QHash<QString, Command> &commands()
+{
+    static const QHash<QString, Command> commands{{QStringLiteral("list"), Command::List},
+                                                  {QStringLiteral("import"), Command::Import},
+                                                  {QStringLiteral("snapshot"), Command::Snapshot}};
+    return commands;
+}
+
+/// One option: its name, what its value is called (empty for none), and the command that it belongs to
+/// (Window: to all).
+struct OptionRow
+{
+    const char *name;
+    const char *value;
+    Command command;
+};
+constexpr OptionRow optionRows[] = {
+    {"database", "FILE", Command::Window},  {"profile", "NAME", Command::Window},
+    {"start-agent", "", Command::Window},   {"range", "RANGE", Command::List},
+    {"from", "DATE", Command::List},        {"to", "DATE", Command::List},
+    {"format", "FORMAT", Command::List},    {"picture", "FILE", Command::Snapshot},
+    {"count", "NUMBER", Command::Snapshot},
+};
+
+class Reader
+{
+public:
+    explicit Reader(const QStringList &arguments);
+    Options::Parsed read();
+
+private:
+    void takeCommand();
+    void takeGlobals();
+    void takeList();
+    void takeSnapshot();
+    std::optional<QString> value(const char *name) const;
+    std::optional<Options::Moment> moment(const char *name) const;
+
+    QCommandLineParser m_parser;
+    QStringList m_arguments;
+    Options m_options;
+};
+
+Reader::Reader(const QStringList &arguments)
+    : m_arguments(arguments)
+{
+    m_parser.addOption(QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}));
+    m_parser.addOption(QCommandLineOption(QStringList{QStringLiteral("v"), QStringLiteral("version")}));
+    for (const OptionRow &row : optionRows)
+        m_parser.addOption(
+            QCommandLineOption(QString::fromLatin1(row.name), {}, QString::fromLatin1(row.value)));
+}
+
+Options::Parsed Reader::read()
+{
+    const bool isSound = m_parser.parse(m_arguments);
+    if (m_parser.isSet(QStringLiteral("help")))
+        return {Options::Outcome::Help, {}, {}};
+    if (m_parser.isSet(QStringLiteral("version")))
+        return {Options::Outcome::Version, {}, {}};
+    if (!isSound)
+        complain("%@", m_parser.errorText());
+    takeCommand();
+    takeGlobals();
+    takeList();
+    takeSnapshot();
+    return {Options::Outcome::Run, {}, m_options};
+}
+
+void Reader::takeCommand()
+{
+    QStringList words = m_parser.positionalArguments();
+    if (!words.isEmpty()) {
+        const QString name = words.takeFirst();
+        if (!commands().contains(name))
+            complain("There is no command \"%@\".", name);
+        m_options.command = commands().value(name);
+    }
+    if (m_options.command == Command::Import) {
+        if (words.isEmpty())
+            complain("import needs a FILE, or - for standard input.");
+        m_options.file = words.takeFirst();
+        if (m_options.file.isEmpty())
+            complain("The FILE to import has no name.");
+    }
+    if (!words.isEmpty())
+        complain("Unexpected argument \"%@\".", words.constFirst());
+    for (const OptionRow &row : optionRows)
+        if (row.command != Command::Window && row.command != m_options.command &&
+            m_parser.isSet(QString::fromLatin1(row.name)))
+            complain("--%@ belongs to the command %@.", QString::fromLatin1(row.name),
+                     commands().key(row.command));
+}
+
+std::optional<QString> Reader::value(const char *name) const
+{
+    const QString option = QString::fromLatin1(name);
+    if (!m_parser.isSet(option))
+        return std::nullopt;
+    const QString value = m_parser.value(option);
+    if (value.isEmpty())
+        complain("--%@ needs a value.", option);
+    return value;
+}
+
+void Reader::takeGlobals()
+{
+    m_options.databaseFile = value("database").value_or(QString());
+    m_options.profile = value("profile").value_or(QString());
+    m_options.startsAgent = m_parser.isSet(QStringLiteral("start-agent"));
+    if (!m_options.profile.isEmpty() && !ZELKApplicationSettings::isProfileName(m_options.profile))
+        complain("\"%@\" cannot name a profile: letters, digits, \".\", \"_\" and \"-\" can.",
+                 m_options.profile);
+    if (m_options.startsAgent && !m_options.profile.isEmpty())
+        complain("A profile has no agent: --start-agent and --profile do not go together.");
+    if (m_options.startsAgent && m_options.command == Command::Import)
+        complain("import has nothing to do with the agent: it does not take --start-agent.");
+}
+
+std::optional<Options::Moment> Reader::moment(const char *name) const
+{
+    const std::optional<QString> text = value(name);
+    if (!text)
+        return std::nullopt;
+    const std::optional<Options::Moment> moment = Options::Moment::parse(*text);
+    if (!moment)
+        complain("\"%@\" is no date: YYYY-MM-DD, YYYY-MM-DDTHH:MM or YYYY-MM-DDTHH:MM:SS is.", *text);
+    return moment;
+}
+
+void Reader::takeList()
+{
+    if (const auto range = value("range")) {
+        if (!rangeTags().contains(*range))
+            complain("There is no range \"%@\".", *range);
+        m_options.rangeTag = rangeTags().value(*range);
+    }
+    m_options.from = moment("from");
+    m_options.to = moment("to");
+    if ((m_options.from || m_options.to) && m_parser.isSet(QStringLiteral("range")))
+        complain("--range does not go together with --from and --to.");
+    if (m_options.from && m_options.to && !(m_options.from->begin() < m_options.to->end()))
+        complain("--from lies after --to.");
+    if (const auto format = value("format")) {
+        if (!formats().contains(*format))
+            complain("There is no format \"%@\".", *format);
+        m_options.format = formats().value(*format);
+    }
+}
+
+void Reader::takeSnapshot()
+{
+    m_options.picture = value("picture").value_or(QString());
+    if (const auto count = value("count")) {
+        bool isNumber = false;
+        m_options.count = count->toInt(&isNumber);
+        if (!isNumber || m_options.count < 1 || m_options.count > mostEntries)
+            complain("--count needs a number from 1 to 1000000, not \"%@\".", *count);
+    }
+}
+
+ZELKDate localDate(const QDateTime &moment)
+{
+    return ZELKDate::fromDateTime(moment);
+}
+
+} // namespace
+
+std::optional<Options::Moment> Options::Moment::parse(const QString &text)
+{
+    static const QRegularExpression form(QStringLiteral(
+        "\\A([0-9]{4}-[0-9]{2}-[0-9]{2})(?:T((?:[01][0-9]|2[0-3]):[0-9]{2}(?::[0-9]{2})?))?\\z"));
+    const QRegularExpressionMatch match = form.match(text);
+    const Moment moment{QDate::fromString(match.captured(1), Qt::ISODate),
+                        match.hasCaptured(2)
+                            ? std::optional(QTime::fromString(match.captured(2), Qt::ISODate))
+                            : std::nullopt};
+    if (!moment.day.isValid() || (moment.time && !moment.time->isValid()))
+        return std::nullopt;
+    return moment;
+}
+
+ZELKDate Options::Moment::begin() const
+{
+    const QTimeZone zone = ZELKEnvironment::current().zone;
+    return localDate(time ? QDateTime(day, *time, zone) : day.startOfDay(zone));
+}
+
+ZELKDate Options::Moment::end() const
+{
+    if (time)
+        return begin().addingTimeInterval(1.0);
+    return localDate(day.addDays(1).startOfDay(ZELKEnvironment::current().zone));
+}
+
+Options::Parsed Options::parse(const QStringList &arguments)
+{
+    try {
+        return Reader(arguments).read();
+    } catch (const Complaint &complaint) {
+        return {Outcome::Wrong, complaint.text, {}};
+    }
+}
+
+QString Options::help()
+{
+    return QStringLiteral(
+        R"(Shows what happened to this computer: when it slept, woke, started and changed its power.
+
+Usage: lullwatch [OPTIONS]                     opens the window
+       lullwatch [OPTIONS] list [...]          prints entries
+       lullwatch [OPTIONS] import FILE         takes events in, from a file or "-" (standard input)
+       lullwatch [OPTIONS] snapshot [...]      prints the latest entries, without a display
+
+Options, which may also follow the command:
+  --database FILE    keep the events in FILE
+  --profile NAME     a world of its own: settings and events apart from all others, and no agent
+  --start-agent      start the recording agent in this session if it is not running
+  -h, --help         print this
+  -v, --version      print the version
+
+list:
+  --range RANGE      today, yesterday, last-seven-days, this-month, last-month, this-week, last-week or
+                     everything (which it is without this)
+  --from DATE        entries from then on: YYYY-MM-DD, YYYY-MM-DDTHH:MM or YYYY-MM-DDTHH:MM:SS, local time
+  --to DATE          entries up to then, that day or second included
+  --format FORMAT    table (which it is without this), tsv or json
+
+import: raw events, one JSON object a line, with the keys "date" (seconds since 2001-01-01 UTC),
+"description", "monitor" and "properties" (a property list as text, or "NULL")
+
+snapshot:
+  --count NUMBER     how many entries, 20 without this
+  --picture FILE     also write a picture of the window, as PNG
+
+The exit status is 0, 1 when something failed, and 2 when the command line was wrong.
+)");
+}

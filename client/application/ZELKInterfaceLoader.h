@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ZELKAssertion.h"
+#include "ZELKFormat.h"
+
+#include <QUiLoader>
+#include <QWidget>
+
+#include <memory>
+
+class ZELKBundle;
+
+/// Loads an interface file of the main bundle, named after the class that it belongs to. Its texts are keys
+/// of the string table of that name.
+class ZELKInterfaceLoader : public QUiLoader
+{
+    Q_OBJECT
+
+public:
+    /// A missing or malformed file raises "%@ interface file is missing or malformed".
+    static std::unique_ptr<QWidget> loadInterface(const ZELKBundle &mainBundle, const QString &className);
+    /// The text of `key` in the table that belongs to the class.
+    static QString text(const QString &className, const QString &key);
+
+    /// The object of that name; one that is missing raises "%@ %@ is not connected.".
+    template <typename Type>
+    static Type *outlet(const QWidget &root, const QString &className, const char *name)
+    {
+        if (auto *found = root.findChild<Type *>(QString::fromLatin1(name)))
+            return found;
+        ZELKAssertion::fail(QStringLiteral("client/") + className, 0,
+                            ZELKFormat("%@ %@ is not connected.", {className, name}));
+    }
+
+    QWidget *createWidget(const QString &className, QWidget *parent, const QString &name) override;
+
+private:
+    static void localise(QObject &root, const QString &className);
+};

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "ZELKAgentError.h"
+#include "ZELKLWCLogTableModel.h"
+
+#include <QObject>
+
+#include <memory>
+
+class QAction;
+class QLabel;
+class QMainWindow;
+class QStackedWidget;
+class QTableView;
+class QWidget;
+class ZELKApplicationWiring;
+class ZELKStatusLine;
+
+/// The main window: the visible entries, the date range that chooses them, and the agent's state with the
+/// button that starts and stops it. While it lives it also shows what guards catch.
+class ZELKLWCMainWindowController : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Loads the window from the main bundle, hidden. `wiring` must outlive the controller.
+    explicit ZELKLWCMainWindowController(ZELKApplicationWiring &wiring, QObject *parent = nullptr);
+    ~ZELKLWCMainWindowController() override;
+
+    QMainWindow *window() const { return m_window.get(); }
+    void showWindow();
+    /// Window-modal; does not wait.
+    void presentError(const ZELKAgentError &error);
+    /// Stops the agent that is installed, else starts it in its session form.
+    void startOrStop();
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void setUpTable();
+    void fitDateColumn();
+    void setUpActions();
+    void setUpAgent();
+    void setUpUserGuide();
+    void updateStartStop();
+    void updateEmptyText();
+    void showAbout();
+    void restoreGeometry();
+    void saveGeometry();
+    template <typename Type>
+    Type *outlet(const char *name) const;
+
+    ZELKApplicationWiring &m_wiring;
+    std::unique_ptr<QMainWindow> m_window;
+    ZELKLWCLogTableModel m_model;
+    QTableView *m_table;
+    QStackedWidget *m_pages;
+    QLabel *m_emptyLabel;
+    QAction *m_startStop;
+    ZELKStatusLine *m_statusLine; // owned by the window
+};

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QUrl>
+
+class QWidget;
+class ZELKAgentController;
+class ZELKBundle;
+class ZELKLWCLog;
+class ZELKLWCStore;
+class ZELKUserDefaults;
+
+/// Registers the default settings before anything else runs, starts the flow of events when launching has
+/// finished, and answers the scripting layer's questions about its keys. Owns none of its outlets.
+class ZELKLWClientAppDelegate : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(bool canOpenUserGuide READ canOpenUserGuide NOTIFY canOpenUserGuideChanged)
+
+public:
+    explicit ZELKLWClientAppDelegate(QObject *parent = nullptr);
+
+    /// Calls registerDefaults().
+    static void initialize(const ZELKBundle &mainBundle, ZELKUserDefaults &defaults);
+    /// Registers the bundle's Defaults.plist. Those settings that its array "initialValues" names also become
+    /// initial values, to which a bound control reverts. A missing resource raises "%@ Missing
+    /// 'Defaults.plist'."; one that cannot be read registers nothing.
+    static void registerDefaults(const ZELKBundle &mainBundle, ZELKUserDefaults &defaults);
+
+    QWidget *window() const { return m_window; }
+    void setWindow(QWidget *window) { m_window = window; }
+    ZELKLWCLog *log() const { return m_log; }
+    void setLog(ZELKLWCLog *log) { m_log = log; }
+    ZELKLWCStore *store() const { return m_store; }
+    void setStore(ZELKLWCStore *store) { m_store = store; }
+    ZELKAgentController *agentController() const { return m_agentController; }
+    void setAgentController(ZELKAgentController *controller) { m_agentController = controller; }
+
+    /// Reads the cache into the log, then asks the agent for what is new.
+    void applicationDidFinishLaunching();
+    /// Does nothing: each event was cached when it came.
+    void applicationWillTerminate() {}
+    bool applicationShouldTerminateAfterLastWindowClosed() const { return true; }
+
+    /// "Lullwatch User Guide.pdf" of the main bundle; empty when it is not there.
+    QUrl userGuideURL() const;
+    void openUserGuide();
+    /// False until launching has finished.
+    bool canOpenUserGuide() const { return m_canOpenUserGuide; }
+
+    /// True exactly for "database".
+    bool applicationDelegateHandlesKey(const QString &key) const;
+    /// What scripts know as "database": the log.
+    ZELKLWCLog *database() const { return m_log; }
+
+Q_SIGNALS:
+    void canOpenUserGuideChanged(bool can);
+
+private:
+    QWidget *m_window = nullptr;
+    ZELKLWCLog *m_log = nullptr;
+    ZELKLWCStore *m_store = nullptr;
+    ZELKAgentController *m_agentController = nullptr;
+    bool m_canOpenUserGuide = false;
+};

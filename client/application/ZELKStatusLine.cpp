@@ -1,0 +1,135 @@
+#include "ZELKStatusLine.h"
+
+#include "ZELKApplicationWiring.h"
+#include "ZELKAssertion.h"
+#include "ZELKElidedLabel.h"
+#include "ZELKEnvironment.h"
+#include "ZELKInterfaceLoader.h"
+#include "ZELKShortDate.h"
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QStyle>
+
+#include <utility>
+
+namespace {
+
+QString className()
+{
+    return QStringLiteral("ZELKLWCMainWindowController");
+}
+
+QString text(const char *topic)
+{
+    return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
+}
+
+QString number(std::uint64_t value)
+{
+    return ZELKEnvironment::current().locale.toString(qulonglong(value));
+}
+
+template <typename Type>
+Type *outlet(const QMainWindow &window, const char *name)
+{
+    return ZELKInterfaceLoader::outlet<Type>(window, className(), name);
+}
+
+} // namespace
+
+ZELKStatusLine::ZELKStatusLine(QMainWindow &window, ZELKApplicationWiring &wiring)
+    : QObject(&window)
+    , m_wiring(wiring)
+    , m_stateLabel(outlet<QLabel>(window, "stateLabel"))
+    , m_countLabel(outlet<QLabel>(window, "countLabel"))
+    , m_synchronisationLabel(outlet<QLabel>(window, "synchronisationLabel"))
+    , m_failureIcon(outlet<QLabel>(window, "failureIcon"))
+    , m_failureLabel(outlet<ZELKElidedLabel>(window, "failureLabel"))
+{
+    const int size = window.style()->pixelMetric(QStyle::PM_SmallIconSize);
+    m_failureIcon->setPixmap(window.style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
+    m_synchronisationLabel->setVisible(wiring.settings().knowsAgent());
+    clearFailure();
+    updateState();
+    updateCount();
+    m_synchronisationLabel->setText(text("synchronised.never"));
+    follow();
+}
+
+void ZELKStatusLine::follow()
+{
+    connect(&m_wiring.agentController(), &ZELKAgentController::stateChanged, this,
+            [this] { zelkGuard([this] { updateState(); }); });
+    connect(&m_wiring.log(), &ZELKLWCLog::visibleEntriesDidChange, this,
+            [this] { zelkGuard([this] { updateCount(); }); });
+    connect(&m_wiring.store(), &ZELKLWCStore::fetchFinished, this,
+            [this](bool complete) { zelkGuard([&] { fetchFinished(complete); }); });
+}
+
+void ZELKStatusLine::updateState()
+{
+    const ZELKApplicationSettings &settings = m_wiring.settings();
+    m_stateLabel->setText(settings.knowsAgent() ? m_wiring.agentController().localisedState()
+                                                : ZELKFormat(text("profile"), {settings.profile}));
+}
+
+void ZELKStatusLine::updateCount()
+{
+    const auto all = std::uint64_t(m_wiring.log().count());
+    const std::uint64_t visible = m_wiring.log().countOfVisibleEntries();
+    QString words;
+    if (visible != all)
+        words = ZELKFormat(text("entries.some"), {number(visible), number(all)});
+    else
+        words = all == 1 ? text("entries.one") : ZELKFormat(text("entries.all"), {number(all)});
+    m_countLabel->setText(words);
+}
+
+void ZELKStatusLine::updateSynchronisation()
+{
+    const ZELKDate date = m_wiring.store().lastSyncDate();
+    m_synchronisationLabel->setText(date > ZELKDate::distantPast()
+                                        ? ZELKFormat(text("synchronised"), {ZELKShortDate::text(date)})
+                                        : text("synchronised.never"));
+}
+
+void ZELKStatusLine::fetchFinished(bool complete)
+{
+    const QString failure = complete ? QString() : fetchFailure();
+    // What was raised on the way says more than that it failed.
+    const bool isTold = std::exchange(m_failureIsNew, false);
+    if (complete)
+        clearFailure();
+    else if (!failure.isEmpty() && !isTold)
+        showFailure(failure);
+    m_failureIsNew = false;
+    updateSynchronisation();
+}
+
+/// Empty where there is no agent to fetch from.
+QString ZELKStatusLine::fetchFailure()
+{
+    const ZELKDatabaseResult result = m_wiring.store().lastResult();
+    if (result.failed())
+        return ZELKEnvironment::current().mainBundle->localizedStringForKey(
+            ZELKFormat("%@.failure.cache.%d", {className(), result.code}),
+            ZELKFormat(text("failure.cache"), {result.code}), className());
+    return m_wiring.agentController().installed() ? text("failure.agent") : QString();
+}
+
+void ZELKStatusLine::showFailure(const QString &message)
+{
+    m_failureIsNew = true;
+    const QString now = ZELKShortDate::text(ZELKEnvironment::current().clock->now());
+    m_failureLabel->setFullText(ZELKFormat("%@  %@", {now, message}));
+    m_failureIcon->show();
+    m_failureLabel->show();
+}
+
+void ZELKStatusLine::clearFailure()
+{
+    m_failureLabel->setFullText({});
+    m_failureIcon->hide();
+    m_failureLabel->hide();
+}

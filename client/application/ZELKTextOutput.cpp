@@ -1,0 +1,78 @@
+#include "ZELKTextOutput.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr qsizetype bufferSize = qsizetype(64) << 10;
+
+bool isHarmful(QChar character)
+{
+    const ushort code = character.unicode();
+    return character.category() == QChar::Other_Control || code == QChar::LineSeparator ||
+           code == QChar::ParagraphSeparator || (code >= 0x202A && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069);
+}
+
+QString escaped(QChar character)
+{
+    switch (character.unicode()) {
+    case u'\n':
+        return QStringLiteral("\\n");
+    case u'\r':
+        return QStringLiteral("\\r");
+    case u'\t':
+        return QStringLiteral("\\t");
+    default:
+        return QString::asprintf("\\u%04x", unsigned(character.unicode()));
+    }
+}
+
+} // namespace
+
+ZELKTextOutput::~ZELKTextOutput()
+{
+    flush();
+}
+
+void ZELKTextOutput::write(std::string_view utf8)
+{
+    if (m_state != State::Good)
+        return;
+    m_buffer.append(utf8.data(), qsizetype(utf8.size()));
+    if (m_buffer.size() >= bufferSize)
+        flush();
+}
+
+ZELKTextOutput::State ZELKTextOutput::flush()
+{
+    qsizetype done = 0;
+    while (m_state == State::Good && done < m_buffer.size()) {
+        const ssize_t count =
+            ::write(m_descriptor, m_buffer.constData() + done, std::size_t(m_buffer.size() - done));
+        if (count >= 0) {
+            done += count;
+        } else if (errno == EPIPE) {
+            m_state = State::Closed;
+        } else if (errno != EINTR) {
+            m_state = State::Failed;
+            m_error = QString::fromLocal8Bit(std::strerror(errno));
+        }
+    }
+    m_buffer.resize(0);
+    return m_state;
+}
+
+QString ZELKTextOutput::safe(const QString &text)
+{
+    if (std::none_of(text.begin(), text.end(), isHarmful))
+        return text;
+    QString line;
+    for (const QChar character : text)
+        line += isHarmful(character) ? escaped(character) : QString(character);
+    return line;
+}

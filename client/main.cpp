@@ -1,0 +1,6 @@
+#include "ZELKProgram.h"
+
+int main(int argc, char **argv)
+{
+    return ZELKProgram::run(argc, argv);
+}
