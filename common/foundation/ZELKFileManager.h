@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// Whole folders. Symbolic links are never followed, so that nobody who can write to a part of a tree can
+/// lead the program out of it.
+namespace ZELKFileManager {
+
+/// Makes `destination` a copy of the folder `source`, replacing what is there, as one step: it is the old
+/// tree or the whole new one. Files keep their being executable and are otherwise readable by everybody and
+/// writable by the owner. What went wrong, such as something in the tree that is neither file nor folder;
+/// else nothing.
+std::optional<QString> copyFolder(const QString &source, const QString &destination);
+
+/// Removes the folder with all that is in it, or the file or link. What is not there is no failure.
+std::optional<QString> remove(const QString &path);
+
+/// Makes the file hold these bytes, as one step. Its folder has to be there.
+std::optional<QString> writeFile(const QString &path, const QByteArray &bytes);
+
+} // namespace ZELKFileManager
