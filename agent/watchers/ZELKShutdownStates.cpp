@@ -1,0 +1,41 @@
+#include "ZELKShutdownStates.h"
+
+#include <algorithm>
+
+bool ZELKShutdownStates::announce(const ZELKMoment &moment)
+{
+    if (m_phase == Phase::Announced)
+        return false;
+    if (m_phase == Phase::Recorded && moment.awake - m_announced.awake <= announcementLasts)
+        return false;
+    m_phase = Phase::Announced;
+    m_announced = moment;
+    return true;
+}
+
+ZELKShutdownStates::Events ZELKShutdownStates::decide(std::optional<ZELKShutdownKind> kind)
+{
+    if (m_phase != Phase::Announced)
+        return {};
+    m_phase = Phase::Recorded;
+    const bool restart = kind == ZELKShutdownKind::Restart;
+    return {{m_announced.date, restart ? ZELKEventSystemWillRestart : ZELKEventSystemWillPowerOff,
+             ZELKMonitorPowerEvents}};
+}
+
+ZELKShutdownStates::Events ZELKShutdownStates::jobDidStart(ZELKShutdownKind kind, const ZELKMoment &moment)
+{
+    announce(moment);
+    return decide(kind);
+}
+
+ZELKShutdownStates::Events ZELKShutdownStates::cancel(const ZELKMoment &moment)
+{
+    Events events = decide(std::nullopt);
+    if (m_phase == Phase::None)
+        return events;
+    m_phase = Phase::None;
+    const ZELKDate date = std::max(moment.date, m_announced.date.addingTimeInterval(1e-6));
+    events.push_back({date, ZELKEventSystemWillNotPowerOff, ZELKMonitorPowerEvents});
+    return events;
+}

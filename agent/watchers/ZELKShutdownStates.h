@@ -1,0 +1,38 @@
+#pragma once
+
+#include "ZELKLWAEvent.h"
+#include "ZELKSuspendClock.h"
+
+#include <optional>
+#include <vector>
+
+enum class ZELKShutdownKind { PowerOff, Restart };
+
+/// Makes "System will power off", "System will restart" and "System will not power off" of what is heard
+/// about the end of the system: its announcement, which does not tell the kind, and the service manager's
+/// jobs, which do. Each operation answers the events to record.
+class ZELKShutdownStates
+{
+public:
+    using Events = std::vector<ZELKLWAEvent>;
+
+    /// Seconds awake after which another announcement is another shut-down: the one before came to nothing
+    /// and nobody said so.
+    static constexpr double announcementLasts = 60.0;
+
+    /// An announcement. True when it is news: the kind is to be found out, then decide().
+    bool announce(const ZELKMoment &moment);
+    bool isUndecided() const { return m_phase == Phase::Announced; }
+    /// The kind of the announced shut-down; when nobody knows, it is a power-off. Dated at the announcement.
+    Events decide(std::optional<ZELKShutdownKind> kind);
+    /// A job that ends the system, announced or not.
+    Events jobDidStart(ZELKShutdownKind kind, const ZELKMoment &moment);
+    /// What was announced will not be.
+    Events cancel(const ZELKMoment &moment);
+
+private:
+    enum class Phase { None, Announced, Recorded };
+
+    Phase m_phase = Phase::None;
+    ZELKMoment m_announced;
+};
