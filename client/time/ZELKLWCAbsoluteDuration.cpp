@@ -17,6 +17,12 @@ QString span(const QString &dates, const QString &shared, ZELKDate start, ZELKDa
     return ZELKFormat("%@, %@", {span(dates, start, end), ZELKCalendar::format(end, shared)});
 }
 
+/// Within one day, also one of 25 hours.
+bool isWithinOneDay(ZELKDate start, ZELKDate end)
+{
+    return ZELKCalendar::startOfDay(start) == ZELKCalendar::startOfDay(end);
+}
+
 } // namespace
 
 void ZELKLWCAbsoluteDuration::setStartDate(ZELKDate start)
@@ -51,7 +57,7 @@ QString ZELKLWCAbsoluteDuration::periodDescription() const
 {
     const ZELKDate start = m_startDate;
     const ZELKDate end = endDate();
-    if (duration() <= longestDay)
+    if (duration() <= longestDay || isWithinOneDay(start, end))
         return ZELKCalendar::format(start.addingTimeInterval(duration() * 0.5),
                                     QStringLiteral("%A, %e %B %Y"));
     if (ZELKCalendar::year(start) != ZELKCalendar::year(end))

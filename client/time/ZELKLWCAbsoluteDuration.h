@@ -47,9 +47,9 @@ public:
     /// "START - END", each as a date describes itself.
     QString description() const;
     /// The title of the period, in the zone and with the names of the current environment. The day of its
-    /// middle when it lasts at most 86400 seconds ("Tuesday,  5 March 2024"), else the days of its ends with
-    /// what they share said once (" 5 March - 12 April, 2024"), and so for a day of 25 hours too. Days of the
-    /// month are padded with a space.
+    /// middle when it lasts at most 86400 seconds or lies within one day, which may have 25 hours
+    /// ("Tuesday,  5 March 2024"); else the days of its ends with what they share said once
+    /// (" 5 March - 12 April, 2024"). Days of the month are padded with a space.
     QString periodDescription() const;
     /// A variant that ZELKValue describes as description().
     QVariant toVariant() const { return QVariant::fromValue(*this); }

@@ -5,20 +5,24 @@
 #include "ZELKEnvironment.h"
 #include "ZELKUserDefaults.h"
 
+#include <QStringList>
+
+#include <cmath>
 #include <utility>
 
 namespace {
 
-/// A day from 00:00:00 to 23:59:59, in seconds.
-constexpr double wholeDay = 86399.0;
-/// 1068 days.
-constexpr double longestZoom = 92275200.0;
+/// Days from which on a range is zoomed out no further.
+constexpr int longestZoom = 1068;
 /// A day and a second, so that each firing falls after midnight.
 constexpr double midnightInterval = 86401.0;
 
 constexpr QLatin1String tagKey("dateRange");
 constexpr QLatin1String startKey("ZELKLWCDateRangeController.duration.date");
 constexpr QLatin1String lengthKey("ZELKLWCDateRangeController.duration.interval");
+constexpr QLatin1String presetKey("ZELKLWCDateRangeController.duration.preset");
+
+constexpr int everythingTag = 8;
 
 ZELKDate dateOrFailure(std::optional<ZELKDate> date, int line)
 {
@@ -30,6 +34,27 @@ ZELKDate dateOrFailure(std::optional<ZELKDate> date, int line)
 ZELKDate nextMidnight(ZELKDate date)
 {
     return ZELKCalendar::startOfDay(ZELKCalendar::adding(ZELKCalendar::startOfDay(date), 0, 1));
+}
+
+/// From the first second of the date's day to its last: 86399 seconds, but for days of 23 and 25 hours.
+double lengthOfDay(ZELKDate date)
+{
+    return nextMidnight(date).timeIntervalSinceDate(ZELKCalendar::startOfDay(date)) - 1.0;
+}
+
+/// Midnights between two moments. No clock change makes up for half a day.
+int nightsBetween(ZELKDate from, ZELKDate to)
+{
+    constexpr double day = 86400.0;
+    return int(std::lround(
+        ZELKCalendar::startOfDay(to).timeIntervalSinceDate(ZELKCalendar::startOfDay(from)) / day));
+}
+
+/// A preset and the period that it stood for, in a form that the settings keep digit by digit.
+QStringList presetMark(int tag, double start, double length)
+{
+    constexpr int digits = 17;
+    return {QString::number(tag), QString::number(start, 'g', digits), QString::number(length, 'g', digits)};
 }
 
 } // namespace
@@ -113,7 +138,7 @@ void ZELKLWCDateRangeController::normalise(ZELKLWCAbsoluteDuration &range) const
 {
     range.setStartDate(floorDate(range.startDate()));
     range.setEndDate(ceilingDate(range.endDate()));
-    if (range.duration() < wholeDay)
+    if (range.duration() < lengthOfDay(range.startDate()))
         range.setEndDate(nextMidnight(range.startDate()));
     if (range.startDate() < distantPast())
         range.setStartDate(distantPast());
@@ -194,7 +219,7 @@ void ZELKLWCDateRangeController::setDistantPastDistantFuture(std::optional<ZELKD
     m_boundsAreProvisional = false;
     initPrecalculatedDurations();
     if (const auto restored = std::exchange(m_restored, std::nullopt))
-        setRange(*restored);
+        takeUp(*restored);
     synchronise();
 }
 
@@ -236,7 +261,11 @@ void ZELKLWCDateRangeController::shiftDurationHours(int hours, int days, int mon
     if (!m_absoluteDuration)
         return;
     const ZELKDate start = ZELKCalendar::adding(m_absoluteDuration->startDate(), months, days, hours);
-    setRange({start, m_absoluteDuration->duration()});
+    if (hours != 0)
+        return setRange({start, m_absoluteDuration->duration()});
+    const int nights = nightsBetween(m_absoluteDuration->startDate(), m_absoluteDuration->endDate());
+    setRange(
+        ZELKLWCAbsoluteDuration::absoluteDurationFromDate(start, ZELKCalendar::adding(start, 0, nights)));
 }
 
 void ZELKLWCDateRangeController::setStartingDay(std::optional<ZELKDate> date)
@@ -255,12 +284,14 @@ void ZELKLWCDateRangeController::setEndingDay(std::optional<ZELKDate> date)
 
 bool ZELKLWCDateRangeController::canZoomIn() const
 {
-    return m_absoluteDuration && m_absoluteDuration->duration() > wholeDay;
+    return m_absoluteDuration &&
+           m_absoluteDuration->duration() > lengthOfDay(m_absoluteDuration->startDate());
 }
 
 bool ZELKLWCDateRangeController::canZoomOut() const
 {
-    return m_absoluteDuration && m_absoluteDuration->duration() < longestZoom;
+    return m_absoluteDuration && m_absoluteDuration->endDate() <
+                                     ZELKCalendar::adding(m_absoluteDuration->startDate(), 0, longestZoom);
 }
 
 bool ZELKLWCDateRangeController::canForward() const
@@ -302,8 +333,12 @@ void ZELKLWCDateRangeController::saveState()
 {
     const ZELKLWCAbsoluteDuration range =
         m_absoluteDuration ? *m_absoluteDuration : ZELKLWCAbsoluteDuration();
-    m_defaults.setValue(startKey, range.startDate().timeIntervalSinceReferenceDate());
+    const double start = range.startDate().timeIntervalSinceReferenceDate();
+    m_defaults.setValue(startKey, start);
     m_defaults.setValue(lengthKey, range.duration());
+    m_defaults.setValue(presetKey, isPreset(m_selectionTag)
+                                       ? presetMark(m_selectionTag, start, range.duration())
+                                       : QVariant());
 }
 
 void ZELKLWCDateRangeController::restoreState()
@@ -312,8 +347,32 @@ void ZELKLWCDateRangeController::restoreState()
     const double length = m_defaults.doubleForKey(lengthKey);
     if (!(start > 0.0 && length > 0.0))
         return;
-    const ZELKLWCAbsoluteDuration remembered(ZELKDate(start), length);
-    setRange(remembered);
-    if (m_boundsAreProvisional)
-        m_restored = remembered;
+    const QStringList mark = m_defaults.value(presetKey).toStringList();
+    const int tag = mark.value(0).toInt();
+    const Remembered remembered{{ZELKDate(start), length},
+                                mark == presetMark(tag, start, length) ? tag : customTag};
+    if (!m_boundsAreProvisional)
+        return takeUp(remembered);
+    setRange(remembered.first);
+    m_restored = remembered;
+}
+
+/// The preset anew where it still means the remembered days, which the bounds may have cut short then; else
+/// the days.
+void ZELKLWCDateRangeController::takeUp(const Remembered &remembered)
+{
+    if (stillMeans(remembered))
+        setSelectionTag(remembered.second);
+    else
+        setRange(remembered.first);
+}
+
+bool ZELKLWCDateRangeController::stillMeans(const Remembered &remembered) const
+{
+    const auto &[range, tag] = remembered;
+    if (!isPreset(tag))
+        return false;
+    const ZELKLWCAbsoluteDuration &preset = *m_precalculatedDurations[std::size_t(tag - 1)];
+    return tag == everythingTag || (floorDate(preset.startDate()) <= range.startDate() &&
+                                    range.endDate() <= ceilingDate(preset.endDate()));
 }

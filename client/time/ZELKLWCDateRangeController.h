@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 class ZELKUserDefaults;
@@ -51,9 +52,9 @@ public:
     /// Null until a range was set.
     std::shared_ptr<const ZELKLWCAbsoluteDuration> absoluteDuration() const { return m_absoluteDuration; }
     /// Takes up the object itself and adjusts its dates in place: whole days, at least one, within the
-    /// bounds. One oddity is meant: a range of less than 86399 seconds is made to end at the next midnight,
-    /// not a second before it, and so is no preset. Does nothing when this is the object already held; null
-    /// asserts.
+    /// bounds. One oddity is meant: a range shorter than its first day, of whatever hours, is made to end at
+    /// the next midnight, not a second before it, and so is no preset. Does nothing when this is the object
+    /// already held; null asserts.
     void setAbsoluteDuration(const Range &range);
     int selectionTag() const { return m_selectionTag; }
     /// A preset's tag sets its range; every other tag becomes 9 and leaves the range as it is. Where several
@@ -73,8 +74,8 @@ public:
     /// Floored and ceiled to whole days; the system's distant dates until they are set.
     ZELKDate distantPast() const { return m_distantPast.value_or(ZELKDate::distantPast()); }
     ZELKDate distantFuture() const { return m_distantFuture.value_or(ZELKDate::distantFuture()); }
-    /// The span of the recorded data. A range restored before the first call is set once more, since until
-    /// then it had to lie within today.
+    /// The span of the recorded data. What was restored earlier had to lie within today, and is taken up
+    /// anew.
     void setDistantPastDistantFuture(std::optional<ZELKDate> past, std::optional<ZELKDate> future);
     /// 00:00:00 and 23:59:59 of the local day. An absent date asserts.
     static ZELKDate floorDate(std::optional<ZELKDate> date);
@@ -87,12 +88,12 @@ public:
     void dayBackward() { shiftDurationHours(0, -1, 0); }
     void monthForward() { shiftDurationHours(0, 0, 1); }
     void monthBackward() { shiftDurationHours(0, 0, -1); }
-    /// Moves the start in the local calendar; the length in seconds stays, and is then taken to whole days
-    /// again.
+    /// Moves the start in the local calendar. Moved by days and months the range keeps its number of days,
+    /// whatever hours they have; moved by hours it keeps its seconds, and is then taken to whole days again.
     void shiftDurationHours(int hours, int days, int months);
     void setStartingDay(std::optional<ZELKDate> date);
     void setEndingDay(std::optional<ZELKDate> date);
-    /// Longer than 86399 seconds; shorter than 1068 days. Without a range nothing can be zoomed or moved.
+    /// Longer than its first day; shorter than 1068 days. Without a range nothing can be zoomed or moved.
     bool canZoomIn() const;
     bool canZoomOut() const;
     bool canForward() const;
@@ -102,7 +103,9 @@ public:
     bool validateAction(Action action) const;
 
     /// Writes "ZELKLWCDateRangeController.duration.date" (seconds since the reference date) and
-    /// "….duration.interval" (seconds); restoring takes them only when both are above 0.
+    /// "….duration.interval" (seconds); restoring takes them only when both are above 0. A preset goes along
+    /// as "….duration.preset": it is chosen anew if it still means those days, "everything" always, so that
+    /// what was recorded since is shown.
     void saveState();
     void restoreState();
 
@@ -120,6 +123,8 @@ Q_SIGNALS:
     void selectionTagChanged(int tag);
 
 private:
+    using Remembered = std::pair<ZELKLWCAbsoluteDuration, int>; ///< a range, and its tag
+
     void initPrecalculatedDurations();
     void initPrecalculatedWeeks(ZELKDate now, ZELKDate today);
     void setPreset(int tag, ZELKDate start, ZELKDate end);
@@ -128,6 +133,8 @@ private:
     void passMidnight();
     void normalise(ZELKLWCAbsoluteDuration &range) const;
     void setRange(const ZELKLWCAbsoluteDuration &range);
+    void takeUp(const Remembered &remembered);
+    bool stillMeans(const Remembered &remembered) const;
     bool isPreset(int tag) const;
 
     ZELKUserDefaults &m_defaults;
@@ -139,5 +146,5 @@ private:
     std::optional<ZELKDate> m_distantFuture;
     bool m_boundsAreProvisional = false;
     /// Restored while the bounds were provisional.
-    std::optional<ZELKLWCAbsoluteDuration> m_restored;
+    std::optional<Remembered> m_restored;
 };
