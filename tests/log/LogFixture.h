@@ -1,14 +1,27 @@
 #pragma once
 
+#include "LogDump.h"
+#include "Rows.h"
 #include "ZELKEnvironment.h"
 #include "ZELKEventVocabulary.h"
 #include "ZELKLWCDateRangeController.h"
-#include "ZELKLWCLog.h"
-#include "ZELKLWCLogEntryPowerStatus.h"
 #include "ZELKRawEvent.h"
 #include "ZELKUserDefaults.h"
 
 #include <QTemporaryDir>
+
+using Events = QList<ZELKRawEvent>;
+
+constexpr double oneDay = 86400.0;
+inline const QString sleepEvent = ZELKEventSystemWillSleep;
+inline const QString wakeEvent = ZELKEventSystemHasPoweredOn;
+inline const QString idleEvent = ZELKEventCanSystemSleep;
+inline const QString plainEvent = ZELKEventSystemWillRestart;
+inline const QString charging = ZELKPropertyIsCharging;
+inline const QString present = ZELKPropertyIsPresent;
+inline const QString source = ZELKPropertyPowerSourceState;
+inline const QString toEmpty = ZELKPropertyTimeToEmpty;
+inline const QString processes = ZELKPropertyProcesses;
 
 /// Which texts an entry finds in the main bundle: none (keys are shown), those of English, or invented ones
 /// that show whether a key was looked up at all.
@@ -57,6 +70,11 @@ inline ZELKRawEvent rawEvent(double seconds, const QString &event, const ZELKDic
                                                  : ZELKPropertiesText(properties));
 }
 
+inline ZELKRawEvent plainAt(double seconds)
+{
+    return rawEvent(seconds, plainEvent);
+}
+
 /// What a power source says of itself; `others` replace or add to it.
 inline ZELKDictionary reading(int percentage, const ZELKDictionary &others = {})
 {
@@ -97,7 +115,9 @@ struct LogFixture
     {
         return static_cast<ZELKLWCLogEntryPowerStatus *>(add(batteryEvent(seconds, properties)));
     }
+    void addAll(const Events &events) { log.addExternalEntries(events); }
     ZELKLWCLogEntry *at(int index) const { return log.objectAtIndex(index); }
+    QString placeOf(const ZELKLWCLogEntry *entry) const { return LogDump::place(log, entry); }
     /// Shows those days alone.
     void show(ZELKDate from, ZELKDate to)
     {
@@ -111,5 +131,3 @@ struct LogFixture
     ZELKLWCDateRangeController range;
     ZELKLWCLog log;
 };
-
-constexpr double oneDay = 86400.0;
