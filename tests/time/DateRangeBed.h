@@ -1,64 +1,75 @@
 #pragma once
 
-#include "LocalTime.h"
+#include "ZELKEnvironment.h"
 #include "ZELKLWCDateRangeController.h"
 #include "ZELKUserDefaults.h"
 
 #include <QTemporaryDir>
 
+/// A place and a moment to stand in: a clock that can be put, a zone, names in English, keys for texts.
+struct LocalTime
+{
+    explicit LocalTime(const QByteArray &zone = "Europe/Berlin")
+        : scope(ZELKEnvironment{clock, QTimeZone(zone), QLocale::c(), std::make_shared<ZELKBundle>()})
+    {
+    }
+    void setNow(const char *local) { clock->setNow(date(local)); }
+
+    /// "2024-03-05 14:02:11", in the zone; a date alone is its 00:00:00.
+    static ZELKDate date(const char *local)
+    {
+        const QString text = QLatin1String(local) + QLatin1String(" 00:00:00");
+        const QDateTime wall = QDateTime::fromString(text.left(19), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+        return ZELKDate::fromDateTime(QDateTime(wall.date(), wall.time(), ZELKEnvironment::current().zone));
+    }
+    static QString text(ZELKDate date) { return date.description().left(19); }
+
+    std::shared_ptr<ZELKFixedClock> clock = std::make_shared<ZELKFixedClock>();
+    ZELKEnvironmentScope scope;
+};
+
 /// A controller in its place and time, with the user's settings beside it.
 struct DateRangeBed
 {
-    explicit DateRangeBed(const QString &now, const QByteArray &zone = "Europe/Berlin")
-        : local(zone, now)
-        , defaults(folder.filePath(QStringLiteral("settings.ini")))
-        , controller(defaults)
-    {
-    }
+    using Controller = ZELKLWCDateRangeController;
 
-    void awake(const QString &past, const QString &future)
+    explicit DateRangeBed(const char *now, const QByteArray &zone = "Europe/Berlin")
+        : local(zone)
+    {
+        local.setNow(now);
+    }
+    /// One that has awoken, on data between those dates.
+    DateRangeBed(const char *now, const char *past, const char *future,
+                 const QByteArray &zone = "Europe/Berlin")
+        : DateRangeBed(now, zone)
     {
         controller.awakeFromNib();
         bound(past, future);
     }
-
-    void bound(const QString &past, const QString &future)
+    void bound(const char *past, const char *future)
     {
         controller.setDistantPastDistantFuture(LocalTime::date(past), LocalTime::date(future));
     }
-
-    void set(const QString &start, const QString &end)
+    void set(const char *start, const char *end)
     {
         controller.setAbsoluteDuration(std::make_shared<ZELKLWCAbsoluteDuration>(
             ZELKLWCAbsoluteDuration::absoluteDurationFromDate(LocalTime::date(start), LocalTime::date(end))));
     }
+    QString range() const { return text(controller); }
 
-    /// The range with whole days shortened: "2024-03-04 to 2024-03-05", the end at 23:59:59.
-    QString range() const
+    /// "2024-03-04 to 2024-03-05", without the times of whole days.
+    static QString text(const Controller &of)
     {
-        const auto held = controller.absoluteDuration();
-        return held ? shortened(held->startDate(), " 00:00:00") + QStringLiteral(" to ") +
-                          shortened(held->endDate(), " 23:59:59")
-                    : QString();
-    }
-
-    static QString shortened(ZELKDate date, const char *time)
-    {
-        const QString text = LocalTime::text(date);
-        return text.endsWith(QLatin1String(time)) ? text.left(10) : text;
+        const auto held = of.absoluteDuration();
+        if (!held)
+            return {};
+        const QString start = LocalTime::text(held->startDate()).remove(QLatin1String(" 00:00:00"));
+        return start + QLatin1String(" to ") +
+               LocalTime::text(held->endDate()).remove(QLatin1String(" 23:59:59"));
     }
 
     LocalTime local;
     QTemporaryDir folder;
-    ZELKUserDefaults defaults;
-    ZELKLWCDateRangeController controller;
+    ZELKUserDefaults defaults{folder.filePath(QStringLiteral("settings.ini"))};
+    Controller controller{defaults};
 };
-
-/// A row that begins with texts.
-inline QTestData &row(const char *name, std::initializer_list<const char *> texts)
-{
-    QTestData &data = QTest::newRow(name);
-    for (const char *text : texts)
-        data << QString::fromLatin1(text);
-    return data;
-}

@@ -1,16 +1,43 @@
+// The range of dates: presets and midnights, moves, its limits, and what is kept of it.
 #include "DateRangeBed.h"
 #include "ZELKAssertion.h"
+#include "ZELKCalendar.h"
+#include "ZELKClock.h"
 
 #include <QSignalSpy>
+#include <QtTest>
 
 #include <functional>
 
+using namespace Qt::StringLiterals;
+using Controller = ZELKLWCDateRangeController;
+using Action = Controller::Action;
+using Notification = Controller::ApplicationNotification;
+
 namespace {
 
-using Controller = ZELKLWCDateRangeController;
+constexpr char now[] = "2024-03-05 14:00:00";
+constexpr char past[] = "2024-01-10 03:00:00";
+constexpr char future[] = "2024-03-20 03:00:00";
+struct Case
+{
+    const char *start;
+    const char *end;
+    int days;
+    int months;
+    QString range;
+    int tag;
+};
 
-const QString startKey = QStringLiteral("ZELKLWCDateRangeController.duration.date");
-const QString lengthKey = QStringLiteral("ZELKLWCDateRangeController.duration.interval");
+const QString startKey = u"ZELKLWCDateRangeController.duration.date"_s;
+const QString lengthKey = u"ZELKLWCDateRangeController.duration.interval"_s;
+
+QString presetAt(const char *moment, int tag, const char *zone = "Europe/Berlin")
+{
+    DateRangeBed bed(moment, "2000-01-01 11:00:00", "2049-12-31 11:00:00", zone);
+    bed.controller.setSelectionTag(tag);
+    return bed.controller.selectionTag() == tag ? bed.range() : u"another tag"_s;
+}
 
 } // namespace
 
@@ -19,211 +46,308 @@ class TestDateRange : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void normalises_data()
+    void presets_data()
     {
-        for (const char *name : {"start", "end", "range"})
-            QTest::addColumn<QString>(name);
         QTest::addColumn<int>("tag");
-        row("whole days", {"2024-02-10 09:00:00", "2024-02-12 17:30:00", "2024-02-10 to 2024-02-12"}) << 9;
-        row("a moment", {"2024-02-10 09:00:00", "2024-02-10 09:00:00", "2024-02-10 to 2024-02-10"}) << 9;
-        row("reversed", {"2024-02-12", "2024-02-10", "2024-02-12 to 2024-02-13 00:00:00"}) << 9;
-        row("reversed, today", {"2024-03-05", "2024-03-04", "2024-03-05 to 2024-03-06 00:00:00"}) << 9;
-        row("a preset", {"2024-03-04 01:00:00", "2024-03-04 02:00:00", "2024-03-04 to 2024-03-04"}) << 2;
-        row("starts before the data", {"2023-06-01", "2024-02-01", "2024-01-10 to 2024-02-01"}) << 9;
-        row("ends after the data", {"2024-02-01", "2025-02-01", "2024-02-01 to 2024-03-20"}) << 9;
-        row("the data", {"2023-01-01", "2025-01-01", "2024-01-10 to 2024-03-20"}) << 8;
-        row("before the data", {"2023-06-01", "2023-06-02", "2024-01-10 to 2023-06-02"}) << 9;
-        row("after the data", {"2025-06-01", "2025-06-02", "2025-06-01 to 2024-03-20"}) << 9;
+        QTest::addColumn<QString>("range");
+        const auto preset = [](int tag, const char *moment, const char *range) {
+            QTest::newRow(moment) << tag << QString::fromLatin1(range);
+        };
+        preset(1, "2024-03-05 00:00:00", "2024-03-05 to 2024-03-05");
+        preset(1, "2024-03-05 23:59:59", "2024-03-05 to 2024-03-05");
+        preset(1, "2024-10-27 12:00:00", "2024-10-27 to 2024-10-27");          // 25 hours
+        preset(1, "2024-03-31 12:00:00", "2024-03-31 to 2024-04-01 00:00:00"); // 23 hours
+        preset(2, "2024-03-01 08:00:00", "2024-02-29 to 2024-02-29");
+        preset(2, "2024-01-01 00:00:01", "2023-12-31 to 2023-12-31");
+        preset(2, "2024-10-28 12:00:00", "2024-10-27 to 2024-10-27");
+        preset(3, "2024-04-03 12:00:00", "2024-03-28 to 2024-04-03"); // over a clock change
+        preset(4, "2024-02-01 00:00:00", "2024-02-01 to 2024-02-29");
+        preset(4, "2024-12-31 23:59:59", "2024-12-01 to 2024-12-31");
+        preset(5, "2023-03-31 12:00:00", "2023-02-01 to 2023-02-28");
+        preset(5, "2024-01-31 12:00:00", "2023-12-01 to 2023-12-31");
+        for (const char *day : {"2024-03-04 00:00:00", "2024-03-06 12:00:00", "2024-03-10 23:59:59"}) {
+            preset(6, day, "2024-03-04 to 2024-03-10");
+            preset(7, day, "2024-02-26 to 2024-03-03");
+        }
+        preset(6, "2025-01-01 12:00:00", "2024-12-30 to 2025-01-05");
+        preset(6, "2024-03-31 12:00:00", "2024-03-25 to 2024-03-31"); // ends on 23 hours
+        preset(7, "2024-04-03 12:00:00", "2024-03-25 to 2024-03-31");
+        preset(8, "2024-03-05 12:00:00", "2000-01-01 to 2049-12-31");
     }
 
-    void normalises()
+    void presets()
     {
-        QFETCH(QString, start);
-        QFETCH(QString, end);
-        DateRangeBed bed(QStringLiteral("2024-03-05 14:00:00"));
-        bed.awake(QStringLiteral("2024-01-10 03:00:00"), QStringLiteral("2024-03-20 03:00:00"));
-        bed.set(start, end);
-        QTEST(bed.range(), "range");
-        QTEST(bed.controller.selectionTag(), "tag");
+        QFETCH(int, tag);
+        QTEST(presetAt(QTest::currentDataTag(), tag), "range");
+    }
+
+    void presetsOfADayWithoutItsMidnight()
+    {
+        QCOMPARE(presetAt("2018-11-04 12:00:00", 1, "America/Sao_Paulo"),
+                 u"2018-11-04 01:00:00 to 2018-11-05 00:00:00"_s);
+        QCOMPARE(presetAt("2018-11-10 12:00:00", 3, "America/Sao_Paulo"),
+                 u"2018-11-04 01:00:00 to 2018-11-10"_s);
+    }
+
+    void passesMidnight()
+    {
+        DateRangeBed bed("2024-03-05 23:59:59", past, future);
+        bed.controller.setSelectionTag(1);
+        QSignalSpy ranges(&bed.controller, &Controller::absoluteDurationChanged);
+        bed.local.setNow("2024-03-06 00:00:01");
+        bed.controller.passingMidnightUpdate();
+        QCOMPARE(bed.range(), u"2024-03-06 to 2024-03-06"_s);
+        QCOMPARE(ranges.size(), 1);
+        // What was any range until midnight is today from then on.
+        bed.set("2024-03-07", "2024-03-07");
+        QCOMPARE(bed.controller.selectionTag(), 9);
+        bed.local.setNow("2024-03-07 00:00:01");
+        bed.controller.passingMidnightUpdate();
+        QCOMPARE(bed.controller.selectionTag(), 1);
+    }
+
+    void waitsForMidnight()
+    {
+        const std::pair<const char *, const char *> firings[] = {
+            {"2024-03-05 00:00:00", "2024-03-06 00:00:00"},
+            {"2024-03-31 01:00:00", "2024-04-01 00:00:00"},
+            {"2024-10-27 01:00:00", "2024-10-28 00:00:00"},
+            {"2024-12-31 01:00:00", "2025-01-01 00:00:00"}};
+        for (const auto &[moment, firing] : firings) {
+            DateRangeBed bed(moment);
+            bed.controller.awakeFromNib();
+            QVERIFY(bed.controller.passingMidnightTimer().isScheduled());
+            QCOMPARE(bed.controller.passingMidnightTimer().nextFiring(), LocalTime::date(firing));
+        }
+    }
+
+    void updatesWhenTheTimerFires()
+    {
+        DateRangeBed bed(now, past, future);
+        bed.controller.setSelectionTag(2);
+        bed.local.setNow("2024-03-06 00:00:01");
+        // The midnight of that clock is long past, so the timer fires as soon as it may.
+        QTRY_COMPARE(bed.range(), u"2024-03-05 to 2024-03-05"_s);
+        // Whatever clock changes lie in between, the next firing is one just after a midnight.
+        const ZELKDate next = bed.controller.passingMidnightTimer().nextFiring();
+        QVERIFY(next > ZELKSystemClock().now());
+        QVERIFY(next.timeIntervalSinceDate(ZELKCalendar::startOfDay(next)) < 1800.0);
+    }
+
+    void offersWhatLiesWithinTheData()
+    {
+        DateRangeBed bed(now, "2024-03-04 18:00:00", "2024-03-05 13:00:00");
+        QList<int> presets;
+        for (int tag = -1; tag < 11; ++tag)
+            if (bed.controller.validateMenuItem(Action::TakeSelectionTagFrom, tag))
+                presets.append(tag);
+        QCOMPARE(presets, (QList<int>{1, 2, 8, 9}));
+
+        bed.set("2024-03-04", "2024-03-04");
+        QVERIFY(!bed.controller.validateMenuItem(Action::DayBackward, 0));
+        QVERIFY(bed.controller.validateToolbarItem(Action::MonthForward));
+        bed.set("2024-03-05", "2024-03-05");
+        QVERIFY(bed.controller.validateAction(Action::MonthBackward));
+        QVERIFY(!bed.controller.validateAction(Action::DayForward));
+        const DateRangeBed asleep(now);
+        for (const Action action : {Action::ZoomIn, Action::ZoomOut, Action::DayForward, Action::DayBackward})
+            QVERIFY(!asleep.controller.validateAction(action));
+    }
+
+    /// What a range comes to, once set and once moved.
+    void normalisesAndMoves()
+    {
+        const Case cases[] = {
+            {"2024-02-10 09:00:00", "2024-02-12 17:30:00", 0, 0, u"2024-02-10 to 2024-02-12"_s, 9},
+            {"2024-02-10 09:00:00", "2024-02-10 09:00:00", 0, 0, u"2024-02-10 to 2024-02-10"_s, 9},
+            {"2024-02-12", "2024-02-10", 0, 0, u"2024-02-12 to 2024-02-13 00:00:00"_s, 9}, // reversed
+            {"2024-03-05", "2024-03-04", 0, 0, u"2024-03-05 to 2024-03-06 00:00:00"_s, 9}, // reversed, today
+            {"2024-03-04 01:00:00", "2024-03-04 02:00:00", 0, 0, u"2024-03-04 to 2024-03-04"_s, 2},
+            {"2022-01-01", "2025-01-02", 0, 0, u"2023-01-01 to 2024-12-31"_s, 8},
+            {"2022-06-01", "2022-06-02", 0, 0, u"2023-01-01 to 2022-06-02"_s, 9}, // before the data
+            {"2025-06-01", "2025-06-02", 0, 0, u"2025-06-01 to 2024-12-31"_s, 9}, // after them
+            {"2024-02-28", "2024-02-28", 1, 0, u"2024-02-29 to 2024-02-29"_s, 9},
+            {"2024-01-01", "2024-01-03", -1, 0, u"2023-12-31 to 2024-01-02"_s, 9},
+            {"2023-03-01", "2023-03-31", 0, -1, u"2023-02-01 to 2023-03-03"_s, 9},
+            {"2024-01-31", "2024-01-31", 0, 1, u"2024-02-29 to 2024-02-29"_s, 9},
+            {"2024-03-30", "2024-03-30", 1, 0, u"2024-03-31 to 2024-04-01"_s,
+             9}, // onto 23 hours, its seconds kept
+            {"2024-10-27", "2024-10-27", 1, 0, u"2024-10-28 to 2024-10-29"_s, 9}, // off 25 hours
+        };
+        DateRangeBed bed(now, "2023-01-01 03:00:00", "2024-12-31 03:00:00");
+        for (const auto &[start, end, days, months, range, tag] : cases) {
+            bed.set(start, end);
+            if (days || months)
+                bed.controller.shiftDurationHours(0, days, months);
+            QCOMPARE(bed.range(), range);
+            QCOMPARE(bed.controller.selectionTag(), tag);
+        }
+    }
+
+    void zooms()
+    {
+        DateRangeBed bed(now, "2020-01-01", "2026-01-01");
+        const auto zoomed = [&bed](const char *start, const char *end) {
+            bed.set(start, end);
+            QString text = bed.controller.validateAction(Action::ZoomIn) ? u"in "_s : QString();
+            text += bed.controller.validateAction(Action::ZoomOut) ? u"out: "_s : u": "_s;
+            bed.controller.zoomIn();
+            text += bed.range();
+            bed.set(start, end);
+            bed.controller.zoomOut();
+            return text + u", "_s + bed.range();
+        };
+        QCOMPARE(zoomed("2024-02-10", "2024-02-10"),
+                 u"out: 2024-02-10 to 2024-02-10, 2024-02-09 to 2024-02-11"_s);
+        QCOMPARE(zoomed("2024-02-10", "2024-02-11"),
+                 u"in out: 2024-02-11 to 2024-02-12 00:00:00, 2024-02-09 to 2024-02-12"_s);
+        QCOMPARE(zoomed("2024-03-30", "2024-04-01"), // over a clock change
+                 u"in out: 2024-03-31 to 2024-04-01 00:00:00, 2024-03-29 to 2024-04-02"_s);
+        QCOMPARE(zoomed("2021-01-29", "2023-12-31"),
+                 u"in out: 2021-01-30 to 2023-12-30, 2021-01-28 to 2024-01-01"_s);
+        QCOMPARE(zoomed("2021-01-28", "2024-01-01"), // 1069 days
+                 u"in : 2021-01-29 to 2023-12-31, 2021-01-28 to 2024-01-01"_s);
+    }
+
+    void jumpsToDays()
+    {
+        DateRangeBed bed(now, past, future);
+        const ZELKDate day = LocalTime::date("2024-02-10 15:00:00");
+        bed.set("2024-01-12", "2024-01-12");
+        bed.controller.setStartingDay(day);
+        bed.controller.setEndingDay(day);
+        QCOMPARE(bed.range(), u"2024-02-10 to 2024-02-10"_s);
+        bed.controller.setEndingDay(LocalTime::date("2024-03-01 15:00:00"));
+        QCOMPARE(bed.range(), u"2024-02-10 to 2024-03-01"_s);
     }
 
     void tellsOnceOfEachRange()
     {
-        DateRangeBed bed(QStringLiteral("2024-03-05 14:00:00"));
-        bed.awake(QStringLiteral("2024-01-10"), QStringLiteral("2024-03-20"));
+        DateRangeBed bed(now, past, future);
         QSignalSpy ranges(&bed.controller, &Controller::absoluteDurationChanged);
         QSignalSpy tags(&bed.controller, &Controller::selectionTagChanged);
-
-        const auto range =
-            std::make_shared<ZELKLWCAbsoluteDuration>(LocalTime::date(QStringLiteral("2024-02-10")), 1.0);
+        const auto range = std::make_shared<ZELKLWCAbsoluteDuration>(LocalTime::date("2024-02-10"), 1.0);
+        bed.controller.setAbsoluteDuration(range);
         bed.controller.setAbsoluteDuration(range);
         QCOMPARE(bed.controller.absoluteDuration().get(), range.get());
-        bed.controller.setAbsoluteDuration(range);
         QCOMPARE(ranges.size(), 1);
         QCOMPARE(tags.size(), 1);
-
-        bed.set(QStringLiteral("2024-03-04"), QStringLiteral("2024-03-04"));
+        bed.set("2024-03-04", "2024-03-04");
         QCOMPARE(ranges.size(), 2);
         QCOMPARE(bed.controller.absoluteDuration().get(), bed.controller.precalculatedDurations()[1].get());
-
         bed.controller.setSelectionTag(0);
         QCOMPARE(bed.controller.selectionTag(), 9);
         QCOMPARE(ranges.size(), 2);
-        QCOMPARE(bed.range(), QStringLiteral("2024-03-04 to 2024-03-04"));
     }
 
     void takesTheLastOfEqualPresets()
     {
-        DateRangeBed bed(QStringLiteral("2024-03-10 12:00:00"));
-        bed.awake(QStringLiteral("2024-01-01"), QStringLiteral("2024-03-20"));
-        QSignalSpy tags(&bed.controller, &Controller::selectionTagChanged);
+        DateRangeBed bed("2024-03-10 12:00:00", past, future);
         bed.controller.takeSelectionTagFrom(3);
         QCOMPARE(bed.controller.selectionTag(), 6);
-        QCOMPARE(tags.last().first().toInt(), 6);
-        tags.clear();
+        QSignalSpy tags(&bed.controller, &Controller::selectionTagChanged);
         bed.controller.takeSelectionTagFrom(6);
-        QCOMPARE(tags.last().first().toInt(), 6);
-        bed.bound(QStringLiteral("2024-03-10"), QStringLiteral("2024-03-10"));
+        QCOMPARE(tags.last().first().toInt(), 6); // told although nothing changed
+        bed.bound("2024-03-10", "2024-03-10");
         bed.controller.takeSelectionTagFrom(1);
         QCOMPARE(bed.controller.selectionTag(), 8);
     }
 
     void followsTheStoredTag()
     {
-        DateRangeBed bed(QStringLiteral("2024-03-05 14:00:00"));
-        const QString key = QStringLiteral("dateRange");
+        DateRangeBed bed(now);
         bed.controller.awakeFromNib();
         QCOMPARE(bed.controller.selectionTag(), 0);
         QVERIFY(!bed.controller.absoluteDuration());
-        bed.bound(QStringLiteral("2024-01-01"), QStringLiteral("2024-03-20"));
-        bed.defaults.setValue(key, 2);
-        QCOMPARE(bed.range(), QStringLiteral("2024-03-04 to 2024-03-04"));
+        bed.bound(past, future);
+        bed.defaults.setValue(u"dateRange"_s, 2);
+        QCOMPARE(bed.range(), u"2024-03-04 to 2024-03-04"_s);
         bed.controller.takeSelectionTagFrom(7);
-        QCOMPARE(bed.defaults.integerForKey(key), 2);
-
-        Controller next(bed.defaults);
-        next.awakeFromNib();
-        QCOMPARE(next.selectionTag(), 2);
-        next.setDistantPastDistantFuture(LocalTime::date(QStringLiteral("2024-01-01")),
-                                         LocalTime::date(QStringLiteral("2024-03-20")));
-        QCOMPARE(*next.absoluteDuration(),
-                 ZELKLWCAbsoluteDuration(LocalTime::date(QStringLiteral("2024-03-04")), 86399.0));
+        QCOMPARE(bed.defaults.integerForKey(u"dateRange"_s), 2);
     }
 
     void growsWithTheData()
     {
-        DateRangeBed bed(QStringLiteral("2024-03-05 12:00:00"));
-        bed.awake(QStringLiteral("2024-02-01"), QStringLiteral("2024-03-05"));
+        DateRangeBed bed(now, "2024-02-01", "2024-03-05");
         bed.controller.setSelectionTag(8);
-        bed.bound(QStringLiteral("2024-01-20 09:00:00"), QStringLiteral("2024-03-06 09:00:00"));
-        QCOMPARE(bed.range(), QStringLiteral("2024-01-20 to 2024-03-06"));
-        bed.set(QStringLiteral("2024-01-20"), QStringLiteral("2024-02-03"));
-        bed.bound(QStringLiteral("2024-01-25"), QStringLiteral("2024-03-06"));
-        QCOMPARE(bed.range(), QStringLiteral("2024-01-20 to 2024-02-03"));
-    }
-
-    void remembersTheRange_data()
-    {
-        for (const char *name : {"start", "end", "future", "range"})
-            QTest::addColumn<QString>(name);
-        QTest::addColumn<int>("tag");
-        const auto range = [](const char *name, const char *start, const char *end, const char *future,
-                              int tag, const char *text) {
-            row(name, {start, end, future, text}) << tag;
-        };
-        range("custom", "2024-02-10", "2024-02-12", "2024-03-05", 9, "2024-02-10 to 2024-02-12");
-        range("this week", "2024-03-04", "2024-03-10", "2024-03-20", 6, "2024-03-04 to 2024-03-10");
-        range("today", "2024-03-05", "2024-03-05", "2024-03-20", 1, "2024-03-05 to 2024-03-05");
-        range("beyond the data", "2024-02-10", "2024-03-12", "2024-03-05", 9, "2024-02-10 to 2024-03-05");
+        bed.bound(past, future);
+        QCOMPARE(bed.range(), u"2024-01-10 to 2024-03-20"_s);
+        bed.set("2024-01-10", "2024-02-03");
+        bed.bound("2024-01-25", future);
+        QCOMPARE(bed.range(), u"2024-01-10 to 2024-02-03"_s);
     }
 
     void remembersTheRange()
     {
-        QFETCH(QString, start);
-        QFETCH(QString, end);
-        QFETCH(QString, future);
-        DateRangeBed bed(QStringLiteral("2024-03-05 12:00:00"));
-        bed.defaults.registerDefaults({{QStringLiteral("dateRange"), 8}});
-        bed.awake(QStringLiteral("2024-01-01"), QStringLiteral("2024-03-20"));
-        bed.set(start, end);
-        bed.controller.applicationDidNotify(Controller::ApplicationNotification::WillTerminate);
-        QCOMPARE(bed.defaults.doubleForKey(startKey),
-                 LocalTime::date(start).timeIntervalSinceReferenceDate());
-        QCOMPARE(bed.defaults.doubleForKey(lengthKey), bed.controller.absoluteDuration()->duration());
-
-        // Whether the log is loaded after the range is restored or before.
-        for (const bool restoresFirst : {true, false}) {
-            Controller next(bed.defaults);
-            next.awakeFromNib();
-            if (restoresFirst)
-                next.applicationDidNotify(Controller::ApplicationNotification::DidFinishLaunching);
-            next.setDistantPastDistantFuture(LocalTime::date(QStringLiteral("2024-01-01")),
-                                             LocalTime::date(future));
-            if (!restoresFirst)
-                next.applicationDidNotify(Controller::ApplicationNotification::DidFinishLaunching);
-            bed.controller.setAbsoluteDuration(
-                std::make_shared<ZELKLWCAbsoluteDuration>(*next.absoluteDuration()));
-            QTEST(bed.range(), "range");
-            QTEST(next.selectionTag(), "tag");
+        // The second one's data end on the fifth.
+        const Case cases[] = {{"2024-02-10", "2024-02-12", 0, 0, u"2024-02-10 to 2024-02-12"_s, 9},
+                              {"2024-03-04", "2024-03-04", 0, 0, u"2024-03-04 to 2024-03-04"_s, 2},
+                              {"2024-02-10", "2024-03-12", 0, 0, u"2024-02-10 to 2024-03-05"_s, 9}};
+        for (const auto &each : cases) {
+            DateRangeBed bed(now, past, future);
+            bed.defaults.registerDefaults({{u"dateRange"_s, 8}});
+            bed.set(each.start, each.end);
+            bed.controller.applicationDidNotify(Notification::WillTerminate);
+            // Whether the log is loaded after the range is restored or before.
+            for (const bool restoresFirst : {true, false}) {
+                Controller next(bed.defaults);
+                next.awakeFromNib();
+                if (restoresFirst)
+                    next.applicationDidNotify(Notification::DidFinishLaunching);
+                next.setDistantPastDistantFuture(LocalTime::date(past), LocalTime::date("2024-03-05"));
+                if (!restoresFirst)
+                    next.applicationDidNotify(Notification::DidFinishLaunching);
+                QCOMPARE(DateRangeBed::text(next), each.range);
+                QCOMPARE(next.selectionTag(), each.tag);
+            }
         }
-    }
-
-    void restoresNothingUnusable_data()
-    {
-        QTest::addColumn<double>("start");
-        QTest::addColumn<double>("length");
-        QTest::newRow("no length") << 700000000.0 << 0.0;
-        QTest::newRow("negative length") << 700000000.0 << -86400.0;
-        QTest::newRow("no start") << 0.0 << 86400.0;
-        QTest::newRow("start before the reference date") << -5.0 << 86400.0;
-        QTest::newRow("not a number") << std::nan("") << 86400.0;
     }
 
     void restoresNothingUnusable()
     {
-        QFETCH(double, start);
-        QFETCH(double, length);
-        DateRangeBed bed(QStringLiteral("2024-03-05 12:00:00"));
-        bed.defaults.setValue(startKey, start);
-        bed.defaults.setValue(lengthKey, length);
-        bed.controller.awakeFromNib();
-        bed.controller.applicationDidNotify(Controller::ApplicationNotification::DidFinishLaunching);
-        QVERIFY(!bed.controller.absoluteDuration());
+        const std::pair<double, double> unusable[] = {
+            {7e8, 0.0}, {7e8, -86400.0}, {0.0, 86400.0}, {std::nan(""), 86400.0}};
+        for (const auto &[start, length] : unusable) {
+            DateRangeBed bed(now);
+            bed.defaults.setValue(startKey, start);
+            bed.defaults.setValue(lengthKey, length);
+            bed.controller.awakeFromNib();
+            bed.controller.applicationDidNotify(Notification::DidFinishLaunching);
+            QVERIFY(!bed.controller.absoluteDuration());
+        }
     }
 
     void forgetsTheRestoredRangeForTheNext()
     {
-        DateRangeBed bed(QStringLiteral("2024-03-05 12:00:00"));
-        bed.defaults.setValue(startKey,
-                              LocalTime::date(QStringLiteral("2024-02-10")).timeIntervalSinceReferenceDate());
+        DateRangeBed bed(now);
+        bed.defaults.setValue(startKey, LocalTime::date("2024-02-10").timeIntervalSinceReferenceDate());
         bed.defaults.setValue(lengthKey, 86399.0);
         bed.controller.awakeFromNib();
         bed.controller.restoreState();
         bed.controller.takeSelectionTagFrom(2);
-        bed.bound(QStringLiteral("2024-01-01"), QStringLiteral("2024-03-20"));
-        QCOMPARE(bed.range(), QStringLiteral("2024-03-04 to 2024-03-04"));
+        bed.bound(past, future);
+        QCOMPARE(bed.range(), u"2024-03-04 to 2024-03-04"_s);
     }
 
     void refusesAbsentDates()
     {
-        DateRangeBed bed(QStringLiteral("2024-03-05 12:00:00"));
-        const auto failure = [](const std::function<void()> &body) {
+        DateRangeBed bed(now, past, future);
+        bed.set("2024-03-05", "2024-03-05");
+        const std::pair<int, std::function<void()>> refused[] = {
+            {659, [&] { bed.controller.setStartingDay(std::nullopt); }},
+            {674, [&] { bed.controller.setEndingDay(std::nullopt); }},
+            {659, [&] { bed.controller.setAbsoluteDuration(nullptr); }}};
+        for (const auto &[line, body] : refused) {
             try {
                 body();
+                QFAIL("not refused");
             } catch (const ZELKAssertionFailure &failed) {
-                return QStringLiteral("%1:%2 %3").arg(failed.file()).arg(failed.line()).arg(failed.message());
+                QCOMPARE(failed.file(), u"client/ZELKLWCDateRangeController"_s);
+                QCOMPARE(failed.line(), line);
+                QCOMPARE(failed.message(), u"Invalid parameter not satisfying: aDate"_s);
             }
-            return QString();
-        };
-        const QString text =
-            QStringLiteral("client/ZELKLWCDateRangeController:%1 Invalid parameter not satisfying: aDate");
-        QCOMPARE(failure([] { Controller::floorDate(std::nullopt); }), text.arg(659));
-        QCOMPARE(failure([] { Controller::ceilingDate(std::nullopt); }), text.arg(674));
-        QCOMPARE(failure([&] { bed.controller.setStartingDay(std::nullopt); }), text.arg(659));
-        QCOMPARE(failure([&] { bed.controller.setEndingDay(std::nullopt); }), text.arg(674));
-        bed.set(QStringLiteral("2024-03-05"), QStringLiteral("2024-03-05"));
-        QCOMPARE(failure([&] { bed.controller.setAbsoluteDuration(nullptr); }), text.arg(659));
-        QCOMPARE(bed.range(), QStringLiteral("2024-03-05 to 2024-03-05"));
+        }
+        QCOMPARE(bed.range(), u"2024-03-05 to 2024-03-05"_s);
     }
 };
 
