@@ -1,5 +1,5 @@
+#include "../log/Rows.h"
 #include "ZELKBundle.h"
-#include "ZELKCalendar.h"
 #include "ZELKEnvironment.h"
 #include "ZELKLWCDateRangeController.h"
 #include "ZELKLWCLog.h"
@@ -11,7 +11,8 @@
 #include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -25,17 +26,16 @@ ZELKEnvironment environment()
     environment.clock = std::make_shared<ZELKFixedClock>(ZELKDate(start + 50.5 * day));
     environment.zone = QTimeZone::utc();
     environment.locale = QLocale(QLocale::English, QLocale::UnitedKingdom);
-    environment.mainBundle =
-        std::make_shared<ZELKBundle>(ZELKBundle::mainBundlePath({}), QStringLiteral("en"));
+    environment.mainBundle = std::make_shared<ZELKBundle>(ZELKBundle::mainBundlePath({}), u"en"_s);
     return environment;
 }
 
-/// A log on a date range, and what a view would know of it: the model's rows, kept by its signals alone.
+/// A log on a date range, shown whole.
 struct Fixture
 {
     ZELKEnvironmentScope scope{environment()};
     QTemporaryDir folder;
-    ZELKUserDefaults defaults{folder.filePath(QStringLiteral("defaults.ini"))};
+    ZELKUserDefaults defaults{folder.filePath(u"defaults.ini"_s)};
     ZELKLWCDateRangeController range{defaults};
     ZELKLWCLog log;
     double next = start;
@@ -47,12 +47,12 @@ struct Fixture
         log.awakeFromNib();
         range.setSelectionTag(8);
     }
-    void grow(int count, double step = day / 4)
+    /// Four events a day.
+    void grow(int count)
     {
         QList<ZELKRawEvent> events;
-        for (int i = 0; i < count; ++i, next += step)
-            events.append(ZELKMakeRawEvent(ZELKDate(next), QStringLiteral("event %1").arg(next),
-                                           QStringLiteral("org.example")));
+        for (int i = 0; i < count; ++i, next += day / 4)
+            events.append(ZELKMakeRawEvent(ZELKDate(next), u"event %1"_s.arg(next), u"org.example"_s));
         log.addExternalEntries(events);
     }
     void show(int firstDay, int days)
@@ -62,159 +62,119 @@ struct Fixture
     }
 };
 
+/// The rows' summaries as a view keeps them, by the model's signals alone, and the story of those signals.
 class Mirror : public QObject
 {
 public:
     explicit Mirror(const ZELKLWCLogTableModel &model)
-        : m_model(model)
     {
+        const auto summary = [&model](int row) {
+            return model.index(row, ZELKLWCLogTableModel::SummaryColumn).data().toString();
+        };
         for (int row = 0; row < model.rowCount(); ++row)
-            rows.append(text(row));
-        connect(&model, &QAbstractItemModel::rowsInserted, this,
-                [this](const QModelIndex &, int from, int to) {
-                    for (int row = from; row <= to; ++row)
-                        rows.insert(row, text(row));
-                });
-        connect(&model, &QAbstractItemModel::rowsRemoved, this,
-                [this](const QModelIndex &, int from, int to) { rows.remove(from, to - from + 1); });
+            rows.append(summary(row));
+        connect(&model, &QAbstractItemModel::rowsInserted, this, [=, this](const auto &, int from, int to) {
+            story.append(u"+%1-%2"_s.arg(from).arg(to));
+            for (int row = from; row <= to; ++row)
+                rows.insert(row, summary(row));
+        });
+        connect(&model, &QAbstractItemModel::rowsRemoved, this, [this](const auto &, int from, int to) {
+            story.append(u"-%1-%2"_s.arg(from).arg(to));
+            rows.remove(from, to - from + 1);
+        });
     }
     QStringList rows;
-
-private:
-    QString text(int row) const
-    {
-        return m_model.index(row, ZELKLWCLogTableModel::SummaryColumn).data().toString();
-    }
-    const ZELKLWCLogTableModel &m_model;
+    QStringList story;
 };
 
-QStringList visible(const ZELKLWCLog &log)
-{
-    QStringList texts;
-    for (const ZELKLWCLogEntry *entry : log.visibleEntriesArray())
-        texts.append(entry->summary());
-    return texts;
-}
+} // namespace
 
 class TableModelTest : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void followsAnyWalk();
-    void keepsRowsThatStay_data();
-    void keepsRowsThatStay();
-    void tellsNothingWhenNothingChanged();
-    void cells();
-    void timeFormats_data();
-    void timeFormats();
+    void followsAnyWalk()
+    {
+        Fixture fixture;
+        ZELKLWCLogTableModel model(fixture.log);
+        QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+        Mirror mirror(model);
+        QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
+        QRandomGenerator random(20240305);
+        for (int step = 0; step < 400; ++step) {
+            if (random.bounded(4) == 0)
+                fixture.grow(random.bounded(1, 8));
+            else if (random.bounded(10) == 0)
+                fixture.range.setSelectionTag(8);
+            else
+                fixture.show(random.bounded(-5, 60), random.bounded(1, 30));
+            QStringList visible;
+            for (const ZELKLWCLogEntry *entry : fixture.log.visibleEntriesArray())
+                visible.append(entry->summary());
+            QCOMPARE(mirror.rows, visible);
+            QCOMPARE(model.rowCount(), visible.size());
+        }
+        QCOMPARE(resets.count(), 0);
+    }
+
+    void keepsRowsThatStay_data()
+    {
+        const Rows<int, int, const char *> row("firstDay", "days", "story");
+        row("grows behind", 10, 8, "+20-31");
+        row("grows before", 7, 8, "+0-11");
+        row("shrinks behind", 10, 3, "-12-19");
+        row("shrinks before", 12, 3, "-0-7");
+        row("moves on", 12, 5, "-0-7 +12-19");
+        row("moves back", 8, 5, "-12-19 +0-7");
+        row("grows both ways", 9, 7, "+0-3 +24-27");
+        row("next to it", 15, 2, "-0-19 +0-7");
+        row("stays", 10, 5, "");
+    }
+
+    void keepsRowsThatStay()
+    {
+        QFETCH(int, firstDay);
+        QFETCH(int, days);
+        Fixture fixture;
+        fixture.grow(160);
+        fixture.show(10, 5);
+        ZELKLWCLogTableModel model(fixture.log);
+        Mirror mirror(model);
+        QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        fixture.show(firstDay, days);
+        fixture.log.updateVisibleEntries();
+        QTEST(mirror.story.join(u' '), "story");
+        QCOMPARE(changed.count(), 0);
+    }
+
+    void cells()
+    {
+        Fixture fixture;
+        fixture.grow(2);
+        const ZELKLWCLogTableModel model(fixture.log);
+        QCOMPARE(model.index(1, ZELKLWCLogTableModel::DateColumn).data(), QVariant(u"05/03/2024 06:00:00"_s));
+        QCOMPARE(model.entryAtRow(1), fixture.log.objectAtIndex(1));
+        QVERIFY(!model.entryAtRow(2) && !model.entryAtRow(-1));
+        QCOMPARE(model.headerData(0, Qt::Horizontal, Qt::DisplayRole), QVariant(u"Date"_s));
+        QCOMPARE(model.headerData(1, Qt::Horizontal, Qt::DisplayRole), QVariant(u"Summary"_s));
+    }
+
+    void timeFormats_data()
+    {
+        const Rows<QLocale, const char *> row("locale", "text");
+        row("C has seconds", QLocale::c(), "14:02:11");
+        row("American", QLocale(QLocale::English), "2:02:11 PM");
+        row("Finnish divides by points", QLocale(QLocale::Finnish), "14.02.11");
+    }
+
+    void timeFormats()
+    {
+        QFETCH(QLocale, locale);
+        QString text = locale.toString(QTime(14, 2, 11), ZELKShortDate::timeFormat(locale));
+        QTEST(text.replace(QChar(0x202F), u' ').replace(QChar(0xA0), u' '), "text");
+    }
 };
 
-void TableModelTest::followsAnyWalk()
-{
-    Fixture fixture;
-    ZELKLWCLogTableModel model(fixture.log);
-    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
-    Mirror mirror(model);
-    QSignalSpy resets(&model, &QAbstractItemModel::modelReset);
-    QRandomGenerator random(20240305);
-    for (int step = 0; step < 400; ++step) {
-        if (random.bounded(4) == 0)
-            fixture.grow(random.bounded(1, 8));
-        else if (random.bounded(10) == 0)
-            fixture.range.setSelectionTag(8);
-        else
-            fixture.show(random.bounded(-5, 60), random.bounded(1, 30));
-        QCOMPARE(mirror.rows, visible(fixture.log));
-        QCOMPARE(model.rowCount(), int(fixture.log.countOfVisibleEntries()));
-    }
-    QCOMPARE(resets.count(), 0);
-}
-
-void TableModelTest::keepsRowsThatStay_data()
-{
-    QTest::addColumn<int>("firstDay");
-    QTest::addColumn<int>("days");
-    QTest::addColumn<QString>("story");
-
-    QTest::newRow("grows behind") << 10 << 8 << QStringLiteral("+20-31");
-    QTest::newRow("grows before") << 7 << 8 << QStringLiteral("+0-11");
-    QTest::newRow("shrinks behind") << 10 << 3 << QStringLiteral("-12-19");
-    QTest::newRow("shrinks before") << 12 << 3 << QStringLiteral("-0-7");
-    QTest::newRow("moves on") << 12 << 5 << QStringLiteral("-0-7 +12-19");
-    QTest::newRow("moves back") << 8 << 5 << QStringLiteral("-12-19 +0-7");
-    QTest::newRow("grows both ways") << 9 << 7 << QStringLiteral("+0-3 +24-27");
-    QTest::newRow("elsewhere") << 20 << 2 << QStringLiteral("-0-19 +0-7");
-    QTest::newRow("next to it") << 15 << 2 << QStringLiteral("-0-19 +0-7");
-}
-
-void TableModelTest::keepsRowsThatStay()
-{
-    QFETCH(int, firstDay);
-    QFETCH(int, days);
-    Fixture fixture;
-    fixture.grow(160);
-    fixture.show(10, 5);
-    ZELKLWCLogTableModel model(fixture.log);
-    QStringList story;
-    const auto tell = [&story](QLatin1Char sign) {
-        return [&story, sign](const QModelIndex &, int from, int to) {
-            story.append(QStringLiteral("%1%2-%3").arg(sign).arg(from).arg(to));
-        };
-    };
-    connect(&model, &QAbstractItemModel::rowsInserted, this, tell(QLatin1Char('+')));
-    connect(&model, &QAbstractItemModel::rowsRemoved, this, tell(QLatin1Char('-')));
-    fixture.show(firstDay, days);
-    QTEST(story.join(QLatin1Char(' ')), "story");
-}
-
-void TableModelTest::tellsNothingWhenNothingChanged()
-{
-    Fixture fixture;
-    fixture.grow(40);
-    ZELKLWCLogTableModel model(fixture.log);
-    QSignalSpy inserted(&model, &QAbstractItemModel::rowsInserted);
-    QSignalSpy removed(&model, &QAbstractItemModel::rowsRemoved);
-    QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
-    fixture.log.updateVisibleEntries();
-    QCOMPARE(inserted.count() + removed.count() + changed.count(), 0);
-}
-
-void TableModelTest::cells()
-{
-    Fixture fixture;
-    fixture.grow(2);
-    ZELKLWCLogTableModel model(fixture.log);
-    QCOMPARE(model.index(1, ZELKLWCLogTableModel::DateColumn).data().toString(),
-             QStringLiteral("05/03/2024 06:00:00"));
-    QCOMPARE(model.index(1, ZELKLWCLogTableModel::SummaryColumn).data().toString(),
-             fixture.log.objectAtIndex(1)->summary());
-    QCOMPARE(model.entryAtRow(1), fixture.log.objectAtIndex(1));
-    QCOMPARE(model.entryAtRow(2), nullptr);
-    QCOMPARE(model.entryAtRow(-1), nullptr);
-    QCOMPARE(model.headerData(0, Qt::Horizontal, Qt::DisplayRole).toString(), QStringLiteral("Date"));
-    QCOMPARE(model.headerData(1, Qt::Horizontal, Qt::DisplayRole).toString(), QStringLiteral("Summary"));
-}
-
-void TableModelTest::timeFormats_data()
-{
-    QTest::addColumn<QLocale>("locale");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("C has seconds") << QLocale::c() << QStringLiteral("14:02:11");
-    QTest::newRow("German") << QLocale(QLocale::German) << QStringLiteral("14:02:11");
-    QTest::newRow("American") << QLocale(QLocale::English) << QStringLiteral("2:02:11 PM");
-    QTest::newRow("Finnish divides by points") << QLocale(QLocale::Finnish) << QStringLiteral("14.02.11");
-}
-
-void TableModelTest::timeFormats()
-{
-    QFETCH(QLocale, locale);
-    QString text = locale.toString(QTime(14, 2, 11), ZELKShortDate::timeFormat(locale));
-    QTEST(text.replace(QChar(0x202F), QLatin1Char(' ')).replace(QChar(0xA0), QLatin1Char(' ')), "text");
-}
-
-} // namespace
-
 QTEST_GUILESS_MAIN(TableModelTest)
-
 #include "tst_model.moc"
