@@ -2,7 +2,7 @@
 #include "ZELKConsole.h"
 #include "ZELKLWAAgent.h"
 #include "ZELKLWAOptions.h"
-#include "ZELKLWATerminationSignals.h"
+#include "ZELKTerminationSignals.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -17,14 +17,14 @@ constexpr int wrongArguments = 2;
 
 int run(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &options)
 {
-    ZELKLWATerminationSignals termination; // before the bus connection's thread
+    ZELKTerminationSignals termination;
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         ZELKConsole::log(QStringLiteral("There is no session bus: %1").arg(bus.lastError().message()));
         return failure;
     }
     ZELKLWAAgent agent(bundle, bus, options);
-    QObject::connect(&termination, &ZELKLWATerminationSignals::received, &agent, &ZELKLWAAgent::terminate);
+    QObject::connect(&termination, &ZELKTerminationSignals::received, &agent, &ZELKLWAAgent::terminate);
     QObject::connect(&agent, &ZELKLWAAgent::finished, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
     return agent.start() ? QCoreApplication::exec() : failure;
 }
