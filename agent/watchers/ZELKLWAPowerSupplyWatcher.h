@@ -1,15 +1,14 @@
 #pragma once
 
 #include "ZELKLWAWatcher.h"
-#include "ZELKPowerSupply.h"
+#include "ZELKPowerSourceLedger.h"
 
-#include <QHash>
 #include <QTimer>
 
-#include <map>
+#include <memory>
 
-/// "Power state changed" for each battery: once at start, then whenever a regular reading differs in more
-/// than the time estimates. A battery that leaves is told of as not present.
+/// "Power state changed" for each battery, straight from the kernel: once at start, then whenever a regular
+/// reading differs in more than the time estimates. A battery that leaves is told of as not present.
 class ZELKLWAPowerSupplyWatcher : public ZELKLWAWatcher
 {
     Q_OBJECT
@@ -17,6 +16,9 @@ class ZELKLWAPowerSupplyWatcher : public ZELKLWAWatcher
 public:
     /// `folder` is the kernel's /sys/class/power_supply.
     ZELKLWAPowerSupplyWatcher(const QString &folder, ZELKLWAEventSink sink, QObject *parent = nullptr);
+    /// One that takes turns with another reader of the same batteries.
+    ZELKLWAPowerSupplyWatcher(const QString &folder, ZELKLWAEventSink sink,
+                              std::shared_ptr<ZELKPowerSourceLedger> ledger, QObject *parent = nullptr);
 
     void start() override;
     void stop() override;
@@ -26,13 +28,7 @@ public:
     void readNow();
 
 private:
-    QString nameFor(const ZELKPowerSupply &supply);
-    bool isInUse(const QString &name, const QString &device) const;
-    void markMissing(std::vector<ZELKPowerSupply> &supplies) const;
-
     QString m_folder;
     QTimer m_timer;
-    /// The last reading told of, by the kernel's name; an entry is made when a battery is first seen present.
-    std::map<QString, ZELKDictionary> m_known;
-    QHash<QString, QString> m_names;
+    std::shared_ptr<ZELKPowerSourceLedger> m_ledger;
 };
