@@ -55,8 +55,8 @@ private Q_SLOTS:
         };
         preset(1, "2024-03-05 00:00:00", "2024-03-05 to 2024-03-05");
         preset(1, "2024-03-05 23:59:59", "2024-03-05 to 2024-03-05");
-        preset(1, "2024-10-27 12:00:00", "2024-10-27 to 2024-10-27");          // 25 hours
-        preset(1, "2024-03-31 12:00:00", "2024-03-31 to 2024-04-01 00:00:00"); // 23 hours
+        preset(1, "2024-10-27 12:00:00", "2024-10-27 to 2024-10-27"); // 25 hours
+        preset(1, "2024-03-31 12:00:00", "2024-03-31 to 2024-03-31"); // 23 hours
         preset(2, "2024-03-01 08:00:00", "2024-02-29 to 2024-02-29");
         preset(2, "2024-01-01 00:00:01", "2023-12-31 to 2023-12-31");
         preset(2, "2024-10-28 12:00:00", "2024-10-27 to 2024-10-27");
@@ -84,7 +84,7 @@ private Q_SLOTS:
     void presetsOfADayWithoutItsMidnight()
     {
         QCOMPARE(presetAt("2018-11-04 12:00:00", 1, "America/Sao_Paulo"),
-                 u"2018-11-04 01:00:00 to 2018-11-05 00:00:00"_s);
+                 u"2018-11-04 01:00:00 to 2018-11-04"_s);
         QCOMPARE(presetAt("2018-11-10 12:00:00", 3, "America/Sao_Paulo"),
                  u"2018-11-04 01:00:00 to 2018-11-10"_s);
     }
@@ -170,9 +170,8 @@ private Q_SLOTS:
             {"2024-01-01", "2024-01-03", -1, 0, u"2023-12-31 to 2024-01-02"_s, 9},
             {"2023-03-01", "2023-03-31", 0, -1, u"2023-02-01 to 2023-03-03"_s, 9},
             {"2024-01-31", "2024-01-31", 0, 1, u"2024-02-29 to 2024-02-29"_s, 9},
-            {"2024-03-30", "2024-03-30", 1, 0, u"2024-03-31 to 2024-04-01"_s,
-             9}, // onto 23 hours, its seconds kept
-            {"2024-10-27", "2024-10-27", 1, 0, u"2024-10-28 to 2024-10-29"_s, 9}, // off 25 hours
+            {"2024-03-30", "2024-03-30", 1, 0, u"2024-03-31 to 2024-03-31"_s, 9}, // onto 23 hours
+            {"2024-10-27", "2024-10-27", 1, 0, u"2024-10-28 to 2024-10-28"_s, 9}, // off 25 hours
         };
         DateRangeBed bed(now, "2023-01-01 03:00:00", "2024-12-31 03:00:00");
         for (const auto &[start, end, days, months, range, tag] : cases) {
@@ -202,7 +201,9 @@ private Q_SLOTS:
         QCOMPARE(zoomed("2024-02-10", "2024-02-11"),
                  u"in out: 2024-02-11 to 2024-02-12 00:00:00, 2024-02-09 to 2024-02-12"_s);
         QCOMPARE(zoomed("2024-03-30", "2024-04-01"), // over a clock change
-                 u"in out: 2024-03-31 to 2024-04-01 00:00:00, 2024-03-29 to 2024-04-02"_s);
+                 u"in out: 2024-03-31 to 2024-03-31, 2024-03-29 to 2024-04-02"_s);
+        QCOMPARE(zoomed("2024-03-31", "2024-03-31"),
+                 u"out: 2024-03-31 to 2024-03-31, 2024-03-30 to 2024-04-01"_s);
         QCOMPARE(zoomed("2021-01-29", "2023-12-31"),
                  u"in out: 2021-01-30 to 2023-12-30, 2021-01-28 to 2024-01-01"_s);
         QCOMPARE(zoomed("2021-01-28", "2024-01-01"), // 1069 days
@@ -279,22 +280,37 @@ private Q_SLOTS:
 
     void remembersTheRange()
     {
-        // The second one's data end on the fifth.
-        const Case cases[] = {{"2024-02-10", "2024-02-12", 0, 0, u"2024-02-10 to 2024-02-12"_s, 9},
-                              {"2024-03-04", "2024-03-04", 0, 0, u"2024-03-04 to 2024-03-04"_s, 2},
-                              {"2024-02-10", "2024-03-12", 0, 0, u"2024-02-10 to 2024-03-05"_s, 9}};
+        struct
+        {
+            int chosen; // a preset, or none and a range
+            const char *start, *end;
+            const char *later, *dataEnd;
+            QString range;
+            int tag;
+        } const cases[] = {
+            {0, "2024-02-10", "2024-02-12", now, "2024-03-05", u"2024-02-10 to 2024-02-12"_s, 9},
+            {0, "2024-02-10", "2024-03-12", now, "2024-03-05", u"2024-02-10 to 2024-03-05"_s, 9},
+            {8, "", "", now, "2024-04-05", u"2024-01-10 to 2024-04-05"_s, 8},
+            {4, "", "", "2024-03-06 00:00:00", "2024-04-05", u"2024-03-01 to 2024-03-31"_s,
+             4}, // was cut short
+            {1, "", "", "2024-03-06 00:00:00", "2024-04-05", u"2024-03-05 to 2024-03-05"_s, 2},
+        };
         for (const auto &each : cases) {
             DateRangeBed bed(now, past, future);
             bed.defaults.registerDefaults({{u"dateRange"_s, 8}});
-            bed.set(each.start, each.end);
+            if (each.chosen)
+                bed.controller.setSelectionTag(each.chosen);
+            else
+                bed.set(each.start, each.end);
             bed.controller.applicationDidNotify(Notification::WillTerminate);
+            bed.local.setNow(each.later);
             // Whether the log is loaded after the range is restored or before.
             for (const bool restoresFirst : {true, false}) {
                 Controller next(bed.defaults);
                 next.awakeFromNib();
                 if (restoresFirst)
                     next.applicationDidNotify(Notification::DidFinishLaunching);
-                next.setDistantPastDistantFuture(LocalTime::date(past), LocalTime::date("2024-03-05"));
+                next.setDistantPastDistantFuture(LocalTime::date(past), LocalTime::date(each.dataEnd));
                 if (!restoresFirst)
                     next.applicationDidNotify(Notification::DidFinishLaunching);
                 QCOMPARE(DateRangeBed::text(next), each.range);

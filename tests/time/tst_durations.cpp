@@ -85,7 +85,7 @@ private Q_SLOTS:
             {"2024-03-05", day, u"Tuesday,  5 March 2024"_s},
             {"2024-03-05", day + 1, u"Tuesday  5 - Wednesday  6, March 2024"_s},
             {"2024-03-05 18:00:00", 43201, u"Wednesday,  6 March 2024"_s}, // the middle decides
-            {"2024-10-27", 25 * 3600.0 - 1, u"Sunday 27 - Sunday 27, October 2024"_s},
+            {"2024-10-27", 25 * 3600.0 - 1, u"Sunday, 27 October 2024"_s},
             {"2024-03-06", -3600, u"Tuesday,  5 March 2024"_s},
             {"2024-02-28", 3 * day - 1, u"28 February -  1 March, 2024"_s},
             {"2023-12-31", 2 * day - 1, u"31 December 2023 -  1 January 2024"_s},
