@@ -52,6 +52,12 @@ std::optional<ZELKAccountingRecords::Kind> kindOf(const utmpx &record)
 
 } // namespace
 
+ZELKLWAEvent ZELKAccountingRecords::Record::event() const
+{
+    return {date, kind == Kind::Boot ? ZELKEventAccountingBoot : ZELKEventAccountingShutDown,
+            ZELKMonitorSystemAccounting, ZELKEventNoProperties};
+}
+
 std::size_t ZELKAccountingRecords::recordSize()
 {
     return sizeof(utmpx);

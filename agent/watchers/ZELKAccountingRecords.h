@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ZELKDate.h"
+#include "ZELKLWAEvent.h"
 
 #include <QString>
 
@@ -17,6 +17,9 @@ struct ZELKAccountingRecords
     {
         Kind kind;
         ZELKDate date;
+
+        /// The one form in which a record is told, so that it is known again wherever it is read.
+        ZELKLWAEvent event() const;
 
         friend bool operator==(const Record &, const Record &) = default;
     };

@@ -15,13 +15,6 @@ namespace {
 
 constexpr qint64 recordsAChunk = 1000;
 
-ZELKLWAEvent eventOf(const ZELKAccountingRecords::Record &record)
-{
-    const bool boot = record.kind == ZELKAccountingRecords::Kind::Boot;
-    return {record.date, boot ? ZELKEventAccountingBoot : ZELKEventAccountingShutDown,
-            ZELKMonitorSystemAccounting, ZELKEventNoProperties};
-}
-
 } // namespace
 
 ZELKLWASystemAccountingWatcher::ZELKLWASystemAccountingWatcher(const QString &path, ZELKLWAEventSink sink,
@@ -105,7 +98,7 @@ bool ZELKLWASystemAccountingWatcher::readChunk(QFile &file, ZELKAccountingRecord
     skipped.absurdTimes += read.absurdTimes;
     std::vector<ZELKLWAEvent> events;
     for (const auto &record : read.records)
-        events.push_back(eventOf(record));
+        events.push_back(record.event());
     record(events);
     return read.consumed > 0 && read.strayBytes == 0;
 }
