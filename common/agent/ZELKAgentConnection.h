@@ -2,6 +2,7 @@
 
 #include "ZELKDictionary.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <functional>
@@ -25,6 +26,9 @@ public:
     /// The same without blocking. `answered` is called once, later, unless `context` was destroyed by then;
     /// the connection itself need not live that long.
     virtual void requestVersion(QObject *context, const VersionHandler &answered) = 0;
+    /// Blocks. Has a privileged agent delete what its installation put on the disk; `authorization` is the
+    /// external form of one for the right to modify. Nothing, with the reason, when the call failed.
+    virtual std::optional<bool> removeAgentFiles(const QByteArray &authorization, QString *reason);
     /// One-way. What went wrong, else nothing.
     virtual std::optional<QString> setDefaultsWithDictionary(const ZELKDictionary &defaults) = 0;
 };

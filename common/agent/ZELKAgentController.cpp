@@ -1,71 +1,23 @@
 #include "ZELKAgentController.h"
 
-#include "ZELKAssertion.h"
+#include "ZELKAgentConfiguration.h"
 #include "ZELKConsole.h"
-#include "ZELKEnvironment.h"
-#include "ZELKServiceNames.h"
-
-#include <QCoreApplication>
-#include <QFileInfo>
 
 #include <chrono>
 #include <utility>
 
+using namespace ZELKAgentConfiguration;
+
 namespace {
 
 constexpr std::chrono::milliseconds updateInterval(100);
-
-QString className()
-{
-    return QStringLiteral("ZELKAgentController");
-}
-
-QString sourceFile()
-{
-    return QStringLiteral("common/agent/ZELKAgentController");
-}
-
-const ZELKBundle &mainBundle()
-{
-    return *ZELKEnvironment::current().mainBundle;
-}
-
-void requireName(const QString &name)
-{
-    if (name.isNull())
-        ZELKAssertion::failParameter(sourceFile(), 0, "anAgentName");
-}
-
-QString infoString(const QString &key)
-{
-    const QVariant value = mainBundle().objectForInfoDictionaryKey(key);
-    if (!value.isValid())
-        ZELKAssertion::fail(sourceFile(), 0, ZELKFormat("%@ Info.plist is missing %@", {className(), key}));
-    if (value.metaType() != QMetaType::fromType<QString>())
-        ZELKAssertion::fail(sourceFile(), 0,
-                            ZELKFormat("%@ Info.plist %@ must be a string", {className(), key}));
-    return value.toString();
-}
-
-QString localised(const QString &key)
-{
-    return mainBundle().localizedStringForKey(key, QString(), className());
-}
-
-bool failed(const std::optional<ZELKAgentError> &failure, ZELKAgentError *error)
-{
-    if (failure && error)
-        *error = *failure;
-    return failure.has_value();
-}
 
 } // namespace
 
 ZELKAgentController::ZELKAgentController(const ZELKAgentPorts &ports, const QString &agentName,
                                          QObject *parent)
     : QObject(parent)
-    , m_ports(ports)
-    , m_agentName(agentName)
+    , ZELKAgentInstallation(ports, agentName)
 {
     m_updateTimer.setInterval(updateInterval);
     connect(&m_updateTimer, &QTimer::timeout, this, &ZELKAgentController::updateTimerDidNotify);
@@ -76,21 +28,14 @@ ZELKAgentController::ZELKAgentController(const ZELKAgentPorts &ports, const QStr
 
 ZELKAgentController::~ZELKAgentController() = default;
 
-QString ZELKAgentController::agentName() const
-{
-    if (m_agentName.isEmpty())
-        m_agentName = infoString(QStringLiteral("ZELKAgentControllerAgentName"));
-    return m_agentName;
-}
-
 QString ZELKAgentController::localisedState() const
 {
-    return localised(ZELKFormat("%@.state.%d", {className(), m_state}));
+    return localisedWithNumber("%@.state.%d", m_state);
 }
 
 QString ZELKAgentController::localisedStartStopLabel() const
 {
-    return localised(ZELKFormat("%@.startStop.label.installed.%d", {className(), int(m_installed)}));
+    return localisedWithNumber("%@.startStop.label.installed.%d", m_installed ? 1 : 0);
 }
 
 bool ZELKAgentController::canUpdate() const
@@ -130,6 +75,8 @@ void ZELKAgentController::takeState(int location, bool answering)
     if (std::exchange(m_enabled, newEnabled) != newEnabled)
         Q_EMIT enabledChanged();
     deliverPendingDefaults();
+    if (canUpdate() && m_updateNotifications != 0)
+        offerUpdateAfter(0);
 }
 
 void ZELKAgentController::takeVersion(const std::optional<QString> &version)
@@ -154,65 +101,57 @@ void ZELKAgentController::setAgentVersion(const QString &version)
 
 std::optional<ZELKAgentError> ZELKAgentController::startWithState(int state)
 {
+    m_formToStart.reset();
     expectStateChange();
-    std::optional<ZELKAgentError> failure;
+    const auto failure = start(state);
+    if (failure)
+        forgetExpectedStateChange();
+    m_updateNotifications = 0;
+    checkForStateChange();
+    return failure;
+}
+
+std::optional<ZELKAgentError> ZELKAgentController::start(int state)
+{
+    ZELKAgentError error;
     if (state == SessionApplication) {
-        ZELKAgentError error;
-        if (!runAgentWithError(&error))
-            failure = error;
+        runAgentWithError(&error);
+    } else if (state == UserJob) {
+        startUserWithError(&error);
+    } else if (state == PrivilegedJob) {
+        startPrivilegedWithError(&error);
     } else {
         ZELKConsole::log(ZELKFormat("%@ can not start agent: %@", {className(), localisedState()}));
         forgetExpectedStateChange();
     }
-    if (failure)
-        forgetExpectedStateChange();
-    checkForStateChange();
-    return failure;
+    return error.isError() ? std::optional(error) : std::nullopt;
 }
 
 std::optional<ZELKAgentError> ZELKAgentController::stop()
 {
+    m_formToStart.reset();
     expectStateChange();
-    std::optional<ZELKAgentError> failure;
+    ZELKAgentError error;
     if (m_state == SessionApplication) {
-        ZELKAgentError error;
-        if (!stopAgentWithError(&error))
-            failure = error;
+        stopAgentWithError(&error);
+    } else if (m_state == UserJob) {
+        stopUserWithError(&error);
+    } else if (m_state == PrivilegedJob) {
+        stopPrivilegedWithError(&error);
     } else {
         ZELKConsole::log(ZELKFormat("%@ can not stop agent: %@", {className(), localisedState()}));
         forgetExpectedStateChange();
     }
-    if (failure) {
+    if (error.isError()) {
         forgetExpectedStateChange();
-        Q_EMIT errorPresented(*failure);
+        Q_EMIT errorPresented(error);
     }
+    if (error.code() == ZELKAgentError::FilesNotRemoved)
+        updateState(); // the job has gone all the same
     checkForStateChange();
     m_probe.reset(); // it would bring back the version of the agent that was stopped
     setAgentVersion(QString());
-    return failure;
-}
-
-bool ZELKAgentController::runAgentWithError(ZELKAgentError *error)
-{
-    registerEmbeddedAgentWithLaunchServices();
-    const QUrl agent = embeddedAgentURL();
-    const QString identifier = ZELKBundle(agent.toLocalFile()).bundleIdentifier();
-    auto failure =
-        m_ports.workspace->launchApplicationWithBundleIdentifier(identifier, m_ports.agentArguments);
-    if (failure)
-        failure = m_ports.workspace->launchApplicationAtURL(agent, m_ports.agentArguments);
-    return !failed(failure, error);
-}
-
-bool ZELKAgentController::stopAgentWithError(ZELKAgentError *error)
-{
-    std::optional<ZELKAgentError> failure;
-    const auto instances = m_ports.workspace->runningApplicationsWithBundleIdentifier(agentName());
-    if (instances.size() != 1)
-        failure = ZELKAgentError::withCode(ZELKAgentError::InstanceCountIsNotOne);
-    else if (!m_ports.workspace->terminate(instances.front()))
-        failure = ZELKAgentError::withCode(ZELKAgentError::InstanceRefusedToTerminate);
-    return !failed(failure, error);
+    return error.isError() ? std::optional(error) : std::nullopt;
 }
 
 // Watching for the change
@@ -251,8 +190,12 @@ void ZELKAgentController::endCheck(bool answering)
     if (!isStateChangeExpected() || m_state == m_stateBeforeChange || m_state == Inconsistent)
         return;
     forgetExpectedStateChange();
-    if (m_state == NotInstalled)
-        setAgentVersion(QString()); // an agent that is on its way out may still have told it
+    const auto form = std::exchange(m_formToStart, {});
+    if (m_state != NotInstalled)
+        return;
+    setAgentVersion(QString()); // an agent that is on its way out may still have told it
+    if (form)
+        startAndPresent(*form);
 }
 
 void ZELKAgentController::updateTimerDidNotify()
@@ -282,20 +225,6 @@ void ZELKAgentController::deliverPendingDefaults()
         setDefaultsWithDictionary(std::exchange(m_pendingDefaults, {}));
 }
 
-// Probes
-
-bool ZELKAgentController::isLaunchdJobForAgentName(const QString &anAgentName, ZELKServiceDomain domain) const
-{
-    requireName(anAgentName);
-    return m_ports.serviceManagement->hasJob(anAgentName, domain);
-}
-
-bool ZELKAgentController::isAgentRunningInUserSessionWithName(const QString &anAgentName) const
-{
-    requireName(anAgentName);
-    return !m_ports.workspace->runningApplicationsWithBundleIdentifier(anAgentName).empty();
-}
-
 bool ZELKAgentController::isAgentCommunicatingWithName(const QString &anAgentName)
 {
     const auto connection = agentConnectionWithName(anAgentName);
@@ -303,40 +232,4 @@ bool ZELKAgentController::isAgentCommunicatingWithName(const QString &anAgentNam
         return false;
     takeVersion(connection->version());
     return true;
-}
-
-std::unique_ptr<ZELKAgentConnection>
-ZELKAgentController::agentConnectionWithName(const QString &anAgentName) const
-{
-    requireName(anAgentName);
-    return m_ports.lookup->connectionWithServiceName(ZELKServiceNames::controlServiceName(anAgentName));
-}
-
-// The embedded agent
-
-QUrl ZELKAgentController::embeddedAgentURL() const
-{
-    const QString folder = infoString(QStringLiteral("ZELKAgentControllerAgentFolder"));
-    return QUrl::fromLocalFile(mainBundle().path() + QLatin1Char('/') + folder + QLatin1Char('/') +
-                               agentName() + QStringLiteral(".app"));
-}
-
-void ZELKAgentController::registerEmbeddedAgentWithLaunchServices()
-{
-    const QUrl agent = embeddedAgentURL();
-    if (const int status = m_ports.workspace->registerBundle(agent))
-        ZELKConsole::log(
-            ZELKFormat("Helper agent URL registration failed: %ld with URL: %@", {status, agent.toString()}));
-}
-
-QString ZELKAgentController::applicationName() const
-{
-    // A property of the graphical application object; a command-line one has none.
-    QString running;
-    if (const QCoreApplication *application = QCoreApplication::instance())
-        running = application->property("applicationDisplayName").toString();
-    if (!running.isEmpty())
-        return running;
-    const QString ofBundle = mainBundle().infoDictionary().string(QStringLiteral("CFBundleName"));
-    return ofBundle.isEmpty() ? QFileInfo(mainBundle().path()).fileName() : ofBundle;
 }

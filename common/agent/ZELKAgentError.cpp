@@ -19,3 +19,10 @@ ZELKAgentError ZELKAgentError::withCode(Code code, const QString &underlyingText
     return ZELKAgentError(controllerDomain(), code,
                           bundle->localizedStringForKey(key, QString(), controllerDomain()), underlyingText);
 }
+
+QString ZELKAgentError::fullText() const
+{
+    if (m_underlyingText.isEmpty())
+        return m_localisedDescription;
+    return ZELKFormat("%@ (%@)", {m_localisedDescription, m_underlyingText});
+}

@@ -10,8 +10,28 @@ public:
     /// Domain of the controller's own numbered errors.
     static QString controllerDomain() { return QStringLiteral("ZELKAgentController"); }
 
-    /// What stop() of the session form can answer. The numbers are fixed.
+    /// The numbers are fixed; 15 and 16 are left out.
     enum Code {
+        // Starting and stopping the job of the system.
+        BlessRightRefused = 1,
+        BlessFailed = 2,
+        ModifyRightRefused = 3,
+        NoExternalForm = 4,
+        ServiceNotReached = 5,
+        FilesNotRemoved = 6,
+        SystemJobNotRemoved = 7,
+        // The user's job.
+        NoApplicationSupportFolder = 8,
+        AgentNotCopied = 9,
+        NoJobTicket = 10,
+        NoLaunchAgentsFolder = 11,
+        TicketNotWritten = 12,
+        NoAuthorization = 13,
+        SubmitFailed = 14,
+        AgentCopyNotRemoved = 17,
+        TicketNotRemoved = 18,
+        UserJobNotRemoved = 19,
+        // Stopping the application of the session.
         InstanceCountIsNotOne = 20,
         InstanceRefusedToTerminate = 21,
     };
@@ -23,12 +43,16 @@ public:
     /// "ZELKAgentController".
     static ZELKAgentError withCode(Code code, const QString &underlyingText = {});
 
+    /// False of an object that tells of nothing.
+    bool isError() const { return m_code != 0; }
     QString domain() const { return m_domain; }
     int code() const { return m_code; }
     /// One sentence for the user.
     QString localisedDescription() const { return m_localisedDescription; }
     /// What the system said; empty where nothing did.
     QString underlyingText() const { return m_underlyingText; }
+    /// The error's own words and what the system said under them.
+    QString fullText() const;
 
     bool operator==(const ZELKAgentError &) const = default;
 

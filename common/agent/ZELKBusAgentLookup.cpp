@@ -7,6 +7,7 @@
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
+#include <QDBusReply>
 #include <QVariantMap>
 
 namespace {
@@ -94,6 +95,18 @@ public:
         });
     }
 
+    std::optional<bool> removeAgentFiles(const QByteArray &authorization, QString *reason) override
+    {
+        QDBusMessage message = call(QStringLiteral("removeAgentFiles"));
+        message << authorization;
+        const QDBusReply<bool> reply = m_bus.call(message, QDBus::Block, m_timeout);
+        if (reply.isValid())
+            return reply.value();
+        if (reason)
+            *reason = reply.error().message();
+        return std::nullopt;
+    }
+
     std::optional<QString> setDefaultsWithDictionary(const ZELKDictionary &defaults) override
     {
         QDBusMessage message = call(QStringLiteral("setDefaultsWithDictionary"));
@@ -123,6 +136,11 @@ private:
 };
 
 } // namespace
+
+std::optional<bool> ZELKAgentConnection::removeAgentFiles(const QByteArray &, QString *)
+{
+    return std::nullopt;
+}
 
 ZELKBusAgentLookup::ZELKBusAgentLookup(const QList<QDBusConnection> &buses, int timeoutMilliseconds)
     : m_buses(buses)

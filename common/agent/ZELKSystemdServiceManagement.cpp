@@ -1,64 +1,163 @@
 #include "ZELKSystemdServiceManagement.h"
 
-#include "ZELKBusNames.h"
+#include "ZELKEnvironment.h"
+#include "ZELKFileManager.h"
 
-#include <QDBusMessage>
-#include <QDBusObjectPath>
-#include <QDBusReply>
-#include <QVariantMap>
+#include <QDir>
+#include <QRegularExpression>
+#include <QStandardPaths>
+
+#include <cerrno>
 
 namespace {
 
-QString managerName()
+QString unitOf(const QString &label)
 {
-    return QStringLiteral("org.freedesktop.systemd1");
+    return label + QStringLiteral(".service");
 }
 
-QDBusMessage managerCall(const QString &path, const QString &interface, const QString &method)
+/// A label becomes a file's name.
+bool isLabel(const QString &text)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(managerName(), path, interface, method);
-    call.setAutoStartService(false);
-    return call;
+    static const QRegularExpression form(QStringLiteral("\\A[A-Za-z0-9_][A-Za-z0-9_.-]{0,200}\\z"));
+    return form.match(text).hasMatch();
 }
 
-/// Loads the unit, since one that is installed but idle need not be in the manager's memory. That succeeds
-/// for any name, so the unit's properties decide.
-QVariantMap unitProperties(const QDBusConnection &bus, const QString &unit, int timeout)
+std::optional<ZELKAgentError> errorOf(const std::optional<QString> &problem)
 {
-    QDBusMessage load =
-        managerCall(QStringLiteral("/org/freedesktop/systemd1"),
-                    QStringLiteral("org.freedesktop.systemd1.Manager"), QStringLiteral("LoadUnit"));
-    load << unit;
-    const QDBusReply<QDBusObjectPath> loaded = bus.call(load, QDBus::Block, timeout);
-    if (!loaded.isValid())
-        return {};
-    QDBusMessage get = managerCall(loaded.value().path(), QStringLiteral("org.freedesktop.DBus.Properties"),
-                                   QStringLiteral("GetAll"));
-    get << QStringLiteral("org.freedesktop.systemd1.Unit");
-    const QDBusReply<QVariantMap> properties = bus.call(get, QDBus::Block, timeout);
-    return properties.isValid() ? properties.value() : QVariantMap();
+    if (!problem)
+        return std::nullopt;
+    return ZELKAgentError(QStringLiteral("ZELKServiceManagement"), EIO, *problem);
+}
+
+std::optional<ZELKAgentError> invalid(const QString &what)
+{
+    return ZELKAgentError(QStringLiteral("ZELKServiceManagement"), EINVAL, what);
+}
+
+QString userFolder(QStandardPaths::StandardLocation location, const QString &name)
+{
+    return QStandardPaths::writableLocation(location) + QLatin1Char('/') + name;
 }
 
 } // namespace
 
+ZELKSystemdServiceManagement::Places ZELKSystemdServiceManagement::Places::usual()
+{
+    const QString agent = ZELKEnvironment::current().mainBundle->infoDictionary().string(
+        QStringLiteral("ZELKAgentControllerAgentName"));
+    QStringList folders;
+    if (!agent.isEmpty())
+        folders = {userFolder(QStandardPaths::GenericDataLocation, agent),
+                   userFolder(QStandardPaths::GenericConfigLocation, agent)};
+    return {userFolder(QStandardPaths::GenericConfigLocation, QStringLiteral("systemd/user")),
+            {folders, ZELKUnitFile::usersHaveNamespaces()},
+            ZELKInstallerProgram(ZELKInstallerProgram::pathInMainBundle())};
+}
+
 ZELKSystemdServiceManagement::ZELKSystemdServiceManagement(const QDBusConnection &systemBus,
                                                            const QDBusConnection &sessionBus,
-                                                           int timeoutMilliseconds)
-    : m_systemBus(systemBus)
-    , m_sessionBus(sessionBus)
-    , m_timeout(timeoutMilliseconds)
+                                                           int timeoutMilliseconds, const Places &places)
+    : m_systemManager(systemBus, timeoutMilliseconds)
+    , m_userManager(sessionBus, timeoutMilliseconds)
+    , m_places(places)
 {
+}
+
+const ZELKSystemdManager &ZELKSystemdServiceManagement::manager(ZELKServiceDomain domain) const
+{
+    return domain == ZELKServiceDomain::System ? m_systemManager : m_userManager;
 }
 
 bool ZELKSystemdServiceManagement::hasJob(const QString &label, ZELKServiceDomain domain) const
 {
-    const QDBusConnection &bus = domain == ZELKServiceDomain::System ? m_systemBus : m_sessionBus;
-    if (!ZELKBusNames::hasOwner(bus, managerName(), m_timeout))
+    if (!manager(domain).isThere())
         return false;
-    const QVariantMap properties = unitProperties(bus, label + QStringLiteral(".service"), m_timeout);
+    const QVariantMap properties = manager(domain).unitProperties(unitOf(label));
     const QString loadState = properties.value(QStringLiteral("LoadState")).toString();
     const QString activeState = properties.value(QStringLiteral("ActiveState")).toString();
     const bool runs = !activeState.isEmpty() && activeState != QLatin1String("inactive") &&
                       activeState != QLatin1String("failed");
     return loadState == QLatin1String("loaded") || runs;
+}
+
+bool ZELKSystemdServiceManagement::isAvailable(ZELKServiceDomain domain) const
+{
+    return manager(domain).isThere();
+}
+
+std::optional<ZELKAgentError> ZELKSystemdServiceManagement::submitJob(const ZELKDictionary &ticket,
+                                                                      ZELKServiceDomain domain,
+                                                                      const ZELKAuthorization &)
+{
+    const QString label = ticket.string(QStringLiteral("Label"));
+    if (domain != ZELKServiceDomain::User || !isLabel(label))
+        return invalid(label);
+    if (!m_userManager.isThere())
+        return unavailable();
+    const QString unit = unitOf(label);
+    const auto problem = submitUnit(unit, ticket);
+    if (problem) {
+        m_userManager.stop(unit);
+        forgetUnit(unit);
+    }
+    return errorOf(problem);
+}
+
+std::optional<QString> ZELKSystemdServiceManagement::submitUnit(const QString &unit,
+                                                                const ZELKDictionary &ticket) const
+{
+    for (const QString &folder : QStringList{m_places.userUnits} + m_places.surroundings.writableFolders) {
+        if (!QDir().mkpath(folder))
+            return folder;
+    }
+    const QString text = ZELKUnitFile::text(ticket, m_places.surroundings);
+    if (const auto problem =
+            ZELKFileManager::writeFile(m_places.userUnits + QLatin1Char('/') + unit, text.toUtf8()))
+        return problem;
+    if (const auto problem = m_userManager.reload())
+        return problem;
+    if (const auto problem = m_userManager.enable(unit))
+        return problem;
+    return m_userManager.start(unit);
+}
+
+std::optional<ZELKAgentError> ZELKSystemdServiceManagement::removeJob(const QString &label,
+                                                                      ZELKServiceDomain domain,
+                                                                      const ZELKAuthorization &)
+{
+    if (!isLabel(label))
+        return invalid(label);
+    if (!isAvailable(domain))
+        return unavailable();
+    if (domain == ZELKServiceDomain::System)
+        return errorOf(m_places.installer.run({QStringLiteral("remove")}));
+    return errorOf(removeUnit(unitOf(label)));
+}
+
+std::optional<QString> ZELKSystemdServiceManagement::removeUnit(const QString &unit) const
+{
+    if (const auto problem = m_userManager.stop(unit))
+        return problem;
+    return forgetUnit(unit);
+}
+
+std::optional<QString> ZELKSystemdServiceManagement::forgetUnit(const QString &unit) const
+{
+    const auto disabled = m_userManager.disable(unit);
+    if (const auto problem = ZELKFileManager::remove(m_places.userUnits + QLatin1Char('/') + unit))
+        return problem;
+    const auto reloaded = m_userManager.reload();
+    return disabled ? disabled : reloaded;
+}
+
+std::optional<ZELKAgentError> ZELKSystemdServiceManagement::blessJob(const QString &label,
+                                                                     ZELKServiceDomain domain,
+                                                                     const ZELKAuthorization &)
+{
+    if (domain != ZELKServiceDomain::System || !isLabel(label))
+        return invalid(label);
+    if (!isAvailable(domain))
+        return unavailable();
+    return errorOf(m_places.installer.run({QStringLiteral("install")}));
 }
