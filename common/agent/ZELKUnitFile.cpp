@@ -6,6 +6,9 @@
 
 namespace {
 
+/// One that cannot start, as when another agent has the bus name, is left alone after some attempts.
+constexpr const char *startLimit = "StartLimitIntervalSec=300\nStartLimitBurst=5\n";
+
 /// What a service of the user that only listens and writes its own files can do without. The manager of a
 /// user has no capabilities to take away.
 constexpr const char *always = "NoNewPrivileges=yes\n"
@@ -147,6 +150,7 @@ QString ZELKUnitFile::text(const ZELKDictionary &ticket, const Surroundings &sur
 {
     QString text = QStringLiteral("# Written by Lullwatch, and removed by it.\n[Unit]\n") +
                    line("Description", plain(ticket.string(QStringLiteral("Label")))) +
+                   QLatin1String(startLimit) +
                    QStringLiteral("\n[Service]\n") + serviceLines(ticket) + sandboxLines(surroundings);
     if (isTrue(ticket.value(QStringLiteral("RunAtLoad"))))
         text += QStringLiteral("\n[Install]\nWantedBy=default.target\n");

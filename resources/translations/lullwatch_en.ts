@@ -396,6 +396,142 @@
         <translation>Stop Recording</translation>
     </message>
     <message>
+        <source>ZELKAgentController.install.message</source>
+        <translation>Record when this computer sleeps and wakes?</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.informative</source>
+        <translation>%@ shows what a small background program records: when this computer sleeps, wakes, starts and shuts down, and how its batteries do. Install it to record always, or record only while you are logged in, until the next restart.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.button.install</source>
+        <translation>Install</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.button.skip</source>
+        <translation>Record This Session Only</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.button.cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.location</source>
+        <translation>Record:</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.location.1</source>
+        <translation>For all users, from start-up on (asks for a password)</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.location.2</source>
+        <translation>While I am logged in</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.update.message</source>
+        <translation>Update the recording agent?</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.update.informative</source>
+        <translation>The recording agent on this computer is not the one that came with this %@. Updating replaces it and keeps everything it has recorded.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.update.button.update</source>
+        <translation>Update</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.update.button.cancel</source>
+        <translation>Not Now</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.1</source>
+        <translation>The recording agent could not be installed for all users, because you were not given the right to do so.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.2</source>
+        <translation>The recording agent could not be installed for all users.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.3</source>
+        <translation>The recording agent could not be removed, because you were not given the right to do so.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.4</source>
+        <translation>The recording agent could not be removed, because the request could not be made out.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.5</source>
+        <translation>The recording agent could not be removed, because it could not be reached.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.6</source>
+        <translation>The recording agent was stopped, but its files could not be deleted.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.7</source>
+        <translation>The recording agent’s files were deleted, but it could not be stopped.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.8</source>
+        <translation>The recording agent could not be installed, because there is no folder for it.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.9</source>
+        <translation>The recording agent could not be installed, because it could not be copied.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.10</source>
+        <translation>The recording agent could not be installed, because its description is missing.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.11</source>
+        <translation>The recording agent could not be installed, because there is no folder for its job.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.12</source>
+        <translation>The recording agent could not be installed, because its job could not be written down.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.13</source>
+        <translation>The recording agent could not be installed, because there was no authorization.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.14</source>
+        <translation>The recording agent was not started.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.17</source>
+        <translation>The recording agent could not be removed, because its copy could not be deleted.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.18</source>
+        <translation>The recording agent could not be removed, because its job’s description could not be deleted.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.error.19</source>
+        <translation>The recording agent’s files were deleted, but it could not be stopped.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.systemd.absent</source>
+        <translation>systemd does not run here</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.polkit.absent</source>
+        <translation>polkit does not answer</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.polkit.refused</source>
+        <translation>polkit refused</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.polkit.dismissed</source>
+        <translation>the password was not given</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.installer.failed</source>
+        <translation>the installer failed without a word</translation>
+    </message>
+    <message>
         <source>ZELKAgentController.error.20</source>
         <translation>Recording could not be stopped, because the recording agent is not running exactly once.</translation>
     </message>
@@ -406,6 +542,282 @@
     <message>
         <source>ZELKAgentController.launch.failed</source>
         <translation>The recording agent could not be started.</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKCommandLine</name>
+    <message>
+        <source>The output cannot be written: %@</source>
+        <translation>The output cannot be written: %@</translation>
+    </message>
+    <message>
+        <source>%@ is not there; nothing has been kept in it yet.</source>
+        <translation>%@ is not there; nothing has been kept in it yet.</translation>
+    </message>
+    <message>
+        <source>%@ cannot be read: %@</source>
+        <translation>%@ cannot be read: %@</translation>
+    </message>
+    <message>
+        <source>line %lu: %@</source>
+        <translation>line %lu: %@</translation>
+    </message>
+    <message>
+        <source>The events cannot be kept: their file cannot be written.</source>
+        <translation>The events cannot be kept: their file cannot be written.</translation>
+    </message>
+    <message>
+        <source>imported %lu events, %lu of them new, skipped %lu lines</source>
+        <translation>imported %lu events, %lu of them new, skipped %lu lines</translation>
+    </message>
+    <message>
+        <source>The picture cannot be written to %@.</source>
+        <translation>The picture cannot be written to %@.</translation>
+    </message>
+    <message>
+        <source>A picture of the window stands in %@.</source>
+        <translation>A picture of the window stands in %@.</translation>
+    </message>
+    <message>
+        <source>Unknown option '%@'.</source>
+        <translation>Unknown option '%@'.</translation>
+    </message>
+    <message>
+        <source>The options are not in order: %@</source>
+        <translation>The options are not in order: %@</translation>
+    </message>
+    <message>
+        <source>There is no command "%@".</source>
+        <translation>There is no command "%@".</translation>
+    </message>
+    <message>
+        <source>import needs a FILE, or - for standard input.</source>
+        <translation>import needs a FILE, or - for standard input.</translation>
+    </message>
+    <message>
+        <source>The FILE to import has no name.</source>
+        <translation>The FILE to import has no name.</translation>
+    </message>
+    <message>
+        <source>Unexpected argument "%@".</source>
+        <translation>Unexpected argument "%@".</translation>
+    </message>
+    <message>
+        <source>--or-picture stands in for the window: it does not go together with a command.</source>
+        <translation>--or-picture stands in for the window: it does not go together with a command.</translation>
+    </message>
+    <message>
+        <source>--%@ belongs to the command %@.</source>
+        <translation>--%@ belongs to the command %@.</translation>
+    </message>
+    <message>
+        <source>--%@ needs a value.</source>
+        <translation>--%@ needs a value.</translation>
+    </message>
+    <message>
+        <source>"%@" cannot name a profile: letters, digits, ".", "_" and "-" can.</source>
+        <translation>"%@" cannot name a profile: letters, digits, ".", "_" and "-" can.</translation>
+    </message>
+    <message>
+        <source>A profile has no agent: --start-agent and --profile do not go together.</source>
+        <translation>A profile has no agent: --start-agent and --profile do not go together.</translation>
+    </message>
+    <message>
+        <source>import has nothing to do with the agent: it does not take --start-agent.</source>
+        <translation>import has nothing to do with the agent: it does not take --start-agent.</translation>
+    </message>
+    <message>
+        <source>"%@" is no date: YYYY-MM-DD, YYYY-MM-DDTHH:MM or YYYY-MM-DDTHH:MM:SS is.</source>
+        <translation>"%@" is no date: YYYY-MM-DD, YYYY-MM-DDTHH:MM or YYYY-MM-DDTHH:MM:SS is.</translation>
+    </message>
+    <message>
+        <source>There is no range "%@".</source>
+        <translation>There is no range "%@".</translation>
+    </message>
+    <message>
+        <source>--range does not go together with --from and --to.</source>
+        <translation>--range does not go together with --from and --to.</translation>
+    </message>
+    <message>
+        <source>--from lies after --to.</source>
+        <translation>--from lies after --to.</translation>
+    </message>
+    <message>
+        <source>There is no format "%@".</source>
+        <translation>There is no format "%@".</translation>
+    </message>
+    <message>
+        <source>--count needs a number from 1 to 1000000, not "%@".</source>
+        <translation>--count needs a number from 1 to 1000000, not "%@".</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>Summary</source>
+        <translation>Summary</translation>
+    </message>
+    <message>
+        <source>1 entry</source>
+        <translation>1 entry</translation>
+    </message>
+    <message>
+        <source>%lu entries</source>
+        <translation>%lu entries</translation>
+    </message>
+    <message>
+        <source>%lu of 1 entry</source>
+        <translation>%lu of 1 entry</translation>
+    </message>
+    <message>
+        <source>%lu of %lu entries</source>
+        <translation>%lu of %lu entries</translation>
+    </message>
+    <message>
+        <source>"lullwatch --help" tells what there is.</source>
+        <translation>"lullwatch --help" tells what there is.</translation>
+    </message>
+    <message>
+        <source>The application's folder %@ is missing or damaged.</source>
+        <translation>The application's folder %@ is missing or damaged.</translation>
+    </message>
+    <message>
+        <source>ZELKCommandLine.help</source>
+        <translation>Shows what happened to this computer: when it slept, woke, started and changed its power.
+
+Usage: lullwatch [OPTIONS]                     opens the window
+       lullwatch [OPTIONS] list [...]          prints entries
+       lullwatch [OPTIONS] import FILE         takes events in, from a file or "-" (standard input)
+       lullwatch [OPTIONS] snapshot [...]      prints the latest entries, without a display
+
+Options, which may also follow the command:
+  --database FILE    keep the events in FILE
+  --profile NAME     a world of its own: settings and events apart from all others, and no agent
+  --start-agent      start the recording agent in this session if it is not running
+  -h, --help         print this
+  -v, --version      print the version
+
+window:
+  --or-picture FILE  where there is no display, print the latest entries and write a picture of the window to
+                     FILE instead; --count NUMBER goes with it
+
+list:
+  --range RANGE      today, yesterday, last-seven-days, this-month, last-month, this-week, last-week or
+                     everything (which it is without this)
+  --from DATE        entries from then on: YYYY-MM-DD, YYYY-MM-DDTHH:MM or YYYY-MM-DDTHH:MM:SS, local time
+  --to DATE          entries up to then, that day or second included
+  --format FORMAT    table (which it is without this), tsv or json
+
+import: raw events, one JSON object a line, with the keys "date" (seconds since 2001-01-01 UTC),
+"description", "monitor" and "properties" (a property list as text, or "NULL")
+
+snapshot:
+  --count NUMBER     how many entries, 20 without this
+  --picture FILE     also write a picture of the window, as PNG
+
+The exit status is 0, 1 when something failed, and 2 when the command line was wrong.
+</translation>
+    </message>
+    <message>
+        <source>There is no display to open the window on. "lullwatch list" and "lullwatch snapshot" need none.</source>
+        <translation>There is no display to open the window on. "lullwatch list" and "lullwatch snapshot" need none.</translation>
+    </message>
+    <message>
+        <source>longer than 16 MiB</source>
+        <translation>longer than 16 MiB</translation>
+    </message>
+    <message>
+        <source>unknown key "%@"</source>
+        <translation>unknown key "%@"</translation>
+    </message>
+    <message>
+        <source>not a JSON object</source>
+        <translation>not a JSON object</translation>
+    </message>
+    <message>
+        <source>the object is not closed</source>
+        <translation>the object is not closed</translation>
+    </message>
+    <message>
+        <source>more than one object</source>
+        <translation>more than one object</translation>
+    </message>
+    <message>
+        <source>missing key "%@"</source>
+        <translation>missing key "%@"</translation>
+    </message>
+    <message>
+        <source>the key "%@" stands twice</source>
+        <translation>the key "%@" stands twice</translation>
+    </message>
+    <message>
+        <source>no value for "%@"</source>
+        <translation>no value for "%@"</translation>
+    </message>
+    <message>
+        <source>"%@" is no text</source>
+        <translation>"%@" is no text</translation>
+    </message>
+    <message>
+        <source>no text where one is needed</source>
+        <translation>no text where one is needed</translation>
+    </message>
+    <message>
+        <source>a control character in a text</source>
+        <translation>a control character in a text</translation>
+    </message>
+    <message>
+        <source>a text is not closed</source>
+        <translation>a text is not closed</translation>
+    </message>
+    <message>
+        <source>an unknown escape in a text</source>
+        <translation>an unknown escape in a text</translation>
+    </message>
+    <message>
+        <source>half a surrogate pair in a text</source>
+        <translation>half a surrogate pair in a text</translation>
+    </message>
+    <message>
+        <source>a NUL in a text</source>
+        <translation>a NUL in a text</translation>
+    </message>
+    <message>
+        <source>"date" is no number</source>
+        <translation>"date" is no number</translation>
+    </message>
+    <message>
+        <source>"date" is out of range</source>
+        <translation>"date" is out of range</translation>
+    </message>
+    <message>
+        <source>"properties" is no property-list text</source>
+        <translation>"properties" is no property-list text</translation>
+    </message>
+    <message>
+        <source>"properties" cannot be read: %@</source>
+        <translation>"properties" cannot be read: %@</translation>
+    </message>
+    <message>
+        <source>"properties" is no dictionary</source>
+        <translation>"properties" is no dictionary</translation>
+    </message>
+    <message>
+        <source>a NUL</source>
+        <translation>a NUL</translation>
+    </message>
+    <message>
+        <source>not UTF-8</source>
+        <translation>not UTF-8</translation>
+    </message>
+    <message>
+        <source>The recording agent was started, but does not answer.</source>
+        <translation>The recording agent was started, but does not answer.</translation>
+    </message>
+    <message>
+        <source>The recording agent's events could not be fetched; these are from the cache.</source>
+        <translation>The recording agent's events could not be fetched; these are from the cache.</translation>
     </message>
 </context>
 <context>
@@ -566,6 +978,10 @@
         <translation>%@ of %@ entries</translation>
     </message>
     <message>
+        <source>ZELKLWCMainWindowController.entries.someOfOne</source>
+        <translation>%@ of 1 entry</translation>
+    </message>
+    <message>
         <source>ZELKLWCMainWindowController.synchronised</source>
         <translation>Last new entries fetched %@</translation>
     </message>
@@ -576,6 +992,10 @@
     <message>
         <source>ZELKLWCMainWindowController.failure.accessibleName</source>
         <translation>Warning</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.failure</source>
+        <translation>%@ %@</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.failure.agent</source>
@@ -604,6 +1024,10 @@
     <message>
         <source>ZELKLWCMainWindowController.empty</source>
         <translation>Nothing has been recorded yet. Choose “Start Recording…” to record when this computer sleeps, wakes, starts and changes its power.</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.unreadable</source>
+        <translation>The recorded entries cannot be read.</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.recording</source>
