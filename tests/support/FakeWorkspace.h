@@ -4,6 +4,8 @@
 
 #include <QHash>
 
+using namespace Qt::StringLiterals;
+
 /// Applications as the test says. A launch adds an instance and a termination takes it away, at once, unless
 /// told otherwise.
 class FakeWorkspace final : public ZELKWorkspace
@@ -41,7 +43,7 @@ public:
     {
         launches.append(identifier);
         if (!launchesByIdentifier)
-            return ZELKAgentError(QStringLiteral("FakeWorkspace"), 1, QStringLiteral("unknown identifier"));
+            return ZELKAgentError(u"FakeWorkspace"_s, 1, u"unknown identifier"_s);
         lastArguments = arguments;
         ++instances[identifier];
         return std::nullopt;
