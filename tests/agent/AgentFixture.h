@@ -1,90 +1,36 @@
 #pragma once
 
+#include "ConsoleLines.h"
+#include "Files.h"
+#include "Rows.h"
 #include "ZELKBundle.h"
-#include "ZELKEnvironment.h"
 #include "ZELKLWAEvent.h"
 
-#include <QDir>
-#include <QFile>
-#include <QStringList>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <memory>
 #include <vector>
 
-/// The agent's bundle as it was built.
-inline QString agentBundlePath()
-{
-    return QString::fromLocal8Bit(AGENT_BUNDLE);
-}
+using namespace Qt::StringLiterals;
 
+/// The agent's bundle as it was built.
 inline std::shared_ptr<const ZELKBundle> agentBundle()
 {
-    return std::make_shared<const ZELKBundle>(agentBundlePath());
+    return std::make_shared<const ZELKBundle>(QString::fromLocal8Bit(AGENT_BUNDLE));
 }
 
-/// What the console was told while it lives.
-class ConsoleLines
+inline QString agentVersion()
 {
-public:
-    ConsoleLines()
-    {
-        lines().clear();
-        m_before = qInstallMessageHandler(
-            [](QtMsgType, const QMessageLogContext &, const QString &text) { lines().append(text); });
-    }
-    ~ConsoleLines() { qInstallMessageHandler(m_before); }
-
-    static QStringList &lines()
-    {
-        static QStringList told;
-        return told;
-    }
-
-private:
-    QtMessageHandler m_before;
-};
-
-/// A clock that a test puts where it likes.
-class AtTime
-{
-public:
-    explicit AtTime(ZELKDate now)
-        : m_clock(std::make_shared<ZELKFixedClock>(now))
-        , m_scope(environment(m_clock))
-    {
-    }
-    ZELKFixedClock &clock() { return *m_clock; }
-
-private:
-    static ZELKEnvironment environment(const std::shared_ptr<ZELKFixedClock> &clock)
-    {
-        ZELKEnvironment environment = ZELKEnvironment::system();
-        environment.clock = clock;
-        return environment;
-    }
-
-    std::shared_ptr<ZELKFixedClock> m_clock;
-    ZELKEnvironmentScope m_scope;
-};
-
-inline void writeFile(const QString &path, const QByteArray &bytes,
-                      QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Truncate)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    QVERIFY(file.open(mode));
-    QCOMPARE(file.write(bytes), bytes.size());
+    return agentBundle()->infoDictionary().string(u"CFBundleVersion"_s);
 }
 
-inline QByteArray readFile(const QString &path)
+/// The records that a real system wrote at its start and its end.
+inline QString realAccounting()
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return QStringLiteral(ZELK_TEST_DATA "/one-boot.wtmp");
 }
 
-inline QString testData(const char *name)
+inline QString text(std::string_view utf8)
 {
-    return QStringLiteral(ZELK_TEST_DATA "/") + QString::fromLatin1(name);
+    return QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
 }

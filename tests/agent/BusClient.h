@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AgentFixture.h"
 #include "ZELKEventStream.h"
 #include "ZELKRawEvent.h"
 #include "ZELKServiceNames.h"
@@ -14,10 +15,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 inline QDBusMessage eventServiceCall(const char *method, const QVariantList &arguments = {})
 {
     QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.zelk.lullwatch.agent"), ZELKServiceNames::eventServicePath(),
+        u"org.zelk.lullwatch.agent"_s, ZELKServiceNames::eventServicePath(),
         ZELKServiceNames::eventServiceInterface(), QString::fromLatin1(method));
     call.setArguments(arguments);
     return call;
@@ -26,7 +29,7 @@ inline QDBusMessage eventServiceCall(const char *method, const QVariantList &arg
 inline QDBusMessage controlServiceCall(const char *method, const QVariantList &arguments = {})
 {
     QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.zelk.lullwatch.agent._service"), ZELKServiceNames::controlServicePath(),
+        u"org.zelk.lullwatch.agent._service"_s, ZELKServiceNames::controlServicePath(),
         ZELKServiceNames::controlServiceInterface(), QString::fromLatin1(method));
     call.setArguments(arguments);
     return call;
@@ -62,14 +65,11 @@ inline StreamedEvents readStream(const QDBusUnixFileDescriptor &descriptor)
         if (size <= 0)
             return;
         reader.feed({bytes, std::size_t(size)});
-        while (const auto event = reader.next()) {
-            if (events.read(*event) != ZELKRawEventReader::Kind::Texts)
-                continue;
-            const ZELKRawEventView &view = events.view();
-            found.dates.append(QString::fromUtf8(view.date.data(), qsizetype(view.date.size())));
-            found.names.append(
-                QString::fromUtf8(view.description.data(), qsizetype(view.description.size())));
-        }
+        while (const auto event = reader.next())
+            if (events.read(*event) == ZELKRawEventReader::Kind::Texts) {
+                found.dates.append(text(events.view().date));
+                found.names.append(text(events.view().description));
+            }
     });
     loop.exec();
     found.state = reader.state();

@@ -1,23 +1,22 @@
 #include "AgentFixture.h"
 #include "ZELKAccountingRecords.h"
+#include "ZELKEnvironment.h"
 #include "ZELKLWASystemAccountingWatcher.h"
 
 #include <cstring>
 #include <utmpx.h>
 
-using Kind = ZELKAccountingRecords::Kind;
-
 namespace {
 
 constexpr ZELKDate now = ZELKDate::fromSecondsSince1970(1795400000.0);
+constexpr double then = 1795378000.0;
 
 QByteArray recordOf(short type, const char *user, double seconds, const char *line = "~")
 {
-    utmpx record;
-    std::memset(&record, 0, sizeof record);
+    utmpx record = {};
     record.ut_type = type;
-    std::memcpy(record.ut_user, user, std::strlen(user));
-    std::memcpy(record.ut_line, line, std::strlen(line));
+    std::strcpy(record.ut_user, user);
+    std::strcpy(record.ut_line, line);
     record.ut_tv.tv_sec = decltype(record.ut_tv.tv_sec)(qint64(seconds));
     return QByteArray(reinterpret_cast<const char *>(&record), sizeof record);
 }
@@ -34,111 +33,88 @@ class TestAccounting : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsWhatARealSystemWrote();
-    void passesOver_data();
-    void passesOver();
-    void staysInBoundsOnAnyBytes();
-    void followsTheFile();
-};
+    void passesOver_data()
+    {
+        const Rows<QByteArray, int, QString> row;
+        const QByteArray boot = recordOf(BOOT_TIME, "reboot", then);
+        row("logins and run levels",
+            recordOf(USER_PROCESS, "me", then, "tty1") + boot + recordOf(RUN_LVL, "runlevel", then), 1);
+        row("unknown type", recordOf(77, "reboot", then) + recordOf(-1, "", then) + boot, 1,
+            "2 of unknown type, 0 w");
+        row("a boot on no system line", recordOf(BOOT_TIME, "reboot", then, "tty1"), 0,
+            "1 of unknown type, 0 w");
+        row("before 1990", recordOf(BOOT_TIME, "reboot", 0) + boot, 1, "0 of unknown type, 1 w");
+        row("tomorrow is a clock's error", recordOf(BOOT_TIME, "reboot", 1795486000.0), 1);
+        row("the day after is none", recordOf(BOOT_TIME, "reboot", 1795487000.0), 0,
+            "0 of unknown type, 1 w");
+        row("stray tail", boot + boot.left(17), 1,
+            "0 of unknown type, 0 with an absurd time, 17 stray bytes");
+        row("text", QByteArray(1000, 'x'), 0, "2 of unknown type, 0 w");
+        row("records of another length", (boot + QByteArray(16, '\0')).repeated(3), 1);
+    }
+    void passesOver()
+    {
+        const auto [bytes, records, skipped] = Rows<QByteArray, int, QString>::fetch();
+        const ZELKAccountingRecords found = read(bytes);
+        QCOMPARE(int(found.records.size()), records);
+        if (!skipped.isEmpty())
+            QVERIFY2(found.skippedText().startsWith(skipped), qPrintable(found.skippedText()));
+        QCOMPARE(found.consumed + found.strayBytes, std::size_t(bytes.size()));
+    }
 
-void TestAccounting::readsWhatARealSystemWrote()
-{
-    const ZELKAccountingRecords records = read(readFile(testData("one-boot.wtmp")));
-    const std::vector<ZELKAccountingRecords::Record> expected{
-        {Kind::Boot, ZELKDate::fromSecondsSince1970(1795378830.808650)},
-        {Kind::ShutDown, ZELKDate::fromSecondsSince1970(1795378844.468400)}};
-    QVERIFY(records.records == expected);
-    QVERIFY(!records.skippedAny());
-}
-
-void TestAccounting::passesOver_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<int>("records");
-    QTest::addColumn<QString>("skipped");
-    constexpr double then = 1795378000.0;
-    const QByteArray boot = recordOf(BOOT_TIME, "reboot", then);
-    const auto row = [](const char *name, const QByteArray &bytes, int records, const char *skipped) {
-        QTest::newRow(name) << bytes << records << QString::fromUtf8(skipped);
-    };
-    row("logins and run levels",
-        recordOf(USER_PROCESS, "me", then, "tty1") + boot + recordOf(RUN_LVL, "runlevel", then), 1, "");
-    row("unknown type", recordOf(77, "reboot", then) + recordOf(-1, "", then) + boot, 1,
-        "2 of unknown type, 0 w");
-    row("a boot on no system line", recordOf(BOOT_TIME, "reboot", then, "tty1"), 0, "1 of unknown type, 0 w");
-    row("before 1990", recordOf(BOOT_TIME, "reboot", 0) + boot, 1, "0 of unknown type, 1 w");
-    row("tomorrow is a clock's error", recordOf(BOOT_TIME, "reboot", 1795400000.0 + 86000.0), 1, "");
-    row("the day after is none", recordOf(BOOT_TIME, "reboot", 1795400000.0 + 87000.0), 0,
-        "0 of unknown type, 1 w");
-    row("stray tail", boot + boot.left(17), 1, "0 of unknown type, 0 with an absurd time, 17 stray bytes");
-    row("nothing", QByteArray(), 0, "");
-    row("text", QByteArray(1000, 'x'), 0, "2 of unknown type, 0 w");
-    row("records of another length", (boot + QByteArray(16, '\0')).repeated(3), 1, "");
-}
-
-void TestAccounting::passesOver()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(int, records);
-    QFETCH(QString, skipped);
-    const ZELKAccountingRecords found = read(bytes);
-    QCOMPARE(int(found.records.size()), records);
-    if (!skipped.isEmpty())
-        QVERIFY2(found.skippedText().startsWith(skipped), qPrintable(found.skippedText()));
-    QCOMPARE(found.consumed + found.strayBytes, std::size_t(bytes.size()));
-}
-
-void TestAccounting::staysInBoundsOnAnyBytes()
-{
-    const QByteArray real = readFile(testData("one-boot.wtmp"));
-    for (qsizetype at = 0; at < real.size(); ++at)
-        for (const char damage : {'\x00', '\x7F', '\xFF'}) {
-            QByteArray damaged = real;
-            damaged[at] = damage;
-            for (const auto &record : read(damaged).records) {
-                QVERIFY(record.date > ZELKDate::fromSecondsSince1970(631152000.0 - 1.0));
-                QVERIFY(record.date <= now.addingTimeInterval(86400.0));
+    void staysInBoundsOnAnyBytes()
+    {
+        const QByteArray real = readFile(realAccounting());
+        for (qsizetype at = 0; at < real.size(); ++at)
+            for (const char damage : {'\x00', '\x7F', '\xFF'}) {
+                QByteArray damaged = real;
+                damaged[at] = damage;
+                for (const auto &record : read(damaged).records) {
+                    QVERIFY(record.date > ZELKDate::fromSecondsSince1970(631152000.0 - 1.0));
+                    QVERIFY(record.date <= now.addingTimeInterval(86400.0));
+                }
             }
-        }
-}
+    }
 
-void TestAccounting::followsTheFile()
-{
-    const AtTime environment(now);
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("wtmp"));
-    std::vector<ZELKLWAEvent> seen;
-    ZELKLWASystemAccountingWatcher watcher(path, [&](const std::vector<ZELKLWAEvent> &events) {
-        seen.insert(seen.end(), events.begin(), events.end());
-    });
-    ConsoleLines console;
-    watcher.start();
-    QCOMPARE(console.lines().size(), 1);
+    void followsTheFile()
+    {
+        ZELKEnvironment environment = ZELKEnvironment::system();
+        environment.clock = std::make_shared<ZELKFixedClock>(now);
+        const ZELKEnvironmentScope scope(environment);
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"wtmp"_s);
+        std::vector<ZELKLWAEvent> seen;
+        ZELKLWASystemAccountingWatcher watcher(path, [&](const std::vector<ZELKLWAEvent> &events) {
+            seen.insert(seen.end(), events.begin(), events.end());
+        });
+        const ConsoleLines console;
+        watcher.start();
+        QCOMPARE(console.size(), 1);
 
-    const QByteArray real = readFile(testData("one-boot.wtmp"));
-    writeFile(path, real);
-    QTRY_COMPARE(seen.size(), std::size_t(2));
-    const ZELKLWAEvent boot{ZELKDate::fromSecondsSince1970(1795378830.808650),
-                            QStringLiteral("accounting boot"),
-                            QStringLiteral("org.zelk.monitor.watcher.last"), QStringLiteral("NULL")};
-    QVERIFY(seen.front() == boot);
-    QCOMPARE(seen.back().event, QStringLiteral("accounting shut down"));
+        writeFile(path, readFile(realAccounting()));
+        QTRY_COMPARE(seen.size(), std::size_t(2));
+        const ZELKLWAEvent boot{ZELKDate::fromSecondsSince1970(1795378830.808650), u"accounting boot"_s,
+                                u"org.zelk.monitor.watcher.last"_s, u"NULL"_s};
+        QVERIFY(seen.front() == boot);
+        QCOMPARE(seen.back().event, u"accounting shut down"_s);
+        QCOMPARE(seen.back().date, ZELKDate::fromSecondsSince1970(1795378844.468400));
 
-    const QByteArray next = recordOf(BOOT_TIME, "reboot", 1795379000.0);
-    writeFile(path, next.left(100), QIODevice::Append);
-    QTRY_COMPARE(console.lines().size(), 2);
-    writeFile(path, next.mid(100), QIODevice::Append);
-    QTRY_COMPARE(seen.size(), std::size_t(3));
+        const QByteArray next = recordOf(BOOT_TIME, "reboot", 1795379000.0);
+        writeFile(path, next.left(100), QIODevice::Append);
+        QTRY_COMPARE(console.size(), 2);
+        writeFile(path, next.mid(100), QIODevice::Append);
+        QTRY_COMPARE(seen.size(), std::size_t(3));
 
-    QVERIFY(QFile::rename(path, path + QStringLiteral(".1")));
-    writeFile(path, recordOf(BOOT_TIME, "reboot", 1795380000.0));
-    QTRY_COMPARE(seen.size(), std::size_t(4));
-    QCOMPARE(seen.back().date, ZELKDate::fromSecondsSince1970(1795380000.0));
+        QVERIFY(QFile::rename(path, path + u".1"_s));
+        writeFile(path, recordOf(BOOT_TIME, "reboot", 1795380000.0));
+        QTRY_COMPARE(seen.size(), std::size_t(4));
+        QCOMPARE(seen.back().date, ZELKDate::fromSecondsSince1970(1795380000.0));
 
-    watcher.stop();
-    watcher.start();
-    QCOMPARE(seen.size(), std::size_t(5)); // the whole file again: the store knows it
-}
+        watcher.stop();
+        watcher.start();
+        QCOMPARE(seen.size(), std::size_t(5)); // the whole file again: the store knows it
+    }
+};
 
 QTEST_GUILESS_MAIN(TestAccounting)
 #include "tst_accounting.moc"
