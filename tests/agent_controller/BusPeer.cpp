@@ -1,6 +1,5 @@
 #include "BusPeer.h"
 
-#include "ZELKDictionary.h"
 #include "ZELKValue.h"
 
 #include <QCoreApplication>
@@ -12,29 +11,25 @@
 
 #include <cstdio>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QString describe(const QVariant &value)
 {
-    if (value.canConvert<QDBusArgument>()) {
-        const auto argument = value.value<QDBusArgument>();
-        return describe(argument.currentType() == QDBusArgument::MapType
-                            ? QVariant(qdbus_cast<QVariantMap>(argument))
-                            : QVariant(qdbus_cast<QVariantList>(argument)));
-    }
     QStringList items;
-    if (value.metaType() == QMetaType::fromType<QVariantMap>()) {
-        const QVariantMap map = value.toMap();
-        for (auto item = map.begin(); item != map.end(); ++item)
-            items.append(item.key() + QLatin1Char('=') + describe(item.value()));
-        return QLatin1Char('{') + items.join(QLatin1Char(' ')) + QLatin1Char('}');
-    }
-    if (value.metaType() == QMetaType::fromType<QVariantList>()) {
-        for (const QVariant &item : value.toList())
+    if (value.canConvert<QDBusArgument>() &&
+        value.value<QDBusArgument>().currentType() != QDBusArgument::MapType) {
+        for (const QVariant &item : qdbus_cast<QVariantList>(value))
             items.append(describe(item));
-        return QLatin1Char('(') + items.join(QLatin1Char(' ')) + QLatin1Char(')');
+        return u'(' + items.join(u' ') + u')';
     }
-    return ZELKValue::description(value);
+    if (!value.canConvert<QDBusArgument>() && value.metaType() != QMetaType::fromType<QVariantMap>())
+        return ZELKValue::description(value);
+    const QVariantMap map = qdbus_cast<QVariantMap>(value);
+    for (auto item = map.begin(); item != map.end(); ++item)
+        items.append(item.key() + u'=' + describe(item.value()));
+    return u'{' + items.join(u' ') + u'}';
 }
 
 void tell(const QString &line)
@@ -56,39 +51,33 @@ public:
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override
     {
         const QString kind = m_behaviour.first();
-        if (message.member() == QLatin1String("setDefaultsWithDictionary"))
+        if (message.member() == "setDefaultsWithDictionary"_L1)
             tell(describe(message.arguments().constFirst()));
-        else if (kind == QLatin1String("unit"))
-            answerAsManager(message, bus);
-        else if (kind == QLatin1String("text"))
+        else if (kind == "unit"_L1)
+            bus.send(message.createReply(managersAnswer(message)));
+        else if (kind == "text"_L1)
             bus.send(message.createReply(m_behaviour[1]));
-        else if (kind == QLatin1String("number"))
+        else if (kind == "number"_L1)
             bus.send(message.createReply(7));
-        else if (kind == QLatin1String("nothing"))
+        else if (kind == "nothing"_L1)
             bus.send(message.createReply());
-        else if (kind == QLatin1String("error"))
-            bus.send(message.createErrorReply(QDBusError::Failed, QStringLiteral("out of order")));
-        else if (kind == QLatin1String("leave"))
+        else if (kind == "error"_L1)
+            bus.send(message.createErrorReply(QDBusError::Failed, u"out of order"_s));
+        else if (kind == "leave"_L1)
             std::_Exit(0);
         return true;
     }
 
 private:
-    void answerAsManager(const QDBusMessage &message, const QDBusConnection &bus) const
+    QVariant managersAnswer(const QDBusMessage &message) const
     {
-        const QString known = QStringLiteral("/unit/known");
-        if (message.member() == QLatin1String("LoadUnit")) {
+        if (message.member() == "LoadUnit"_L1) {
             const bool isKnown = message.arguments() == QVariantList{m_behaviour[1]};
-            bus.send(message.createReply(
-                QVariant::fromValue(QDBusObjectPath(isKnown ? known : QStringLiteral("/unit/other")))));
-            return;
+            return QVariant::fromValue(QDBusObjectPath(isKnown ? u"/unit/known"_s : u"/unit/other"_s));
         }
-        QVariantMap unit{{QStringLiteral("LoadState"), QStringLiteral("not-found")},
-                         {QStringLiteral("ActiveState"), QStringLiteral("inactive")}};
-        if (message.path() == known)
-            unit = {{QStringLiteral("LoadState"), m_behaviour[2]},
-                    {QStringLiteral("ActiveState"), m_behaviour[3]}};
-        bus.send(message.createReply(unit));
+        const bool isKnown = message.path() == "/unit/known"_L1;
+        return QVariantMap{{u"LoadState"_s, isKnown ? m_behaviour[2] : u"not-found"_s},
+                           {u"ActiveState"_s, isKnown ? m_behaviour[3] : u"inactive"_s}};
     }
 
     QStringList m_behaviour;
@@ -98,9 +87,8 @@ private:
 
 BusPeer::BusPeer(const QStringList &description)
 {
-    m_process.start(QCoreApplication::applicationFilePath(),
-                    QStringList{QStringLiteral("--peer")} + description);
-    if (nextLine() != QLatin1String("ready"))
+    m_process.start(QCoreApplication::applicationFilePath(), QStringList{u"--peer"_s} + description);
+    if (nextLine() != "ready"_L1)
         qFatal("The peer did not come up");
 }
 
@@ -119,12 +107,12 @@ QString BusPeer::nextLine()
 
 int runBusPeer(const QStringList &description)
 {
-    QDBusConnection bus = description[0] == QLatin1String("system") ? QDBusConnection::systemBus()
-                                                                    : QDBusConnection::sessionBus();
+    QDBusConnection bus =
+        description[0] == "system"_L1 ? QDBusConnection::systemBus() : QDBusConnection::sessionBus();
     Peer peer(description.mid(2));
-    if (!bus.registerVirtualObject(QStringLiteral("/"), &peer, QDBusConnection::SubPath) ||
+    if (!bus.registerVirtualObject(u"/"_s, &peer, QDBusConnection::SubPath) ||
         !bus.registerService(description[1]))
         return 1;
-    tell(QStringLiteral("ready"));
+    tell(u"ready"_s);
     return QCoreApplication::exec();
 }
