@@ -20,20 +20,21 @@ QString ownerOf(const QDBusConnection &bus, const QString &name)
 } // namespace
 
 ZELKAgentEventService::ZELKAgentEventService(const QDBusConnection &bus, const QString &agentName,
-                                             const QString &owner)
+                                             const QString &owner, int limit)
     : m_bus(bus)
     , m_agentName(agentName)
     , m_owner(owner)
+    , m_limit(limit)
 {
 }
 
 std::unique_ptr<ZELKAgentEventService> ZELKAgentEventService::lookUp(const QDBusConnection &bus,
-                                                                     const QString &agentName)
+                                                                     const QString &agentName, int limit)
 {
     const QString owner = ownerOf(bus, agentName);
     if (owner.isEmpty())
         return nullptr;
-    return std::unique_ptr<ZELKAgentEventService>(new ZELKAgentEventService(bus, agentName, owner));
+    return std::unique_ptr<ZELKAgentEventService>(new ZELKAgentEventService(bus, agentName, owner, limit));
 }
 
 bool ZELKAgentEventService::isValid() const
@@ -58,8 +59,7 @@ void ZELKAgentEventService::sortedEventsFromDate(ZELKDate from, ZELKDate to, con
                                                        QStringLiteral("sortedEventsFromDate"));
     call.setAutoStartService(false);
     call << from.timeIntervalSinceReferenceDate() << to.timeIntervalSinceReferenceDate();
-    auto *watcher =
-        new QDBusPendingCallWatcher(m_bus.asyncCall(call, ZELKServiceNames::callTimeoutMilliseconds), this);
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call, m_limit), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [answer](QDBusPendingCallWatcher *finished) {
         finished->deleteLater();
         zelkGuard([&] { deliver(*finished, answer); });

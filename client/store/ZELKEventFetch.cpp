@@ -1,7 +1,6 @@
 #include "ZELKEventFetch.h"
 
 #include "ZELKAssertion.h"
-#include "ZELKServiceNames.h"
 
 #include <array>
 #include <cerrno>
@@ -17,7 +16,8 @@ constexpr std::size_t pieceSize = std::size_t(64) << 10;
 
 } // namespace
 
-ZELKEventFetch::ZELKEventFetch(const QDBusUnixFileDescriptor &descriptor, Take take, QObject *parent)
+ZELKEventFetch::ZELKEventFetch(const QDBusUnixFileDescriptor &descriptor, Take take, int limit,
+                               QObject *parent)
     : QObject(parent)
     , m_descriptor(descriptor)
     , m_take(std::move(take))
@@ -27,7 +27,7 @@ ZELKEventFetch::ZELKEventFetch(const QDBusUnixFileDescriptor &descriptor, Take t
     const int flags = fcntl(m_descriptor.fileDescriptor(), F_GETFL);
     fcntl(m_descriptor.fileDescriptor(), F_SETFL, flags | O_NONBLOCK);
     m_silence.setSingleShot(true);
-    m_silence.setInterval(ZELKServiceNames::callTimeoutMilliseconds);
+    m_silence.setInterval(limit);
     m_silence.start();
     connect(&m_notifier, &QSocketNotifier::activated, this, [this] { zelkGuard([this] { readSome(); }); });
     connect(&m_silence, &QTimer::timeout, this,

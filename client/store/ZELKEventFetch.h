@@ -11,7 +11,7 @@
 #include <string_view>
 
 /// One event stream being read from a descriptor, in pieces between which the event loop runs. A writer that
-/// stays silent for the time limit of a call has failed.
+/// stays silent for the time limit has failed.
 class ZELKEventFetch : public QObject
 {
     Q_OBJECT
@@ -21,7 +21,9 @@ public:
     /// failed.
     using Take = std::function<bool(std::string_view event)>;
 
-    ZELKEventFetch(const QDBusUnixFileDescriptor &descriptor, Take take, QObject *parent = nullptr);
+    /// The limit, in milliseconds, is for the silence before and between the pieces, not for the whole.
+    ZELKEventFetch(const QDBusUnixFileDescriptor &descriptor, Take take, int limit,
+                   QObject *parent = nullptr);
 
 Q_SIGNALS:
     /// Once: the stream was whole, or why not.

@@ -29,6 +29,7 @@ ZELKLWCStore::ZELKLWCStore(const World &world, QObject *parent)
     : QObject(parent)
     , ZELKLWCStoreCache(world.bundle, world.sqlite, world.databaseFile)
     , m_bus(world.bus)
+    , m_agentLimit(world.agentLimit)
 {
     registerUpdateConnection();
     if (!m_updateConnection)
@@ -110,7 +111,7 @@ ZELKAgentEventService *ZELKLWCStore::agentConnection()
         return m_agentConnection.get();
     if (!m_fetch)
         m_fetching = false; // a request that waits goes with its connection
-    m_agentConnection = ZELKAgentEventService::lookUp(m_bus, m_agentController->agentName());
+    m_agentConnection = ZELKAgentEventService::lookUp(m_bus, m_agentController->agentName(), m_agentLimit);
     return m_agentConnection.get();
 }
 
@@ -178,7 +179,7 @@ void ZELKLWCStore::beginReading(const QDBusUnixFileDescriptor &events)
 {
     m_fetched.clear();
     m_fetch = std::make_unique<ZELKEventFetch>(
-        events, [this](std::string_view event) { return takeFetchedEvent(event); });
+        events, [this](std::string_view event) { return takeFetchedEvent(event); }, m_agentLimit);
     connect(m_fetch.get(), &ZELKEventFetch::finished, this,
             [this](bool complete, const QString &error) { zelkGuard([&] { endReading(complete, error); }); });
 }

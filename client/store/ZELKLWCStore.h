@@ -3,6 +3,7 @@
 #include "ZELKDate.h"
 #include "ZELKLWCStoreCache.h"
 #include "ZELKRawEvent.h"
+#include "ZELKServiceNames.h"
 
 #include <QDBusConnection>
 #include <QDBusUnixFileDescriptor>
@@ -38,6 +39,9 @@ public:
         QDBusConnection bus;
         /// The cache's file; empty for the one in the user's documents folder.
         QString databaseFile = {};
+        /// Milliseconds for the agent's answer, and for each silence in its stream, after which it has
+        /// failed. Less than usual only where a test waits for it.
+        int agentLimit = ZELKServiceNames::callTimeoutMilliseconds;
     };
 
     /// Serves the call-back on the bus. When the name is taken there (another copy of the application) there
@@ -97,6 +101,7 @@ private:
     void endFetch(bool complete);
 
     QDBusConnection m_bus;
+    int m_agentLimit;
     ZELKAgentController *m_agentController = nullptr;
     ZELKLWCLog *m_logController = nullptr;
     std::unique_ptr<ZELKAgentEventService> m_agentConnection;

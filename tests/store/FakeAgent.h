@@ -7,6 +7,8 @@
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 
+using namespace Qt::StringLiterals;
+
 inline QByteArray streamOf(const QList<QByteArray> &events)
 {
     QByteArray bytes = ZELKEventStream::begin();
@@ -30,10 +32,10 @@ public:
     using Answer = std::function<void(const QDBusMessage &call)>;
 
     FakeAgent()
-        : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("agent")))
+        : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"agent"_s))
     {
         m_bus.registerObject(ZELKServiceNames::eventServicePath(), this, QDBusConnection::ExportAllSlots);
-        m_bus.registerService(QStringLiteral("org.zelk.lullwatch.agent"));
+        m_bus.registerService(u"org.zelk.lullwatch.agent"_s);
     }
     ~FakeAgent() override { vanish(); }
 
@@ -41,7 +43,7 @@ public:
     {
         qDeleteAll(findChildren<FakeStream *>());
         m_bus.unregisterObject(ZELKServiceNames::eventServicePath());
-        QDBusConnection::disconnectFromBus(QStringLiteral("agent"));
+        QDBusConnection::disconnectFromBus(u"agent"_s);
     }
     /// Answers a call with these bytes, through a pipe.
     void give(const QDBusMessage &call, const QByteArray &bytes, bool staysOpen = false)

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "ConsoleLines.h"
 #include "FakeAgentLookup.h"
 #include "FakeServiceManagement.h"
 #include "FakeWorkspace.h"
+#include "Files.h"
 #include "OtherConnection.h"
+#include "Raised.h"
+#include "Rows.h"
 #include "StoreHistory.h"
 #include "ZELKAgentController.h"
 #include "ZELKEnvironment.h"
@@ -14,24 +18,19 @@
 #include "ZELKServiceNames.h"
 #include "ZELKUserDefaults.h"
 
-#include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
+
+using namespace Qt::StringLiterals;
 
 /// The application's own configuration, less the waiting for the disk and for locks.
 inline std::shared_ptr<const ZELKBundle> storeBundle(const QString &folder, int busyMilliseconds = 200)
 {
-    QFile source(QStringLiteral(ZELK_INFO_PLIST));
-    QByteArray bytes = source.open(QIODevice::ReadOnly) ? source.readAll() : QByteArray();
+    QByteArray bytes = readFile(QStringLiteral(ZELK_INFO_PLIST));
     bytes.replace("synchronous = FULL", "synchronous = OFF");
     bytes.replace("busy_timeout = 2000", "busy_timeout = " + QByteArray::number(busyMilliseconds));
-    QFile copy(folder + QStringLiteral("/Info.plist"));
-    if (copy.open(QIODevice::WriteOnly))
-        copy.write(bytes);
-    copy.close();
+    writeFile(folder + u"/Info.plist"_s, bytes);
     return std::make_shared<ZELKBundle>(folder);
 }
 
@@ -52,15 +51,17 @@ struct StoreFixture
     ZELKLWCDateRangeController range;
     ZELKLWCLog log;
     QDBusConnection bus;
+    int agentLimit = ZELKServiceNames::callTimeoutMilliseconds;
     std::shared_ptr<ZELKFailingSQLitePort> port = std::make_shared<ZELKFailingSQLitePort>();
+    std::shared_ptr<ZELKSQLitePort> sqlite = port; ///< what a store that is made gets
     std::unique_ptr<ZELKLWCStore> store;
 
-    explicit StoreFixture(const QDBusConnection &aBus = QDBusConnection(QStringLiteral("none")),
+    explicit StoreFixture(const QDBusConnection &aBus = QDBusConnection(u"none"_s),
                           int busyMilliseconds = 200)
         : bundle(storeBundle(folder.path(), busyMilliseconds))
         , scope(environment())
         , controller({jobs, workspace, lookup})
-        , defaults(folder.filePath(QStringLiteral("defaults.ini")))
+        , defaults(folder.filePath(u"defaults.ini"_s))
         , range(defaults)
         , bus(aBus)
     {
@@ -74,12 +75,18 @@ struct StoreFixture
     /// The bus that the store of a test meets its agent on.
     static QDBusConnection sessionBus()
     {
-        return QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("store"));
+        return QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"store"_s);
     }
-    QString file() const { return folder.filePath(QStringLiteral("cache.lullwatch-events")); }
+    QString file() const { return folder.filePath(u"cache.lullwatch-events"_s); }
     std::unique_ptr<ZELKLWCStore> bareStore() const
     {
-        return std::make_unique<ZELKLWCStore>(ZELKLWCStore::World{bundle, port, bus, file()});
+        return std::make_unique<ZELKLWCStore>(ZELKLWCStore::World{bundle, sqlite, bus, file(), agentLimit});
+    }
+    /// One that is told of agent and log, in the place of the one before.
+    void renewStore()
+    {
+        store.reset();
+        store = makeStore();
     }
     std::unique_ptr<ZELKLWCStore> makeStore()
     {
@@ -91,9 +98,9 @@ struct StoreFixture
     }
     void setInstalled(bool installed)
     {
-        workspace->instances[QStringLiteral("org.zelk.lullwatch.agent")] = installed ? 1 : 0;
-        lookup->serviceName = installed ? QStringLiteral("org.zelk.lullwatch.agent._service") : QString();
-        lookup->version = QStringLiteral("1");
+        workspace->instances[u"org.zelk.lullwatch.agent"_s] = installed ? 1 : 0;
+        lookup->serviceName = installed ? u"org.zelk.lullwatch.agent._service"_s : QString();
+        lookup->version = u"1"_s;
         controller.updateState();
     }
     /// Runs a fetch as a timer would, to its end. True when it was complete.
@@ -114,8 +121,8 @@ struct StoreFixture
     QStringList filesAside() const
     {
         return QDir(folder.path())
-            .entryList({QStringLiteral("*.damaged-*")}, QDir::Files, QDir::Name)
-            .filter(QRegularExpression(QStringLiteral("-[0-9]+$")));
+            .entryList({u"*.damaged-*"_s}, QDir::Files, QDir::Name)
+            .filter(QRegularExpression(u"-[0-9]+$"_s));
     }
 
 private:

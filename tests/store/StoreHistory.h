@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ZELKAssertion.h"
 #include "ZELKEventVocabulary.h"
 #include "ZELKLWCLog.h"
 #include "ZELKPropertyList.h"
@@ -8,55 +7,25 @@
 
 #include <QRandomGenerator>
 
-/// The console's lines while it lives.
-class Console
-{
-public:
-    Console()
-        : m_before(qInstallMessageHandler(
-              [](QtMsgType, const QMessageLogContext &, const QString &line) { kept().append(line); }))
-    {
-        kept().clear();
-    }
-    ~Console() { qInstallMessageHandler(m_before); }
-
-    QStringList lines() const { return kept(); }
-    int count(const char *part) const
-    {
-        return int(kept().filter(QString::fromUtf8(part), Qt::CaseSensitive).size());
-    }
-    void clear() { kept().clear(); }
-
-private:
-    static QStringList &kept()
-    {
-        static QStringList lines;
-        return lines;
-    }
-    QtMessageHandler m_before;
-};
-
-/// The message that `action` raises; empty when it raises none.
-template <typename Action>
-QString raised(const Action &action)
-{
-    try {
-        action();
-    } catch (const ZELKAssertionFailure &failure) {
-        return failure.message();
-    }
-    return {};
-}
+using namespace Qt::StringLiterals;
 
 inline QByteArray bytesOf(const ZELKRawEvent &event)
 {
     return ZELKPropertyList::writeBinary(QVariant::fromValue(event)).bytes;
 }
 
-/// A history as a computer might have had it: bursts within a second, equal dates, long gaps. No event twice.
-inline QList<ZELKRawEvent> history(int count, quint32 seed = 7)
+inline QList<QByteArray> serialised(const QList<ZELKRawEvent> &events)
 {
-    QRandomGenerator random(seed);
+    QList<QByteArray> bytes;
+    for (const ZELKRawEvent &event : events)
+        bytes.append(bytesOf(event));
+    return bytes;
+}
+
+/// A history as a computer might have had it: bursts within a second, equal dates, long gaps. No event twice.
+inline QList<ZELKRawEvent> history(int count)
+{
+    QRandomGenerator random(7);
     double seconds = 700'000'000.0;
     QList<ZELKRawEvent> events;
     while (events.size() < count) {
@@ -68,7 +37,7 @@ inline QList<ZELKRawEvent> history(int count, quint32 seed = 7)
         const QLatin1String name = names[random.bounded(5)];
         QString properties = ZELKEventNoProperties;
         if (name == ZELKEventPowerStateChanged)
-            properties = ZELKPropertiesText({{ZELKPropertyName, QStringLiteral("BAT\u00e9")},
+            properties = ZELKPropertiesText({{ZELKPropertyName, u"BAT\u00e9"_s},
                                              {ZELKPropertyIsPresent, true},
                                              {ZELKPropertyCurrentCapacity, qlonglong(random.bounded(100))},
                                              {ZELKPropertyMaxCapacity, 100LL},
@@ -100,12 +69,4 @@ inline QStringList dumpOf(const QList<ZELKRawEvent> &events)
     ZELKLWCLog log;
     log.addExternalEntries(events);
     return dump(log);
-}
-
-inline QList<QByteArray> serialised(const QList<ZELKRawEvent> &events)
-{
-    QList<QByteArray> bytes;
-    for (const ZELKRawEvent &event : events)
-        bytes.append(bytesOf(event));
-    return bytes;
 }

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+using namespace Qt::StringLiterals;
+
 /// usage: store_event_writer BUNDLE-FOLDER CACHE-FILE TOTAL PIECE
 ///
 /// Caches the events of a history from where the cache ends, a piece in each transaction, and writes a line
@@ -15,7 +17,7 @@ int main(int argc, char **argv)
     const QList<ZELKRawEvent> events = history(arguments[3].toInt());
     const qsizetype piece = arguments[4].toInt();
     ZELKLWCStore store({std::make_shared<ZELKBundle>(arguments[1]), std::make_shared<ZELKSQLitePort>(),
-                        QDBusConnection(QStringLiteral("none")), arguments[2]});
+                        QDBusConnection(u"none"_s), arguments[2]});
     qsizetype done = store.sortedCachedEventsFromDate(std::nullopt, std::nullopt).size();
     for (; done < events.size(); done += piece) {
         if (!store.cacheEvents(events.mid(done, piece)))

@@ -26,20 +26,16 @@ private:
 };
 
 /// Opens what is there for reading alone.
-class ReadOnlyPort : public ZELKFailingSQLitePort
+class ReadOnlyPort : public ZELKSQLitePort
 {
 public:
-    bool isReadOnly = true;
-
     int open(const char *path, sqlite3 **database) override
     {
-        if (!isReadOnly)
-            return ZELKFailingSQLitePort::open(path, database);
         return sqlite3_open_v2(path, database, SQLITE_OPEN_READONLY, nullptr);
     }
-    int close(sqlite3 *database) override { return ZELKFailingSQLitePort::close(database); }
-    void free(void *memory) override { ZELKFailingSQLitePort::free(memory); }
 };
+
+constexpr const char *lockedLine = "ZELKLWCStore SQL 'BEGIN IMMEDIATE' failed: database is locked (5)";
 
 } // namespace
 
@@ -49,44 +45,35 @@ class StoreFailuresTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        m_agent = std::make_unique<FakeAgent>();
-        m_agent->events = history(8);
-    }
+    void initTestCase() { m_agent = std::make_unique<FakeAgent>(); }
+    void init() { m_agent->events = history(8); }
     void cleanupTestCase() { m_agent.reset(); }
 
     void everyCallMayFail_data()
     {
-        QTest::addColumn<int>("code");
-        QTest::addColumn<Call>("call");
-        QTest::addColumn<int>("times");
-        QTest::addColumn<bool>("fetches");
-        const auto add = [](const char *name, int code, Call call, int times) {
-            QTest::addRow("fetch, code %d, %s", code, name) << code << call << times << true;
-            QTest::addRow("cacheEvents, code %d, %s", code, name) << code << call << times << false;
+        const Rows<int, Call, int, bool> row;
+        const auto add = [&](int code, Call call, const char *name, int times) {
+            row(qPrintable(ZELKFormat("fetch, code %d, %s", {code, name})), code, call, times, true);
+            row(qPrintable(ZELKFormat("cacheEvents, code %d, %s", {code, name})), code, call, times, false);
         };
         for (const int code : {SQLITE_FULL, SQLITE_IOERR, SQLITE_READONLY, SQLITE_CORRUPT, SQLITE_NOMEM,
                                SQLITE_BUSY, SQLITE_NOTADB})
-            add("once", code, Call::Any, 1);
+            add(code, Call::Any, "once", 1);
         for (const int code : {SQLITE_FULL, SQLITE_IOERR, SQLITE_CORRUPT}) {
-            add("scripts from then on", code, Call::Exec, 1000);
-            add("preparing from then on", code, Call::Prepare, 1000);
-            add("steps from then on", code, Call::Step, 1000);
+            add(code, Call::Exec, "scripts from then on", 1000);
+            add(code, Call::Prepare, "preparing from then on", 1000);
+            add(code, Call::Step, "steps from then on", 1000);
         }
     }
     /// Whichever call it is: with the device healthy again, one fetch makes cache and log complete.
     void everyCallMayFail()
     {
-        QFETCH(int, code);
-        QFETCH(Call, call);
-        QFETCH(int, times);
-        QFETCH(bool, fetches);
+        const auto [code, call, times, fetches] = Rows<int, Call, int, bool>::fetch();
         const QStringList complete = dumpOf(m_agent->events);
         bool reached = true;
         const int stride = times > 1 || code == SQLITE_IOERR ? 1 : 4;
         for (int nth = 1; reached; nth += stride) {
-            const Console console;
+            const ConsoleLines console;
             StoreFixture fixture(StoreFixture::sessionBus());
             fixture.port->fail(call, code, nth, times);
             zelkGuard([&] { fixture.store->syncWithLocalCache(); });
@@ -96,7 +83,7 @@ private Q_SLOTS:
                 zelkGuard([&] { fixture.store->cacheEvents(m_agent->events); });
             reached = fixture.port->count(call) >= nth;
             fixture.port->heal();
-            const QString context = ZELKFormat("call %d\n", {nth}) + console.lines().join(QLatin1Char('\n'));
+            const QString context = ZELKFormat("call %d\n", {nth}) + console.lines().join(u'\n');
             QVERIFY2(!fixture.store->isFetching(), qPrintable(context));
             fixture.clock->advance(10.0);
             QVERIFY2(fixture.fetch(), qPrintable(context));
@@ -112,7 +99,7 @@ private Q_SLOTS:
     void aReadingGoesOnWhereItFailed()
     {
         for (int rows = 1; rows <= 8; ++rows) {
-            const Console console;
+            const ConsoleLines console;
             StoreFixture fixture(StoreFixture::sessionBus());
             QVERIFY(fixture.store->cacheEvents(m_agent->events));
             fixture.port->fail(Call::Step, SQLITE_IOERR, rows);
@@ -125,69 +112,65 @@ private Q_SLOTS:
 
     void aLockedCache_data()
     {
-        QTest::addColumn<int>("events");
-        QTest::addColumn<QByteArray>("lock");
-        QTest::newRow("one transaction") << 8 << QByteArray("BEGIN EXCLUSIVE");
-        QTest::newRow("several transactions") << 20'005 << QByteArray("BEGIN IMMEDIATE");
+        const Rows<int, QByteArray, int> row;
+        row("one transaction", 8, "BEGIN EXCLUSIVE", 200);
+        row("several transactions", 20'005, "BEGIN IMMEDIATE", 2000);
     }
     /// The window stands still no longer than the busy timeout, and the next fetch brings what is missing.
     void aLockedCache()
     {
-        QFETCH(int, events);
-        QFETCH(QByteArray, lock);
-        const Console console;
+        const auto [events, lock, timeout] = Rows<int, QByteArray, int>::fetch();
+        const ConsoleLines console;
         m_agent->events = history(events);
-        StoreFixture fixture(StoreFixture::sessionBus(), 2000);
+        StoreFixture fixture(StoreFixture::sessionBus(), timeout);
         QCOMPARE(fixture.store->lastSyncDate(), ZELKDate::distantPast());
         OtherConnection other(fixture.file());
         other.run(lock.constData());
         Heartbeat heartbeat;
         QVERIFY(!fixture.fetch());
-        QVERIFY(heartbeat.longest() >= 1900);
-        QVERIFY(heartbeat.longest() < 3500);
-        QCOMPARE(console.count("ZELKLWCStore SQL 'BEGIN IMMEDIATE' failed: database is locked (5)"), 1);
+        QVERIFY(heartbeat.longest() >= timeout * 9 / 10);
+        QVERIFY(heartbeat.longest() < timeout + 1500);
+        QCOMPARE(console.count(lockedLine), 1);
         QCOMPARE(fixture.log.count(), 0);
         other.run("COMMIT");
         QCOMPARE(fixture.store->lastSyncDate(), ZELKDate::distantPast());
         QVERIFY(fixture.fetch());
         QCOMPARE(dump(fixture.log), dumpOf(m_agent->events));
-        m_agent->events = history(8);
     }
 
     /// Single writes give up in time too.
     void aLockedCacheAndSingleWrites()
     {
-        const Console console;
+        const ConsoleLines console;
         StoreFixture fixture(StoreFixture::sessionBus());
         QVERIFY(fixture.fetch());
         OtherConnection other(fixture.file());
         other.run("BEGIN IMMEDIATE");
         QVERIFY(!fixture.store->cacheEvent(history(9).last()));
-        fixture.store->addEntryForMonitor(QStringLiteral("x"), QStringLiteral("m"), fixture.clock->now());
-        QCOMPARE(fixture.log.pastEntry()->event(), QStringLiteral("x"));
+        fixture.store->addEntryForMonitor(u"x"_s, u"m"_s, fixture.clock->now());
+        QCOMPARE(fixture.log.pastEntry()->event(), u"x"_s);
         fixture.store.reset();
-        QCOMPARE(console.count("ZELKLWCStore SQL 'BEGIN IMMEDIATE' failed: database is locked (5)"), 3);
+        QCOMPARE(console.count(lockedLine), 3);
         other.run("COMMIT");
         QCOMPARE(other.cached().size(), 8);
     }
 
     void aReadOnlyCache()
     {
-        const Console console;
+        const ConsoleLines console;
         StoreFixture fixture(StoreFixture::sessionBus());
         QVERIFY(fixture.store->cacheEvents(history(4)));
         fixture.store->applicationWillTerminate();
-        const auto port = std::make_shared<ReadOnlyPort>();
-        fixture.port = port;
-        fixture.store = fixture.makeStore();
+        fixture.sqlite = std::make_shared<ReadOnlyPort>();
+        fixture.renewStore();
         fixture.store->syncWithLocalCache();
         QCOMPARE(dump(fixture.log), dumpOf(history(4)));
         QVERIFY(!fixture.fetch());
         QCOMPARE(console.count("failed: attempt to write a readonly database (8)"), 1);
         QVERIFY(fixture.filesAside().isEmpty());
         fixture.store->applicationWillTerminate();
-        port->isReadOnly = false;
-        fixture.store = fixture.makeStore();
+        fixture.sqlite = fixture.port;
+        fixture.renewStore();
         QVERIFY(fixture.fetch());
         QCOMPARE(fixture.other().cached(), serialised(m_agent->events));
     }

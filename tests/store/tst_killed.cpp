@@ -19,8 +19,7 @@ private Q_SLOTS:
         fixture.store->applicationWillTerminate();
         QRandomGenerator random(17);
         qsizetype kept = 0;
-        int kills = 0;
-        while (kills < 25 && kept < total / 2) {
+        for (int kills = 0; kills < 25 && kept < total / 2; ++kills) {
             QProcess writer;
             writer.start(QStringLiteral(EVENT_WRITER), {fixture.folder.path(), fixture.file(),
                                                         QString::number(total), QString::number(piece)});
@@ -34,7 +33,6 @@ private Q_SLOTS:
             writer.kill();
             QVERIFY(writer.waitForFinished());
             QCOMPARE(writer.exitStatus(), QProcess::CrashExit);
-            ++kills;
 
             OtherConnection other(fixture.file());
             const QList<QByteArray> found = other.cached();
@@ -48,7 +46,7 @@ private Q_SLOTS:
 
         FakeAgent agent;
         agent.events = events;
-        fixture.store = fixture.makeStore();
+        fixture.renewStore();
         fixture.store->syncWithLocalCache();
         QVERIFY(fixture.log.count() > 0);
         QVERIFY(fixture.fetch());

@@ -1,11 +1,14 @@
 #include "FakeAgent.h"
+#include "Rows.h"
 
 #include <QDBusConnectionInterface>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const QString agentName = QStringLiteral("org.zelk.lullwatch.agent");
-const QString storeName = QStringLiteral("org.zelk.lullwatch._store");
+const QString agentName = u"org.zelk.lullwatch.agent"_s;
+const QString storeName = u"org.zelk.lullwatch._store"_s;
 
 /// Notes the scripts that run and the settings that are written.
 class RecordingPort : public ZELKFailingSQLitePort
@@ -16,14 +19,14 @@ public:
     int exec(sqlite3 *database, const char *sql, char **error) override
     {
         const QString text = QString::fromUtf8(sql);
-        if (text == QLatin1String("COMMIT"))
-            story.append(QString::number(std::exchange(m_rows, 0)) + QStringLiteral(" rows"));
+        if (text == "COMMIT"_L1)
+            story.append(QString::number(std::exchange(m_rows, 0)) + u" rows"_s);
         return ZELKFailingSQLitePort::exec(database, sql, error);
     }
     int bindText(sqlite3_stmt *statement, int index, const char *text) override
     {
         if (qstrcmp(text, "lastSync") == 0 && qstrncmp(sqlite3_sql(statement), "INSERT", 6) == 0)
-            story.append(QStringLiteral("lastSync"));
+            story.append(u"lastSync"_s);
         return ZELKFailingSQLitePort::bindText(statement, index, text);
     }
     int bindBlob(sqlite3_stmt *statement, int index, const void *bytes, int size) override
@@ -46,7 +49,7 @@ class StoreSynchronisationTest : public QObject
 private Q_SLOTS:
     void theFirstFetchAndTheNext()
     {
-        const Console console;
+        const ConsoleLines console;
         FakeAgent agent;
         agent.events = history(50);
         StoreFixture fixture(StoreFixture::sessionBus());
@@ -74,13 +77,13 @@ private Q_SLOTS:
         QCOMPARE(agent.registrations.size(), 2);
         QCOMPARE(fixture.store->lastSyncDate(), ZELKDate(now)); // nothing came
 
-        agent.events.append(ZELKMakeRawEvent(ZELKDate(now + 150.0), QStringLiteral("x"), storeName));
+        agent.events.append(ZELKMakeRawEvent(ZELKDate(now + 150.0), u"x"_s, storeName));
         fixture.clock->advance(100.0);
         QVERIFY(fixture.fetch());
         QCOMPARE(agent.questions.last().from, now + 1.0);
         QCOMPARE(fixture.store->lastSyncDate(), ZELKDate(now + 200.0));
         QCOMPARE(console.count("cache provided 1 entries."), 1);
-        QCOMPARE(fixture.log.pastEntry()->event(), QStringLiteral("x"));
+        QCOMPARE(fixture.log.pastEntry()->event(), u"x"_s);
     }
 
     void aLargeFetchIsKeptInPieces()
@@ -89,35 +92,28 @@ private Q_SLOTS:
         agent.events = history(25'000);
         StoreFixture fixture(StoreFixture::sessionBus());
         const auto port = std::make_shared<RecordingPort>();
-        fixture.port = port;
-        fixture.store.reset();
-        fixture.store = fixture.makeStore();
+        fixture.sqlite = port;
+        fixture.renewStore();
         fixture.store->lastSyncDate();
         port->story.clear();
         QVERIFY(fixture.fetch());
-        const QStringList expected{QStringLiteral("10000 rows"), QStringLiteral("10000 rows"),
-                                   QStringLiteral("lastSync"), QStringLiteral("5000 rows")};
+        const QStringList expected{u"10000 rows"_s, u"10000 rows"_s, u"lastSync"_s, u"5000 rows"_s};
         QCOMPARE(port->story, expected);
         QCOMPARE(fixture.other().run("SELECT count(*) FROM events").value(0), QByteArray("25000"));
         QCOMPARE(dump(fixture.log), dumpOf(agent.events));
     }
 
-    void noAgentIsSilent_data()
-    {
-        QTest::addColumn<bool>("installed");
-        QTest::newRow("not installed") << false;
-        QTest::newRow("not running") << true;
-    }
     void noAgentIsSilent()
     {
-        QFETCH(bool, installed);
-        const Console console;
+        const ConsoleLines console;
         StoreFixture fixture(StoreFixture::sessionBus());
-        fixture.setInstalled(installed);
-        const qsizetype before = console.lines().size();
-        QVERIFY(!fixture.fetch());
-        QVERIFY(!fixture.store->isFetching());
-        QCOMPARE(console.lines().size(), before);
+        for (const bool installed : {false, true}) {
+            fixture.setInstalled(installed);
+            const qsizetype before = console.size();
+            QVERIFY(!fixture.fetch());
+            QVERIFY(!fixture.store->isFetching());
+            QCOMPARE(console.size(), before);
+        }
     }
 
     void onlyTheProtocolIsServed()
@@ -130,35 +126,26 @@ private Q_SLOTS:
             return agent.bus().call(call, QDBus::BlockWithGui, 3000);
         };
         constexpr const char *protocol = "org.zelk.lullwatch.ZELKLWAUpdateProtocol";
-        for (const char *method : {"fetchAgentEvents", "sync", "deleteLater", "setLastSyncDate", "objectName",
-                                   "_q_reregisterSlots", "applicationWillTerminate", "registerOn"}) {
+        for (const char *method : {"sync", "deleteLater", "objectName", "_q_reregisterSlots", "registerOn"}) {
             QCOMPARE(tell(protocol, method).type(), QDBusMessage::ErrorMessage);
             QCOMPARE(tell("", method).type(), QDBusMessage::ErrorMessage);
         }
         const QString seen =
             tell("org.freedesktop.DBus.Introspectable", "Introspect").arguments()[0].toString();
-        const QStringList interfaces = seen.split(QStringLiteral("<interface name="));
-        for (const QString &interface : interfaces.mid(1)) {
-            if (interface.startsWith(QLatin1String("\"org.freedesktop.DBus.")))
-                continue;
-            QVERIFY(interface.startsWith(QLatin1String("\"org.zelk.lullwatch.ZELKLWAUpdateProtocol\"")));
-            QCOMPARE(interface.count(QLatin1String("<method ")), 1);
-            QVERIFY(!interface.contains(QLatin1String("<property ")));
-        }
+        const QStringList ours = seen.split(u"<interface name="_s).filter(u"org.zelk"_s);
+        QCOMPARE(ours.size(), 1);
+        QVERIFY(ours[0].startsWith("\"org.zelk.lullwatch.ZELKLWAUpdateProtocol\""_L1));
+        QCOMPARE(ours[0].count("<method "_L1), 1);
+        QVERIFY(!ours[0].contains("<property "_L1));
 
         QCOMPARE(agent.questions.size(), 0);
-        tell(protocol, "eventsDidChange", {QStringLiteral("unasked"), 4});
+        tell(protocol, "eventsDidChange", {u"unasked"_s, 4});
         agent.bus().send(agent.call("org.zelk.lullwatch._store", "/org/zelk/lullwatch/store", protocol,
                                     "eventsDidChange"));
         QTRY_COMPARE(agent.questions.size(), 1);
         QTRY_VERIFY(!fixture.store->isFetching());
-    }
 
-    /// The bus may be quicker than the wiring.
-    void aCallBeforeTheOutletsIsIgnored()
-    {
-        FakeAgent agent;
-        StoreFixture fixture(StoreFixture::sessionBus());
+        // The bus may be quicker than the wiring.
         fixture.store.reset();
         const auto bare = fixture.bareStore();
         zelkGuard([&] { bare->eventsDidChange(); });
@@ -167,13 +154,13 @@ private Q_SLOTS:
 
     void aRequestDuringAFetchIsKept_data()
     {
-        QTest::addColumn<bool>("fails");
-        QTest::newRow("the fetch succeeds") << false;
-        QTest::newRow("the fetch fails") << true;
+        const Rows<bool> row;
+        row("the fetch succeeds", false);
+        row("the fetch fails", true);
     }
     void aRequestDuringAFetchIsKept()
     {
-        QFETCH(bool, fails);
+        const auto [fails] = Rows<bool>::fetch();
         FakeAgent agent;
         StoreFixture fixture(StoreFixture::sessionBus());
         QDBusMessage pending;
@@ -186,7 +173,7 @@ private Q_SLOTS:
         QCOMPARE(agent.questions.size(), 1);
         agent.answer = nullptr;
         if (fails)
-            agent.bus().send(pending.createErrorReply(QDBusError::Failed, QStringLiteral("not now")));
+            agent.bus().send(pending.createErrorReply(QDBusError::Failed, u"not now"_s));
         else
             agent.give(pending, streamOf({}));
         QTRY_COMPARE(agent.questions.size(), 2);
@@ -200,8 +187,7 @@ private Q_SLOTS:
         agent.events = history(5);
         StoreFixture first(StoreFixture::sessionBus());
         {
-            StoreFixture second(
-                QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("second")));
+            StoreFixture second(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"second"_s));
             QVERIFY(!second.store->hasUpdateConnection());
             QVERIFY(!second.store->updateTimer().isActive());
             QVERIFY(second.fetch());
@@ -244,26 +230,8 @@ private Q_SLOTS:
         QTRY_VERIFY(agent.questions.size() > questions && !fixture.store->isFetching());
         QCOMPARE(fixture.log.count(), before + 1);
         const auto cached = fixture.store->sortedCachedEventsFromDate(fixture.clock->now(), std::nullopt);
-        QCOMPARE(cached.size(), 1);
-        QCOMPARE(bytesOf(cached[0]),
-                 bytesOf(ZELKMakeRawEvent(fixture.clock->now(), QStringLiteral("Stopping monitor"),
-                                          QStringLiteral("org.zelk.lullwatch"))));
-    }
-
-    void anAgentThatIsUninstalledEndsTheFetch()
-    {
-        FakeAgent agent;
-        agent.answer = [&](const QDBusMessage &call) {
-            agent.give(call, streamOf(serialised(history(9))).left(700), true);
-        };
-        StoreFixture fixture(StoreFixture::sessionBus());
-        QSignalSpy ended(fixture.store.get(), &ZELKLWCStore::fetchFinished);
-        fixture.store->sync();
-        QTRY_COMPARE(agent.questions.size(), 1);
-        fixture.setInstalled(false);
-        QVERIFY(!fixture.awaitFetch(ended));
-        QCOMPARE(fixture.store->lastSyncDate(), ZELKDate::distantPast());
-        QCOMPARE(fixture.log.count(), 0);
+        QCOMPARE(cached, QList{ZELKMakeRawEvent(fixture.clock->now(), u"Stopping monitor"_s,
+                                                u"org.zelk.lullwatch"_s)});
     }
 
     void quittingKeepsTheLastSynchronisation()
@@ -279,29 +247,28 @@ private Q_SLOTS:
         QCOMPARE(fixture.other().lastSync(), QByteArray("760000000.500000"));
         QCOMPARE(fixture.port->connections(), 0);
 
-        fixture.store = fixture.makeStore();
-        fixture.store.reset();
+        fixture.makeStore().reset();
         QCOMPARE(fixture.other().lastSync(), QByteArray());
         QCOMPARE(fixture.other().cached().size(), 5);
     }
 
-    /// Whatever the store is waiting for when it goes.
+    /// Whatever the store is waiting for when it goes, or when the agent is uninstalled.
     void goneInTheMiddle_data()
     {
-        QTest::addColumn<bool>("answered");
-        QTest::addColumn<bool>("terminates");
-        QTest::newRow("call, destroyed") << false << false;
-        QTest::newRow("call, quit") << false << true;
-        QTest::newRow("stream, destroyed") << true << false;
-        QTest::newRow("stream, quit") << true << true;
+        const Rows<bool, int> row;
+        row("call, destroyed", false, 0);
+        row("call, quit", false, 1);
+        row("stream, destroyed", true, 0);
+        row("stream, quit", true, 1);
+        row("stream, uninstalled", true, 2);
     }
     void goneInTheMiddle()
     {
-        QFETCH(bool, answered);
-        QFETCH(bool, terminates);
+        const auto [isAnswered, end] = Rows<bool, int>::fetch();
+        const bool answered = isAnswered;
         FakeAgent agent;
         QDBusMessage pending;
-        const QByteArray stream = streamOf(serialised(history(400)));
+        const QByteArray stream = streamOf(serialised(history(400))).chopped(1);
         agent.answer = [&](const QDBusMessage &call) {
             pending = call;
             if (answered)
@@ -312,8 +279,15 @@ private Q_SLOTS:
         QTRY_COMPARE(agent.questions.size(), 1);
         if (answered)
             QTRY_VERIFY(agent.findChildren<FakeStream *>().size() == 1);
-        if (terminates)
+        if (end == 1)
             fixture.store->applicationWillTerminate();
+        if (end == 2) {
+            QSignalSpy ended(fixture.store.get(), &ZELKLWCStore::fetchFinished);
+            fixture.setInstalled(false);
+            QVERIFY(!fixture.awaitFetch(ended));
+            QCOMPARE(fixture.store->lastSyncDate(), ZELKDate::distantPast());
+            QCOMPARE(fixture.log.count(), 0);
+        }
         fixture.store.reset();
         if (!answered)
             agent.give(pending, stream);
