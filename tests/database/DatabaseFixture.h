@@ -1,14 +1,16 @@
 #pragma once
 
-#include "ZELKAssertion.h"
+#include "Files.h"
+#include "Raised.h"
+#include "Rows.h"
 #include "ZELKBundle.h"
 #include "ZELKDatabaseController.h"
 #include "ZELKFailingSQLitePort.h"
 #include "ZELKPropertyList.h"
 
-#include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
+
+using namespace Qt::StringLiterals;
 
 /// A controller that notes its hooks and can hide its SQL.
 class HookedController : public ZELKDatabaseController
@@ -17,19 +19,19 @@ public:
     using ZELKDatabaseController::ZELKDatabaseController;
     ~HookedController() override { closeDatabase(); }
 
-    QString className() const override { return QStringLiteral("Hooked"); }
+    QString className() const override { return u"Hooked"_s; }
     std::optional<QString> SQLForKey(const QString &key) override
     {
         return hideSQL ? std::nullopt : ZELKDatabaseController::SQLForKey(key);
     }
-    void databaseWillOpen(const QString &path) override { note(QStringLiteral("willOpen ") + path); }
+    void databaseWillOpen(const QString &path) override { note(u"willOpen "_s + path); }
     void databaseDidOpen() override
     {
-        note(QStringLiteral("didOpen"));
+        note(u"didOpen"_s);
         if (!openScript.isEmpty())
             executeStatements(openScript);
     }
-    void databaseWillClose() override { note(QStringLiteral("willClose")); }
+    void databaseWillClose() override { note(u"willClose"_s); }
     void note(const QString &hook)
     {
         if (hooks)
@@ -53,34 +55,24 @@ struct DatabaseFixture
 
     DatabaseFixture()
     {
-        QFile file(QStringLiteral(ZELK_INFO_PLIST));
-        const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        info =
-            ZELKPropertyList::read({bytes.constData(), size_t(bytes.size())}).value.value<ZELKDictionary>();
-        const QString create = info.string(QLatin1String("ZELKDatabaseSQLCreate"));
-        info.insert(
-            QLatin1String("ZELKDatabaseSQLCreate"),
-            QString(create).replace(QLatin1String("synchronous = FULL"), QLatin1String("synchronous = OFF")));
-        set("CFBundleVersion", "1.2");
-        set("Table", "CREATE TABLE IF NOT EXISTS t (a TEXT UNIQUE, b BLOB)");
-        set("Insert", "INSERT INTO t VALUES (@a, @b)");
-        set("All", "SELECT a, b FROM t ORDER BY a");
-        set("Echo", "SELECT @v AS v, typeof(@v) AS type");
+        const std::string bytes = readFile(QStringLiteral(ZELK_INFO_PLIST)).toStdString();
+        info = ZELKPropertyList::read(bytes).value.value<ZELKDictionary>();
+        QString create = info.string(u"ZELKDatabaseSQLCreate"_s);
+        set("ZELKDatabaseSQLCreate", create.replace("synchronous = FULL"_L1, "synchronous = OFF"_L1));
+        set("CFBundleVersion", u"1.2"_s);
+        set("Table", u"CREATE TABLE IF NOT EXISTS t (a TEXT UNIQUE, b BLOB)"_s);
+        set("Insert", u"INSERT INTO t VALUES (@a, @b)"_s);
+        set("Replace", u"INSERT OR REPLACE INTO t VALUES (@a, @b)"_s);
+        set("All", u"SELECT a, b FROM t ORDER BY a"_s);
+        set("Echo", u"SELECT @v AS v, typeof(@v) AS type"_s);
     }
-    void set(const char *key, const char *value)
-    {
-        info.insert(QLatin1String(key), QString::fromUtf8(value));
-    }
+    void set(const char *key, const QString &value) { info.insert(QLatin1String(key), value); }
+    QString path(const QString &name) const { return folder.filePath(name); }
 
     std::shared_ptr<const ZELKBundle> bundle() const
     {
-        write("Info.plist", ZELKPropertyList::writeXml(QVariant::fromValue(info)).bytes);
+        writeFile(path(u"Info.plist"_s), ZELKPropertyList::writeXml(QVariant::fromValue(info)).bytes);
         return std::make_shared<ZELKBundle>(folder.path());
-    }
-    void write(const char *name, const QByteArray &bytes) const
-    {
-        QFile file(folder.filePath(QLatin1String(name)));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
     }
     template <typename Controller = ZELKDatabaseController>
     std::unique_ptr<Controller> make(const QString &caches = {}) const
@@ -89,24 +81,18 @@ struct DatabaseFixture
     }
 };
 
-inline QString key(const char *name)
-{
-    return QString::fromLatin1(name);
-}
-
-/// The message that `action` raises; empty when it raises none.
-template <typename Action>
-QString raised(const Action &action)
-{
-    try {
-        action();
-    } catch (const ZELKAssertionFailure &failure) {
-        return failure.message();
-    }
-    return {};
-}
-
 inline ZELKDictionary rowAB(const char *a, const QByteArray &b)
 {
-    return {{key("@a"), QString::fromUtf8(a)}, {key("@b"), b}};
+    return {{u"@a"_s, QString::fromUtf8(a)}, {u"@b"_s, b}};
+}
+
+/// Leaves the table with the rows a, b and c, unless the device fails; may be called again.
+inline void fillTable(ZELKDatabaseController &controller, const QByteArray &bytes = "x")
+{
+    controller.executeStatements(u"Table"_s);
+    for (const char *name : {"a", "b", "c"}) {
+        controller.executeStatement(u"Replace"_s, rowAB(name, bytes));
+        if (controller.lastResult().failed())
+            return;
+    }
 }

@@ -1,8 +1,6 @@
 #include "DatabaseFixture.h"
 #include "ZELKDatabaseTransaction.h"
 
-#include <sqlite3.h>
-
 #include <stdexcept>
 
 using End = ZELKDatabaseResult::End;
@@ -15,63 +13,57 @@ class DatabaseControllerTest : public QObject
 private Q_SLOTS:
     void echoes_data()
     {
-        QTest::addColumn<QVariant>("value");
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QVariant>("back");
+        const Rows<QVariant, QString, QVariant> row;
         const QByteArray bytes("\0\xff\x01", 3);
-        QTest::newRow("text") << QVariant(QStringLiteral("Dösen ☾")) << "text"
-                              << QVariant(QStringLiteral("Dösen ☾"));
-        QTest::newRow("text like a number") << QVariant(key("042")) << "text" << QVariant(key("042"));
-        QTest::newRow("text with a NUL")
-            << QVariant(QString::fromLatin1("a\0b", 3)) << "text" << QVariant(key("a"));
-        QTest::newRow("empty text") << QVariant(key("")) << "text" << QVariant(key(""));
-        QTest::newRow("blob") << QVariant(bytes) << "blob" << QVariant(bytes);
-        QTest::newRow("blob without bytes") << QVariant(QByteArray("")) << "blob" << QVariant();
+        row("text", u"Dösen ☾"_s, "text", u"Dösen ☾"_s);
+        row("text like a number", u"042"_s, "text", u"042"_s);
+        row("text with a NUL", u"a\0b"_s, "text", u"a"_s);
+        row("empty text", u""_s, "text", u""_s);
+        row("blob", bytes, "blob", bytes);
+        row("blob without bytes", QByteArray(""), "blob", QVariant());
     }
     void echoes()
     {
-        QFETCH(QVariant, value);
+        const auto [value, type, back] = Rows<QVariant, QString, QVariant>::fetch();
         const DatabaseFixture fixture;
-        const auto rows = fixture.make()->executeStatement(key("Echo"), {{key("@v"), value}});
+        const auto rows = fixture.make()->executeStatement(u"Echo"_s, {{u"@v"_s, value}});
         QCOMPARE(rows->size(), 1);
-        QTEST(rows->first().string(key("type")), "type");
-        QTEST(rows->first().value(key("v")), "back");
+        QCOMPARE(rows->first().string(u"type"_s), type);
+        QCOMPARE(rows->first().value(u"v"_s), back);
     }
 
     void rowsLeaveOutWhatIsNull()
     {
         DatabaseFixture fixture;
-        fixture.set("Kinds", "SELECT 7 AS i, 1.5 AS f, NULL AS n, x'' AS e");
-        fixture.set("Unnamed", "SELECT ? IS NULL AS absent");
+        fixture.set("Kinds", u"SELECT 7 AS i, 1.5 AS f, NULL AS n, x'' AS e"_s);
+        fixture.set("Unnamed", u"SELECT ? IS NULL AS absent"_s);
         const auto controller = fixture.make();
-        QCOMPARE(controller->executeStatement(key("Kinds"), {}),
-                 ZELKDatabaseController::Rows({{{key("i"), key("7")}, {key("f"), key("1.5")}}}));
-        QCOMPARE(controller->executeStatement(key("Unnamed"), {{key("@v"), key("skipped")}})->first(),
-                 ZELKDictionary({{key("absent"), key("1")}}));
-        controller->executeStatements(key("Table"));
-        QVERIFY(!controller->executeStatement(key("All"), {}));
+        QCOMPARE(controller->executeStatement(u"Kinds"_s, {}),
+                 ZELKDatabaseController::Rows({{{u"i"_s, u"7"_s}, {u"f"_s, u"1.5"_s}}}));
+        QCOMPARE(controller->executeStatement(u"Unnamed"_s, {{u"@v"_s, u"skipped"_s}})->first(),
+                 ZELKDictionary({{u"absent"_s, u"1"_s}}));
+        controller->executeStatements(u"Table"_s);
+        QVERIFY(!controller->executeStatement(u"All"_s, {}));
     }
 
     void aStatementIsPreparedOnceAndBoundAnew()
     {
         const DatabaseFixture fixture;
         const auto controller = fixture.make();
-        controller->executeStatements(key("Table"));
+        controller->database();
         const int before = fixture.port->count(DatabaseFixture::Call::Prepare);
-        for (const char *name : {"c", "a", "b"})
-            controller->executeStatement(key("Insert"), rowAB(name, name));
+        fillTable(*controller);
         QCOMPARE(fixture.port->count(DatabaseFixture::Call::Prepare), before + 1);
         QString names;
-        const auto result = controller->forEachRow(key("All"), {}, [&](const ZELKDatabaseRow &row) {
+        const auto result = controller->forEachRow(u"All"_s, {}, [&](const ZELKDatabaseRow &row) {
             using Kind = ZELKDatabaseColumn::Kind;
             const std::string_view text = row.column(0).bytes;
             names += QString::fromUtf8(text.data(), qsizetype(text.size()));
             return row.name(1) == "b" && row.column(0).kind == Kind::Text &&
-                   row.column(1).kind == Kind::Blob && row.column(1).bytes == text;
+                   row.column(1).kind == Kind::Blob && row.column(1).bytes == "x";
         });
-        QCOMPARE(names, key("abc"));
+        QCOMPARE(names, u"abc"_s);
         QCOMPARE(result, (ZELKDatabaseResult{End::Done, SQLITE_DONE}));
-
         controller->setPreparedStatement(controller->preparedStatement());
         QVERIFY(fixture.port->statements() > 0);
         controller->setPreparedStatement({});
@@ -81,16 +73,15 @@ private Q_SLOTS:
     void versionIsThatOfTheCreator()
     {
         DatabaseFixture fixture;
-        QCOMPARE(fixture.make()->databaseVersion(), key("1.2"));
-        QVERIFY(QFile::exists(fixture.folder.filePath(key("org.zelk.lullwatch.db"))));
-        fixture.set("CFBundleVersion", "2.0");
+        QCOMPARE(fixture.make()->databaseVersion(), u"1.2"_s);
+        fixture.set("CFBundleVersion", u"2.0"_s);
         fixture.port->fail(DatabaseFixture::Call::Step, SQLITE_IOERR);
-        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(key("SettingSelect' failed: .* \\(10\\)")));
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(u"SettingSelect' failed: .* \\(10\\)"_s));
         QVERIFY(fixture.make()->database());
-        QCOMPARE(fixture.make()->databaseVersion(), key("1.2"));
+        QCOMPARE(fixture.make()->databaseVersion(), u"1.2"_s);
 
         DatabaseFixture nameless;
-        nameless.info.remove(key("CFBundleVersion"));
+        nameless.info.remove(u"CFBundleVersion"_s);
         QCOMPARE(nameless.make()->databaseVersion(), std::nullopt);
     }
 
@@ -98,30 +89,27 @@ private Q_SLOTS:
     {
         const DatabaseFixture fixture;
         const auto controller = fixture.make();
-        const QString name = key("lastSync");
-        QCOMPARE(controller->stringForSetting(name), std::nullopt);
+        const QString name = u"lastSync"_s;
         controller->setString(std::nullopt, name);
-        QVERIFY(!controller->preparedStatement().contains(key("ZELKDatabaseSQLSettingDelete")));
-        controller->setString(key("1"), name);
-        controller->setString(key("2"), name);
-        QCOMPARE(controller->stringForSetting(name), key("2"));
-        controller->setString(std::nullopt, name);
-        QCOMPARE(controller->stringForSetting(name), std::nullopt);
-        QCOMPARE(controller->databaseVersion(), key("1.2"));
+        QVERIFY(!controller->preparedStatement().contains(u"ZELKDatabaseSQLSettingDelete"_s));
+        for (const std::optional<QString> &value :
+             {std::optional(u"1"_s), std::optional(u"2"_s), std::optional<QString>()}) {
+            controller->setString(value, name);
+            QCOMPARE(controller->stringForSetting(name), value);
+        }
+        QCOMPARE(controller->databaseVersion(), u"1.2"_s);
     }
 
     void sqlComesFromTheResourceFirst()
     {
         DatabaseFixture fixture;
-        fixture.set("Both", "SELECT 'Info.plist' AS a");
-        const ZELKDictionary resource{{key("Both"), key("SELECT 'resource' AS a")}};
-        fixture.write("ZELKDatabaseController.plist",
-                      ZELKPropertyList::writeXml(QVariant::fromValue(resource)).bytes);
+        fixture.set("Both", u"SELECT 'Info.plist' AS a"_s);
+        const ZELKDictionary resource{{u"Both"_s, u"SELECT 'resource' AS a"_s}};
+        writeFile(fixture.path(u"ZELKDatabaseController.plist"_s),
+                  ZELKPropertyList::writeXml(QVariant::fromValue(resource)).bytes);
         const auto controller = fixture.make();
-        QCOMPARE(controller->SQLForKey(key("Both")), key("SELECT 'resource' AS a"));
-        QCOMPARE(controller->SQLForKey(key("Table")), fixture.info.string(key("Table")));
-        controller->setCoreSQLStatements({});
-        QCOMPARE(controller->SQLForKey(key("Both")), key("SELECT 'Info.plist' AS a"));
+        QCOMPARE(controller->SQLForKey(u"Both"_s), u"SELECT 'resource' AS a"_s);
+        QCOMPARE(controller->SQLForKey(u"Table"_s), fixture.info.string(u"Table"_s));
     }
 
     void opensAndClosesInOrder()
@@ -130,17 +118,16 @@ private Q_SLOTS:
         QStringList hooks;
         auto controller = fixture.make<HookedController>();
         controller->hooks = &hooks;
-        QVERIFY(!controller->isOpen());
         sqlite3 *const first = controller->database();
         QCOMPARE(controller->database(), first);
         controller->setDatabase(first);
         controller->setPreparedStatement({});
         controller->setDatabase(nullptr);
         QVERIFY(!controller->isOpen());
-        controller->stringForSetting(key("x"));
+        controller->stringForSetting(u"x"_s);
         controller.reset();
-        const QString willOpen = key("willOpen ") + fixture.folder.filePath(key("org.zelk.lullwatch.db"));
-        const QStringList once{willOpen, key("didOpen"), key("willClose")};
+        const QString willOpen = u"willOpen "_s + fixture.path(u"org.zelk.lullwatch.db"_s);
+        const QStringList once{willOpen, u"didOpen"_s, u"willClose"_s};
         QCOMPARE(hooks, once + once);
         QCOMPARE(fixture.port->connections(), 0);
         QCOMPARE(fixture.port->statements(), 0);
@@ -148,36 +135,42 @@ private Q_SLOTS:
 
     void aRunThatEndsEarlyLetsGoOfItsLock()
     {
-        const DatabaseFixture fixture;
+        DatabaseFixture fixture;
+        // A truncating checkpoint reports busy while any connection still reads.
+        fixture.set("Checkpoint", u"PRAGMA wal_checkpoint(TRUNCATE)"_s);
         const auto reader = fixture.make();
         const auto writer = fixture.make();
-        fill(*writer);
+        const auto writerIsHeldUp = [&] {
+            fillTable(*writer);
+            return writer->executeStatement(u"Checkpoint"_s, {})->first().string(u"busy"_s) != u"0"_s;
+        };
+        fillTable(*writer);
         const ZELKDatabaseResult stopped{End::Stopped, SQLITE_ROW};
-        QCOMPARE(reader->forEachRow(key("All"), {}, [](const ZELKDatabaseRow &) { return false; }), stopped);
-        QVERIFY(!writerIsHeldUp(*writer));
+        QCOMPARE(reader->forEachRow(u"All"_s, {}, [](const ZELKDatabaseRow &) { return false; }), stopped);
+        QVERIFY(!writerIsHeldUp());
         const auto thrower = [](const ZELKDatabaseRow &) -> bool { throw std::runtime_error("handler"); };
-        QVERIFY_THROWS_EXCEPTION(std::runtime_error, reader->forEachRow(key("All"), {}, thrower));
-        QVERIFY(!writerIsHeldUp(*writer));
+        QVERIFY_THROWS_EXCEPTION(std::runtime_error, reader->forEachRow(u"All"_s, {}, thrower));
+        QVERIFY(!writerIsHeldUp());
     }
 
     void theHandlerMayUseTheDatabase()
     {
         const DatabaseFixture fixture;
         const auto controller = fixture.make();
-        fill(*controller);
+        fillTable(*controller);
         QStringList seen;
-        controller->forEachRow(key("All"), {}, [&](const ZELKDatabaseRow &row) {
-            const auto all = controller->executeStatement(key("All"), {});
+        controller->forEachRow(u"All"_s, {}, [&](const ZELKDatabaseRow &row) {
+            const auto all = controller->executeStatement(u"All"_s, {});
             const QString closing = raised([&] {
                 controller->setPreparedStatement({});
                 controller->setDatabase(nullptr);
             });
-            const bool refused = closing.contains(key("close failed"));
-            seen << ZELKFormat("%@ of %d, %d", {row.dictionary().string(key("a")), all->size(), refused});
+            seen << ZELKFormat("%@ of %d, %d", {row.dictionary().string(u"a"_s), all->size(),
+                                                closing.contains(u"close failed"_s)});
             return seen.size() < 10;
         });
-        QCOMPARE(seen, QStringList({key("a of 3, 1"), key("b of 3, 1"), key("c of 3, 1")}));
-        QCOMPARE(controller->executeStatement(key("All"), {})->size(), 3);
+        QCOMPARE(seen, QStringList({u"a of 3, 1"_s, u"b of 3, 1"_s, u"c of 3, 1"_s}));
+        QCOMPARE(controller->executeStatement(u"All"_s, {})->size(), 3);
     }
 
     /// A write under an open read that has become stale can never succeed, and must not spin.
@@ -186,66 +179,48 @@ private Q_SLOTS:
         const DatabaseFixture fixture;
         const auto reader = fixture.make();
         const auto writer = fixture.make();
-        fill(*writer);
-        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(key("'Insert' failed: .* \\(5\\)")));
-        reader->forEachRow(key("All"), {}, [&](const ZELKDatabaseRow &) {
-            writer->executeStatement(key("Insert"), rowAB("from outside", "x"));
-            reader->executeStatement(key("Insert"), rowAB("too late", "x"));
+        fillTable(*writer);
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(u"'Insert' failed: .* \\(5\\)"_s));
+        reader->forEachRow(u"All"_s, {}, [&](const ZELKDatabaseRow &) {
+            writer->executeStatement(u"Insert"_s, rowAB("from outside", "x"));
+            reader->executeStatement(u"Insert"_s, rowAB("too late", "x"));
             return false;
         });
         QVERIFY(!writer->lastResult().failed());
-        QCOMPARE(reader->executeStatement(key("All"), {})->size(), 4);
+        QCOMPARE(reader->executeStatement(u"All"_s, {})->size(), 4);
     }
 
     void transactions()
     {
         DatabaseFixture fixture;
-        const QString create = fixture.info.string(key("ZELKDatabaseSQLCreate"));
-        fixture.set("ZELKDatabaseSQLCreate", qPrintable(QString(create).replace(key("2000"), key("0"))));
+        QString create = fixture.info.string(u"ZELKDatabaseSQLCreate"_s);
+        fixture.set("ZELKDatabaseSQLCreate", create.replace(u"2000"_s, u"0"_s));
         const auto controller = fixture.make();
         const auto other = fixture.make();
-        controller->executeStatements(key("Table"));
+        controller->executeStatements(u"Table"_s);
         const auto begin = [](ZELKDatabaseController &in) {
-            return std::make_unique<ZELKDatabaseTransaction>(in, key("ZELKLWCStoreSQLBegin"),
-                                                             key("ZELKLWCStoreSQLCommit"),
-                                                             key("ZELKLWCStoreSQLRollback"));
+            return std::make_unique<ZELKDatabaseTransaction>(
+                in, u"ZELKLWCStoreSQLBegin"_s, u"ZELKLWCStoreSQLCommit"_s, u"ZELKLWCStoreSQLRollback"_s);
         };
         auto transaction = begin(*controller);
-        controller->executeStatement(key("Insert"), rowAB("kept", "x"));
+        controller->executeStatement(u"Insert"_s, rowAB("kept", "x"));
         other->database();
         QCOMPARE(raised([&] { begin(*other); }),
-                 key("ZELKDatabaseController SQL 'BEGIN IMMEDIATE' failed: database is locked (5)"));
+                 u"ZELKDatabaseController SQL 'BEGIN IMMEDIATE' failed: database is locked (5)"_s);
         transaction->commit();
         QVERIFY(!controller->isInTransaction());
 
         transaction = begin(*controller);
-        controller->executeStatement(key("Insert"), rowAB("undone", "x"));
-        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(key("'Insert' failed: UNIQUE .* \\(19\\)")));
-        controller->executeStatement(key("Insert"), rowAB("kept", "x"));
+        controller->executeStatement(u"Insert"_s, rowAB("undone", "x"));
+        QTest::ignoreMessage(QtInfoMsg, QRegularExpression(u"'Insert' failed: UNIQUE .* \\(19\\)"_s));
+        controller->executeStatement(u"Insert"_s, rowAB("kept", "x"));
         QVERIFY(controller->lastResult().failed());
         transaction.reset();
         QVERIFY(!controller->isInTransaction());
-        QCOMPARE(other->executeStatement(key("All"), {})->size(), 1);
-        controller->executeStatement(key("Insert"), rowAB("later", "x"));
+        QCOMPARE(other->executeStatement(u"All"_s, {})->size(), 1);
+        controller->executeStatement(u"Insert"_s, rowAB("later", "x"));
         QVERIFY(!controller->lastResult().failed());
     }
-
-private:
-    static void fill(ZELKDatabaseController &controller)
-    {
-        controller.executeStatements(key("Table"));
-        for (const char *name : {"a", "b", "c"})
-            controller.executeStatement(key("Insert"), rowAB(name, name));
-    }
-    /// A truncating checkpoint reports busy while any connection still reads.
-    static bool writerIsHeldUp(ZELKDatabaseController &writer)
-    {
-        writer.executeStatement(key("Insert"), rowAB(qPrintable(QString::number(++writes)), "x"));
-        ZELKDictionary statements{{key("Checkpoint"), key("PRAGMA wal_checkpoint(TRUNCATE)")}};
-        writer.setCoreSQLStatements(statements);
-        return writer.executeStatement(key("Checkpoint"), {})->first().string(key("busy")) != key("0");
-    }
-    static inline int writes = 0;
 };
 
 QTEST_GUILESS_MAIN(DatabaseControllerTest)
