@@ -1,3 +1,5 @@
+#include "ConsoleLines.h"
+#include "Rows.h"
 #include "ZELKAssertion.h"
 #include "ZELKClock.h"
 #include "ZELKConsole.h"
@@ -5,75 +7,30 @@
 #include "ZELKWallClockTimer.h"
 
 #include <QSignalSpy>
-#include <QtTest>
-
-#include <sys/resource.h>
 
 #include <stdexcept>
+#include <sys/resource.h>
+
+using namespace Qt::StringLiterals;
 
 namespace {
-
-QStringList lines;
-
-void collect(QtMsgType, const QMessageLogContext &, const QString &text)
-{
-    lines.append(text);
-}
-
-/// Collects console lines for as long as it lives.
-class Console
-{
-public:
-    Console()
-        : m_before(qInstallMessageHandler(collect))
-    {
-        lines.clear();
-    }
-    ~Console()
-    {
-        qInstallMessageHandler(m_before);
-        zelkSetFailureObserver({});
-    }
-
-private:
-    QtMessageHandler m_before;
-};
 
 ZELKDate now()
 {
     return ZELKSystemClock().now();
 }
 
-/// While it lives, no descriptor can be opened.
-class NoDescriptors
-{
-public:
-    NoDescriptors()
-    {
-        getrlimit(RLIMIT_NOFILE, &m_before);
-        const rlimit none{0, m_before.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &none);
-    }
-    ~NoDescriptors() { setrlimit(RLIMIT_NOFILE, &m_before); }
-
-private:
-    rlimit m_before = {};
-};
-
-/// A kernel's timer, or the one that looks at the clock by itself.
+/// A kernel's timer, or the one that looks at the clock by itself where no descriptor can be opened.
 std::unique_ptr<ZELKWallClockTimer> makeTimer(bool followsKernel)
 {
-    if (followsKernel)
-        return std::make_unique<ZELKWallClockTimer>();
-    const NoDescriptors scope;
-    return std::make_unique<ZELKWallClockTimer>();
-}
-
-void addTimerRows()
-{
-    QTest::addColumn<bool>("followsKernel");
-    QTest::newRow("kernel") << true;
-    QTest::newRow("minutes") << false;
+    rlimit before = {};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none{0, before.rlim_max};
+    if (!followsKernel)
+        setrlimit(RLIMIT_NOFILE, &none);
+    auto timer = std::make_unique<ZELKWallClockTimer>();
+    setrlimit(RLIMIT_NOFILE, &before);
+    return timer;
 }
 
 } // namespace
@@ -83,43 +40,26 @@ class TestDeliveries : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void guardReportsAndCarriesOn_data()
-    {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<QString>("line");
-        QTest::newRow("assertion") << 0 << QStringLiteral("Broken. (client/ZELKThing:33)");
-        QTest::newRow("parameter") << 1
-                                   << QStringLiteral(
-                                          "Invalid parameter not satisfying: aKey (client/ZELKThing)");
-        QTest::newRow("standard exception") << 2 << QStringLiteral("standard");
-        QTest::newRow("other exception") << 3 << QStringLiteral("An unknown exception was thrown.");
-    }
-
     void guardReportsAndCarriesOn()
     {
-        QFETCH(int, kind);
-        QFETCH(QString, line);
-        const Console console;
         QStringList seen;
         zelkSetFailureObserver([&](const ZELKAssertionFailure &failure) { seen.append(failure.message()); });
-        const QString file = QStringLiteral("client/ZELKThing");
-        QVERIFY(!zelkGuard([&] {
-            if (kind == 0)
-                ZELKAssertion::fail(file, 33, QStringLiteral("Broken."));
-            if (kind == 1)
-                ZELKAssertion::failParameter(file, 0, "aKey");
-            if (kind == 2)
-                throw std::runtime_error("standard");
-            throw 5;
-        }));
-        QCOMPARE(lines, QStringList(line));
-        QCOMPARE(seen.size(), 1);
-        QVERIFY(line.startsWith(seen.first()));
-    }
+        const QString file = u"client/ZELKThing"_s;
+        const std::pair<std::function<void()>, QString> failures[] = {
+            {[&] { ZELKAssertion::fail(file, 33, u"Broken."_s); }, u"Broken. (client/ZELKThing:33)"_s},
+            {[&] { ZELKAssertion::failParameter(file, 0, "aKey"); },
+             u"Invalid parameter not satisfying: aKey (client/ZELKThing)"_s},
+            {[] { throw std::runtime_error("standard"); }, u"standard"_s},
+            {[] { throw 5; }, u"An unknown exception was thrown."_s}};
+        for (const auto &[failure, line] : failures) {
+            const ConsoleLines console;
+            QVERIFY(!zelkGuard(failure));
+            QCOMPARE(console.lines(), QStringList(line));
+            QVERIFY(line.startsWith(seen.takeFirst()));
+            QVERIFY(seen.isEmpty());
+        }
 
-    void guardHoldsWhenTheObserverFails()
-    {
-        const Console console;
+        const ConsoleLines console;
         zelkSetFailureObserver([](const ZELKAssertionFailure &) {
             zelkSetFailureObserver({});
             throw std::runtime_error("observer");
@@ -130,56 +70,53 @@ private Q_SLOTS:
 
     void consoleKeepsOneLine()
     {
-        const Console console;
-        ZELKConsole::log(QStringLiteral("a\nb\r\t\x1b[31m\u2028 \"é\""));
-        QCOMPARE(lines, QStringList(QStringLiteral("a\\nb\\r\\t\\u001b[31m\\u2028 \"é\"")));
-        lines.clear();
-        ZELKConsole::log(QString(3999, QLatin1Char('x')) + QString::fromUtf8("\xf0\x9f\x98\x80 and more"));
-        QCOMPARE(lines.first(), QString(3999, QLatin1Char('x')) + QStringLiteral("…"));
+        const ConsoleLines console;
+        ZELKConsole::log(u"a\nb\r\t\x1b[31m\u2028 \"é\""_s);
+        ZELKConsole::log(QString(3999, u'x') + u"😀 and more"_s);
+        QCOMPARE(console.lines(), QStringList({u"a\\nb\\r\\t\\u001b[31m\\u2028 \"é\""_s,
+                                               QString(3999, u'x') + u"…"_s}));
     }
 
     void queueCoalesces()
     {
         ZELKNotificationQueue queue;
-        QSignalSpy spy(&queue, &ZELKNotificationQueue::posted);
+        const QSignalSpy spy(&queue, &ZELKNotificationQueue::posted);
         for (int i = 0; i < 100; ++i)
-            queue.enqueue(QStringLiteral("one"));
-        queue.enqueue(QStringLiteral("two"));
-        queue.enqueue(QStringLiteral("taken back"));
-        queue.dequeue(QStringLiteral("taken back"));
+            queue.enqueue(u"one"_s);
+        queue.enqueue(u"two"_s);
+        queue.enqueue(u"taken back"_s);
+        queue.dequeue(u"taken back"_s);
         QCOMPARE(spy.size(), 0);
         QTRY_COMPARE(spy.size(), 2);
-        queue.enqueue(QStringLiteral("one"));
+        queue.enqueue(u"one"_s);
         QTRY_COMPARE(spy.size(), 3);
     }
 
-    void queueTakesAnEnqueueWhileDelivering()
+    /// One that enqueues while it is delivered to, and fails.
+    void queueSurvivesItsReceiver()
     {
+        const ConsoleLines console;
         ZELKNotificationQueue queue;
         int deliveries = 0;
         connect(&queue, &ZELKNotificationQueue::posted, this, [&](const QString &name) {
             if (++deliveries < 3)
                 queue.enqueue(name);
+            throw std::runtime_error("receiver");
         });
-        queue.enqueue(QStringLiteral("again"));
-        QTRY_COMPARE(deliveries, 3);
+        queue.enqueue(u"again"_s);
+        QTRY_COMPARE(console.lines(), QStringList(3, u"receiver"_s));
     }
 
-    void queueSurvivesAFailingReceiver()
+    void timerFires_data()
     {
-        const Console console;
-        ZELKNotificationQueue queue;
-        connect(&queue, &ZELKNotificationQueue::posted, this, [] { throw std::runtime_error("receiver"); });
-        queue.enqueue(QStringLiteral("one"));
-        QTRY_COMPARE(lines, QStringList(QStringLiteral("receiver")));
+        const Rows<bool> row;
+        row("kernel", true);
+        row("minutes", false);
     }
-
-    void timerFiresOnce_data() { addTimerRows(); }
-
-    void timerFiresOnce()
+    void timerFires()
     {
-        QFETCH(bool, followsKernel);
-        const auto timer = makeTimer(followsKernel);
+        const auto [followsKernel] = Rows<bool>::fetch();
+        auto timer = makeTimer(followsKernel);
         QSignalSpy spy(timer.get(), &ZELKWallClockTimer::fired);
         const ZELKDate due = now().addingTimeInterval(0.02);
         timer->schedule(due);
@@ -187,80 +124,46 @@ private Q_SLOTS:
         QTRY_COMPARE(spy.size(), 1);
         QVERIFY(now() >= due);
         QVERIFY(!timer->isScheduled());
-    }
 
-    void timerDeliversOneOfManyMissed_data() { addTimerRows(); }
-
-    void timerDeliversOneOfManyMissed()
-    {
-        QFETCH(bool, followsKernel);
-        const auto timer = makeTimer(followsKernel);
-        QSignalSpy spy(timer.get(), &ZELKWallClockTimer::fired);
+        // One of many missed.
         const ZELKDate first = now().addingTimeInterval(-100000.5);
         timer->schedule(first, 1000.0);
-        QTRY_COMPARE(spy.size(), 1);
+        QTRY_COMPARE(spy.size(), 2);
         QCoreApplication::processEvents();
-        QCOMPARE(spy.size(), 1);
-        QVERIFY(timer->isScheduled());
+        QCOMPARE(spy.size(), 2);
         QCOMPARE(timer->nextFiring(), first.addingTimeInterval(101000.0));
-    }
 
-    void timerRepeats_data() { addTimerRows(); }
-
-    void timerRepeats()
-    {
-        QFETCH(bool, followsKernel);
-        const auto timer = makeTimer(followsKernel);
-        QSignalSpy spy(timer.get(), &ZELKWallClockTimer::fired);
         timer->schedule(now(), 0.01);
-        QTRY_VERIFY(spy.size() >= 3);
+        QTRY_VERIFY(spy.size() >= 5);
         timer->invalidate();
         QVERIFY(!timer->isScheduled());
-        const auto count = spy.size();
+        spy.clear();
         QCoreApplication::processEvents();
-        QCOMPARE(spy.size(), count);
-    }
+        QCOMPARE(spy.size(), 0);
 
-    void timerTakesAnyDate_data()
-    {
-        QTest::addColumn<double>("seconds");
-        QTest::addColumn<bool>("fires");
-        QTest::newRow("before 1970") << -3e9 << true;
-        QTest::newRow("at 1970 itself") << -ZELKDate::secondsFrom1970 << true;
-        QTest::newRow("infinite past") << -qInf() << true;
-        QTest::newRow("infinite future") << qInf() << false;
-        QTest::newRow("not a number") << qQNaN() << false;
-    }
-
-    void timerTakesAnyDate()
-    {
-        QFETCH(double, seconds);
-        QFETCH(bool, fires);
-        ZELKWallClockTimer timer;
-        QSignalSpy spy(&timer, &ZELKWallClockTimer::fired);
-        timer.schedule(ZELKDate(seconds), seconds);
-        if (fires)
-            QTRY_COMPARE(spy.size(), 1);
-        QCoreApplication::processEvents();
-        QCOMPARE(spy.size(), fires ? 1 : 0);
-    }
-
-    void timerObeysItsReceiver_data() { addTimerRows(); }
-
-    void timerObeysItsReceiver()
-    {
-        QFETCH(bool, followsKernel);
-        auto timer = makeTimer(followsKernel);
-        int firings = 0;
+        // A receiver may schedule it again, and delete it.
         connect(timer.get(), &ZELKWallClockTimer::fired, this, [&] {
-            if (++firings == 1)
+            if (spy.size() == 1)
                 timer->schedule(now());
             else
                 timer.reset();
         });
         timer->schedule(now(), 0.001);
         QTRY_VERIFY(!timer);
-        QCOMPARE(firings, 2);
+        QCOMPARE(spy.size(), 2);
+    }
+
+    void timerTakesAnyDate()
+    {
+        for (const double seconds : {-3e9, -ZELKDate::secondsFrom1970, -qInf(), qInf(), qQNaN()}) {
+            ZELKWallClockTimer timer;
+            const QSignalSpy spy(&timer, &ZELKWallClockTimer::fired);
+            timer.schedule(ZELKDate(seconds), seconds);
+            if (seconds < 0)
+                QTRY_COMPARE(spy.size(), 1);
+            QCoreApplication::processEvents();
+            QCOMPARE(spy.size(), seconds < 0 ? 1 : 0);
+        }
     }
 };
 

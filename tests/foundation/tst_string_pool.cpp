@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 using namespace std::literals;
 
 class TestStringPool : public QObject
@@ -17,10 +19,10 @@ private Q_SLOTS:
         ZELKStringPool pool;
         QCOMPARE(pool.find("a"), ZELKStringPool::nil);
         QCOMPARE(pool.intern("a"sv), 1U);
-        QCOMPARE(pool.intern(QStringLiteral("ä")), 2U);
+        QCOMPARE(pool.intern(u"ä"_s), 2U);
         QCOMPARE(pool.intern("a"sv), 1U);
         QCOMPARE(pool.find("\xc3\xa4"), 2U);
-        QCOMPARE(pool.string(2), QStringLiteral("ä"));
+        QCOMPARE(pool.string(2), u"ä"_s);
         QCOMPARE(pool.size(), 2U);
     }
 
