@@ -85,6 +85,7 @@ private Q_SLOTS:
     {
         QCOMPARE(presetAt("2018-11-04 12:00:00", 1, "America/Sao_Paulo"),
                  u"2018-11-04 01:00:00 to 2018-11-04"_s);
+        QCOMPARE(presetAt("2021-03-26 12:00:00", 3, "Asia/Amman"), u"2021-03-20 to 2021-03-26"_s);
         QCOMPARE(presetAt("2018-11-10 12:00:00", 3, "America/Sao_Paulo"),
                  u"2018-11-04 01:00:00 to 2018-11-10"_s);
     }
