@@ -4,13 +4,16 @@
 
 bool ZELKShutdownStates::announce(const ZELKMoment &moment)
 {
-    if (m_phase == Phase::Announced)
-        return false;
-    if (m_phase == Phase::Recorded && moment.awake - m_announced.awake <= announcementLasts)
+    if (m_phase == Phase::Announced || isComing(moment))
         return false;
     m_phase = Phase::Announced;
     m_announced = moment;
     return true;
+}
+
+bool ZELKShutdownStates::isComing(const ZELKMoment &moment) const
+{
+    return m_phase != Phase::None && moment.awake - m_announced.awake <= announcementLasts;
 }
 
 ZELKShutdownStates::Events ZELKShutdownStates::decide(std::optional<ZELKShutdownKind> kind)

@@ -22,6 +22,8 @@ public:
 
     /// An announcement. True when it is news: the kind is to be found out, then decide().
     bool announce(const ZELKMoment &moment);
+    /// Announced lately, and not cancelled.
+    bool isComing(const ZELKMoment &moment) const;
     bool isUndecided() const { return m_phase == Phase::Announced; }
     /// The kind of the announced shut-down; when nobody knows, it is a power-off. Dated at the announcement.
     Events decide(std::optional<ZELKShutdownKind> kind);

@@ -1,0 +1,204 @@
+#include "ZELKLogind.h"
+
+#include "ZELKAssertion.h"
+#include "ZELKBusCall.h"
+#include "ZELKConsole.h"
+#include "ZELKFormat.h"
+
+#include <QDBusArgument>
+#include <QVariantMap>
+
+namespace {
+
+constexpr QLatin1String service("org.freedesktop.login1");
+constexpr QLatin1String managerPath("/org/freedesktop/login1");
+constexpr QLatin1String managerInterface("org.freedesktop.login1.Manager");
+constexpr QLatin1String idleHint("IdleHint");
+
+QDBusMessage managerCall(const char *method)
+{
+    return QDBusMessage::createMethodCall(service, managerPath, managerInterface,
+                                          QString::fromLatin1(method));
+}
+
+/// Microseconds since 1970; 0 says that nobody knows.
+std::optional<ZELKDate> idleSince(const QVariantMap &properties)
+{
+    const qulonglong microseconds = properties.value(QStringLiteral("IdleSinceHint")).toULongLong();
+    if (microseconds == 0)
+        return std::nullopt;
+    return ZELKDate::fromSecondsSince1970(double(microseconds) / 1e6);
+}
+
+} // namespace
+
+ZELKLogind::ZELKLogind(const QDBusConnection &systemBus, QObject *parent)
+    : QObject(parent)
+    , m_bus(systemBus)
+    , m_service(service, m_bus, QDBusServiceWatcher::WatchForOwnerChange)
+{
+    connect(&m_service, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &, const QString &, const QString &owner) {
+                zelkGuard([&] { setThere(!owner.isEmpty()); });
+            });
+}
+
+void ZELKLogind::start()
+{
+    if (m_running)
+        return;
+    m_running = true;
+    m_complained = false;
+    connectSignals(true);
+    ZELKBusCall::askForOwner(m_bus, service, this, [this](bool isThere) { setThere(isThere); });
+}
+
+void ZELKLogind::stop()
+{
+    if (!m_running)
+        return;
+    m_running = m_isThere = false;
+    connectSignals(false);
+    releaseLock();
+}
+
+void ZELKLogind::connectSignals(bool connects)
+{
+    const auto follow = [&](const QString &interface, const char *signal, const char *slot) {
+        const QString name = QString::fromLatin1(signal);
+        if (connects)
+            m_bus.connect(service, managerPath, interface, name, this, slot);
+        else
+            m_bus.disconnect(service, managerPath, interface, name, this, slot);
+    };
+    follow(managerInterface, "PrepareForSleep", SLOT(didPrepareForSleep(bool)));
+    follow(managerInterface, "PrepareForShutdown", SLOT(didPrepareForShutdown(bool)));
+    follow(QStringLiteral("org.freedesktop.DBus.Properties"), "PropertiesChanged",
+           SLOT(propertiesDidChange(QString, QVariantMap, QStringList)));
+}
+
+/// The lock of one that left is kept until its successor's is there: logind restarted by an upgrade takes the
+/// old locks over.
+void ZELKLogind::setThere(bool isThere)
+{
+    m_isThere = isThere && m_running;
+    m_requested = m_denied = false;
+    if (m_isThere)
+        Q_EMIT arrived();
+}
+
+void ZELKLogind::didPrepareForSleep(bool begins)
+{
+    zelkGuard([&] { Q_EMIT preparesForSleep(begins); });
+}
+
+void ZELKLogind::didPrepareForShutdown(bool begins)
+{
+    zelkGuard([&] { Q_EMIT preparesForShutdown(begins); });
+}
+
+void ZELKLogind::propertiesDidChange(const QString &interface, const QVariantMap &changed,
+                                     const QStringList &invalidated)
+{
+    zelkGuard([&] {
+        if (interface == managerInterface && (changed.contains(idleHint) || invalidated.contains(idleHint)))
+            Q_EMIT idleHintChanged();
+        else
+            Q_EMIT somethingChanged();
+    });
+}
+
+void ZELKLogind::takeLock()
+{
+    if (!m_isThere || m_requested || m_denied)
+        return;
+    m_requested = true;
+    QDBusMessage inhibit = managerCall("Inhibit");
+    inhibit << QStringLiteral("sleep:shutdown") << QStringLiteral("Lullwatch")
+            << QStringLiteral("Records sleep and shut-down") << QStringLiteral("delay");
+    ZELKBusCall::send(m_bus, inhibit, this, [this, request = ++m_request](const QDBusMessage &answer) {
+        if (request == m_request && m_requested)
+            lockDidArrive(answer);
+    });
+}
+
+void ZELKLogind::lockDidArrive(const QDBusMessage &answer)
+{
+    m_requested = false;
+    if (answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String("h")) {
+        m_lock = answer.arguments().constFirst().value<QDBusUnixFileDescriptor>();
+        m_complained = false;
+        return;
+    }
+    const bool busy = answer.errorName() == QLatin1String("org.freedesktop.login1.OperationInProgress");
+    m_denied = !busy;
+    if (m_denied && !m_complained)
+        ZELKConsole::log(ZELKFormat("logind gave no lock to delay sleep: %@", {answer.errorMessage()}));
+    m_complained = m_complained || m_denied;
+}
+
+/// A default-constructed descriptor, since setting an invalid number keeps the old one open.
+void ZELKLogind::releaseLock()
+{
+    m_requested = m_denied = false;
+    m_lock = QDBusUnixFileDescriptor();
+}
+
+/// While somebody blocks idleness, logind's own hint says that nothing idles; then the seat is asked, which
+/// looks at its sessions only.
+void ZELKLogind::requestIdleHint(const IdleAnswer &answered)
+{
+    const QDBusMessage ask = ZELKBusCall::getAll(service, managerPath, managerInterface);
+    ZELKBusCall::send(m_bus, ask, this, [this, answered](const QDBusMessage &answer) {
+        const auto argument = ZELKBusCall::argument(answer, "a{sv}");
+        if (!argument || !m_running)
+            return;
+        const auto properties = qdbus_cast<QVariantMap>(*argument);
+        const QStringList blocked =
+            properties.value(QStringLiteral("BlockInhibited")).toString().split(QLatin1Char(':'));
+        const bool isIdle = properties.value(idleHint).toBool();
+        if (!isIdle && blocked.contains(QLatin1String("idle")))
+            requestSeatIdleHint(answered);
+        else
+            answered(isIdle, idleSince(properties));
+    });
+}
+
+/// A computer without a seat has nobody who could idle at it.
+void ZELKLogind::requestSeatIdleHint(const IdleAnswer &answered)
+{
+    const QDBusMessage ask =
+        ZELKBusCall::getAll(service, QStringLiteral("/org/freedesktop/login1/seat/seat0"),
+                            QStringLiteral("org.freedesktop.login1.Seat"));
+    ZELKBusCall::send(m_bus, ask, this, [this, answered](const QDBusMessage &answer) {
+        if (!m_running)
+            return;
+        QVariantMap properties;
+        if (answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String("a{sv}"))
+            properties = qdbus_cast<QVariantMap>(answer.arguments().constFirst());
+        answered(properties.value(idleHint).toBool(), idleSince(properties));
+    });
+}
+
+void ZELKLogind::requestInhibitors(const std::function<void(const std::vector<ZELKInhibitor> &)> &answered)
+{
+    ZELKBusCall::send(m_bus, managerCall("ListInhibitors"), this,
+                      [this, answered](const QDBusMessage &answer) {
+                          const auto argument = ZELKBusCall::argument(answer, "a(ssssuu)");
+                          if (!argument || !m_running)
+                              return;
+                          std::vector<ZELKInhibitor> inhibitors;
+                          const auto list = argument->value<QDBusArgument>();
+                          for (list.beginArray(); !list.atEnd();) {
+                              ZELKInhibitor inhibitor;
+                              quint32 user = 0;
+                              list.beginStructure();
+                              list >> inhibitor.what >> inhibitor.who >> inhibitor.why >> inhibitor.mode >>
+                                  user >> inhibitor.pid;
+                              list.endStructure();
+                              inhibitors.push_back(inhibitor);
+                          }
+                          list.endArray();
+                          answered(inhibitors);
+                      });
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "ZELKIdleStates.h"
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QDBusUnixFileDescriptor>
+#include <QObject>
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+/// The login manager (org.freedesktop.login1) as the agent needs it: told before the system sleeps or ends,
+/// it holds a lock meanwhile that delays both until what there was to say is on disk.
+class ZELKLogind : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ZELKLogind(const QDBusConnection &systemBus, QObject *parent = nullptr);
+
+    /// Announces arrived() when the service is there or, later, each time it comes.
+    void start();
+    void stop();
+
+    /// Asks for the lock; one that is held is kept until the new one is there. logind refuses while what the
+    /// lock would delay goes on: ask again later. A denial for another reason is one console line, and stands
+    /// until the next release or the next logind.
+    void takeLock();
+    /// Lets go on what waits for us. An answer that is on its way is thrown away.
+    void releaseLock();
+    bool holdsLock() const { return m_lock.isValid(); }
+
+    /// Neither is answered when logind does not answer sensibly; one console line tells so.
+    using IdleAnswer = std::function<void(bool isIdle, std::optional<ZELKDate> since)>;
+    void requestIdleHint(const IdleAnswer &answered);
+    void requestInhibitors(const std::function<void(const std::vector<ZELKInhibitor> &)> &answered);
+
+Q_SIGNALS:
+    void arrived();
+    void preparesForSleep(bool begins);
+    void preparesForShutdown(bool begins);
+    /// Ask anew: the hint, or since when, is another.
+    void idleHintChanged();
+    /// Something of no interest but as a sign of life.
+    void somethingChanged();
+
+private Q_SLOTS:
+    void didPrepareForSleep(bool begins);
+    void didPrepareForShutdown(bool begins);
+    void propertiesDidChange(const QString &interface, const QVariantMap &changed,
+                             const QStringList &invalidated);
+
+private:
+    void connectSignals(bool connects);
+    void setThere(bool isThere);
+    void lockDidArrive(const QDBusMessage &answer);
+    void requestSeatIdleHint(const IdleAnswer &answered);
+
+    QDBusConnection m_bus;
+    QDBusServiceWatcher m_service;
+    QDBusUnixFileDescriptor m_lock;
+    bool m_running = false;
+    bool m_isThere = false;
+    /// Counts the requests for the lock; an answer to any but the last is stale.
+    int m_request = 0;
+    bool m_requested = false;
+    bool m_denied = false;
+    bool m_complained = false;
+};

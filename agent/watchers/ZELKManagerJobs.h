@@ -1,0 +1,56 @@
+#pragma once
+
+#include "ZELKShutdownStates.h"
+
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QDBusServiceWatcher>
+#include <QObject>
+
+#include <functional>
+#include <optional>
+
+/// What the service manager (org.freedesktop.systemd1) knows of the end of the system and of sleeping: its
+/// jobs. It is told of these units' jobs only, so that the others' wake nobody. That the manager tells of
+/// jobs at all is logind's doing, which has it do so.
+class ZELKManagerJobs : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ZELKManagerJobs(const QDBusConnection &systemBus, QObject *parent = nullptr);
+
+    void start();
+    void stop();
+    bool isThere() const { return m_isThere; }
+
+    /// How long the answer about the jobs may take: a shut-down waits for it.
+    static constexpr int timeoutMilliseconds = 500;
+    struct Answer
+    {
+        /// The manager listed its jobs.
+        bool isKnown = false;
+        std::optional<ZELKShutdownKind> kind;
+    };
+    void requestShutdownKind(const std::function<void(Answer)> &answered);
+    /// The same at once, for when the program's own end is near. Blocks for the time limit at most.
+    Answer shutdownKind() const;
+
+Q_SIGNALS:
+    void presenceChanged(bool isThere);
+    void shutdownJobDidStart(ZELKShutdownKind kind);
+    void sleepJobDidFinish(bool succeeded);
+
+private Q_SLOTS:
+    void jobDidStart(uint number, const QDBusObjectPath &job, const QString &unit);
+    void jobDidFinish(uint number, const QDBusObjectPath &job, const QString &unit, const QString &result);
+
+private:
+    void connectSignals(bool connects);
+    void setThere(bool isThere);
+
+    QDBusConnection m_bus;
+    QDBusServiceWatcher m_service;
+    bool m_running = false;
+    bool m_isThere = false;
+};

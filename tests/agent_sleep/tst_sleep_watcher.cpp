@@ -1,0 +1,293 @@
+#include "BusMock.h"
+#include "ConsoleLines.h"
+#include "Rows.h"
+#include "ZELKEnvironment.h"
+#include "ZELKLWASleepWatcher.h"
+
+#include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QDBusUnixFileDescriptor>
+
+#include <optional>
+
+namespace {
+
+const QString seat = u"/org/freedesktop/login1/seat/seat0"_s;
+
+/// A machine whose sleep the test tells.
+class TestClock : public ZELKClock, public ZELKSuspendClock
+{
+public:
+    ZELKDate now() const override { return m_now.date; }
+    ZELKMoment read(ZELKDate date) const override { return {date, m_now.awake, m_now.suspended}; }
+    void pass(double awake, double suspended)
+    {
+        m_now.date = m_now.date.addingTimeInterval(awake + suspended);
+        m_now.awake += awake;
+        m_now.suspended += suspended;
+    }
+
+private:
+    ZELKMoment m_now{ZELKDate::fromSecondsSince1970(1700000000.0), 50.0, 5.0};
+};
+
+class Logind : public BusMock
+{
+public:
+    Logind()
+        : BusMock(u"org.freedesktop.login1"_s, u"/org/freedesktop/login1"_s,
+                  u"org.freedesktop.login1.Manager"_s, {u"--template"_s, u"logind"_s})
+    {
+    }
+    int locks() const { return count(call(u"ListInhibitors"_s)); }
+    void prepareForSleep(bool begins) const { emitSignal(u"PrepareForSleep"_s, u"b"_s, {begins}); }
+    void prepareForShutdown(bool begins) const { emitSignal(u"PrepareForShutdown"_s, u"b"_s, {begins}); }
+};
+
+class Manager : public BusMock
+{
+public:
+    /// `jobs` as the mock's Python wants them.
+    explicit Manager(const QString &jobs = {})
+        : BusMock(u"org.freedesktop.systemd1"_s, u"/org/freedesktop/systemd1"_s,
+                  u"org.freedesktop.systemd1.Manager"_s,
+                  {u"org.freedesktop.systemd1"_s, u"/org/freedesktop/systemd1"_s,
+                   u"org.freedesktop.systemd1.Manager"_s})
+    {
+        setJobs(jobs);
+    }
+    void setJobs(const QString &jobs) const
+    {
+        tell(u"AddMethod"_s, {u"org.freedesktop.systemd1.Manager"_s, u"ListJobs"_s, QString(), u"a(usssoo)"_s,
+                              u"ret = dbus.Array([%1], signature='(usssoo)')"_s.arg(jobs)});
+    }
+    void jobNew(const QString &unit) const { emitSignal(u"JobNew"_s, u"uos"_s, {7u, path(), unit}); }
+    void jobRemoved(const QString &unit, const QString &result) const
+    {
+        emitSignal(u"JobRemoved"_s, u"uoss"_s, {7u, path(), unit, result});
+    }
+
+private:
+    static QVariant path() { return QVariant::fromValue(QDBusObjectPath(u"/job/7"_s)); }
+};
+
+const char *const otherJob = "(1, 'a.service', 'stop', 'waiting', '/j/1', '/u/a')";
+const char *const rebootJob = "(1, 'a.service', 'stop', 'waiting', '/j/1', '/u/a'),"
+                              "(2, 'reboot.target', 'start', 'waiting', '/j/2', '/u/r')";
+
+} // namespace
+
+class TestSleepWatcher : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_logind.emplace();
+        m_clock = std::make_shared<TestClock>();
+        ZELKEnvironment environment = ZELKEnvironment::system();
+        environment.clock = m_clock;
+        m_scope.emplace(environment);
+        m_seen.clear();
+        m_properties.clear();
+        m_watcher.emplace(
+            QDBusConnection::systemBus(), [this](const auto &events) { see(events); }, m_clock);
+    }
+    void cleanup()
+    {
+        m_watcher.reset();
+        m_manager.reset();
+        m_scope.reset();
+        m_logind.reset();
+    }
+
+    void recordsBeforeItLetsGo()
+    {
+        int wakes = 0;
+        connect(&*m_watcher, &ZELKLWASleepWatcher::didWake, this, [&] { ++wakes; });
+        begin();
+        m_logind->prepareForSleep(true);
+        m_logind->prepareForSleep(true);
+        QTRY_COMPARE(m_logind->locks(), 0);
+        QCOMPARE(m_seen, QStringList{u"System will sleep, held"_s});
+        m_clock->pass(1, 3600);
+        m_logind->prepareForSleep(false);
+        QTRY_COMPARE(m_logind->locks(), 1);
+        QCOMPARE(m_seen.constLast(), u"System has powered on"_s);
+        QCOMPARE(wakes, 1);
+
+        m_clock->pass(10, 3600);
+        m_watcher->checkClocks();
+        QCOMPARE(m_seen.size(), 4);
+        QCOMPARE(m_logind->locks(), 1);
+        m_watcher->stop();
+        QTRY_COMPARE(m_logind->locks(), 0);
+        m_logind->prepareForSleep(true);
+        m_watcher->start();
+        QTRY_COMPARE(m_logind->locks(), 1);
+        QCOMPARE(m_seen.size(), 4);
+    }
+
+    void followsLogind()
+    {
+        m_logind.reset();
+        m_watcher->start();
+        m_logind.emplace();
+        QTRY_COMPARE(m_logind->locks(), 1);
+        m_logind.reset();
+        m_logind.emplace();
+        QTRY_COMPARE(m_logind->locks(), 1);
+        m_logind->prepareForSleep(true);
+        QTRY_COMPARE(m_seen, QStringList{u"System will sleep, held"_s});
+        // Its end is lost; anything else that is heard shows that the machine is awake.
+        m_clock->pass(5, 600);
+        m_logind->updateProperties({{u"PreparingForSleep"_s, false}});
+        QTRY_COMPARE(m_seen.size(), 2);
+        QTRY_COMPARE(m_logind->locks(), 1);
+    }
+
+    void asksAgainForADeniedLock()
+    {
+        const auto deny = [this](const QString &error) {
+            m_logind->tell(u"AddMethod"_s,
+                           {u"org.freedesktop.login1.Manager"_s, u"Inhibit"_s, u"ssss"_s, u"h"_s,
+                            u"raise dbus.exceptions.DBusException('no', name='%1')"_s.arg(error)});
+        };
+        const ConsoleLines console;
+        deny(u"org.freedesktop.login1.OperationInProgress"_s);
+        m_watcher->start();
+        const auto asked = [&] {
+            m_watcher->checkClocks();
+            return m_logind->calls(u"Inhibit"_s);
+        };
+        QTRY_VERIFY(asked() >= 3);
+        QCOMPARE(console.size(), 0);
+        deny(u"org.freedesktop.DBus.Error.AccessDenied"_s);
+        const auto denied = [&] {
+            m_watcher->checkClocks();
+            return console.size();
+        };
+        QTRY_COMPARE(denied(), 1);
+        const int before = m_logind->calls(u"Inhibit"_s);
+        m_watcher->checkClocks();
+        QCOMPARE(m_logind->calls(u"Inhibit"_s), before);
+    }
+
+    void tellsOfAFailedSleep()
+    {
+        m_manager.emplace();
+        begin();
+        m_logind->prepareForSleep(true);
+        QTRY_COMPARE(m_logind->locks(), 0);
+        m_manager->jobRemoved(u"other.service"_s, u"failed"_s);
+        m_manager->jobRemoved(u"systemd-suspend.service"_s, u"failed"_s);
+        m_logind->prepareForSleep(false);
+        QTRY_COMPARE(m_logind->locks(), 1);
+        QCOMPARE(m_seen, QStringList({u"System will sleep, held"_s, u"System will not sleep"_s,
+                                      u"System has powered on"_s}));
+    }
+
+    void asksTheManagerForTheKind_data()
+    {
+        const Rows<bool, QString, QStringList> row;
+        row("no manager", false, "", QStringList{u"System will power off, held"_s});
+        row("restart", true, rebootJob, QStringList{u"System will restart, held"_s});
+        row("nonsense", true, "'x'", QStringList{u"System will power off, held"_s});
+        row("no job yet", true, otherJob, QStringList{});
+    }
+    void asksTheManagerForTheKind()
+    {
+        const auto [there, jobs, expected] = Rows<bool, QString, QStringList>::fetch();
+        if (there)
+            m_manager.emplace(jobs);
+        begin();
+        m_logind->prepareForShutdown(true);
+        QTRY_COMPARE(m_logind->locks(), 0);
+        QCOMPARE(m_seen, expected);
+        if (!expected.isEmpty())
+            return;
+        m_clock->pass(2, 0);
+        m_manager->jobNew(u"a.service"_s);
+        m_manager->jobNew(u"reboot.target"_s);
+        QTRY_COMPARE(m_seen, QStringList{u"System will restart"_s});
+        QCOMPARE(m_dates.constLast(), m_clock->now().addingTimeInterval(-2));
+        m_logind->prepareForShutdown(false);
+        QTRY_COMPARE(m_logind->locks(), 1);
+        QCOMPARE(m_seen.constLast(), u"System will not power off"_s);
+    }
+
+    void asksForTheKindAtItsEnd()
+    {
+        m_manager.emplace();
+        begin();
+        m_logind->prepareForShutdown(true);
+        QTRY_COMPARE(m_logind->locks(), 0);
+        m_manager->setJobs(QString::fromLatin1(rebootJob));
+        m_watcher->stop();
+        QCOMPARE(m_seen, QStringList{u"System will restart"_s});
+    }
+
+    void tellsOfIdleness_data()
+    {
+        const Rows<bool> row;
+        row("logind tells", false);
+        row("idleness is blocked: only the seat tells", true);
+    }
+    void tellsOfIdleness()
+    {
+        const auto [isBlocked] = Rows<bool>::fetch();
+        if (isBlocked) {
+            m_logind->tell(u"AddProperty"_s, {u"org.freedesktop.login1.Manager"_s, u"BlockInhibited"_s,
+                                              QVariant::fromValue(QDBusVariant(u"sleep:idle"_s))});
+            m_logind->tell(u"AddSeat"_s, {u"seat0"_s});
+        }
+        begin();
+        const QDBusMessage holder =
+            m_logind->call(u"Inhibit"_s, {u"sleep:idle"_s, u"rsync"_s, u"Copying files"_s, u"block"_s});
+        const double since =
+            m_clock->now().timeIntervalSinceReferenceDate() + ZELKDate::secondsFrom1970 - 90.5;
+        QVariantMap idle{{u"IdleSinceHint"_s, qulonglong(since * 1e6)}, {u"IdleHint"_s, true}};
+        if (isBlocked) {
+            m_logind->tell(u"UpdateProperties"_s, {u"org.freedesktop.login1.Seat"_s, idle}, seat);
+            idle = {{u"IdleHint"_s, false}};
+        }
+        m_logind->updateProperties(idle);
+        m_logind->updateProperties(idle);
+        QTRY_COMPARE(m_seen.size(), 2);
+        QVERIFY(m_properties.constFirst().contains(u"<integer>90</integer>"_s));
+        QVERIFY(m_properties.constLast().contains(u"rsync (123456): Copying files (sleep:idle, block)"_s));
+        QVERIFY(!m_properties.constLast().contains(u"Lullwatch"_s));
+    }
+
+private:
+    void begin()
+    {
+        m_watcher->start();
+        QTRY_COMPARE(m_logind->locks(), 1);
+        QTRY_VERIFY(m_watcher->holdsLock());
+    }
+    /// Whether the lock was held is told of what is about to happen.
+    void see(const std::vector<ZELKLWAEvent> &events)
+    {
+        for (const ZELKLWAEvent &event : events) {
+            const bool coming = event.event.contains(u"will"_s) && !event.event.contains(u"not sleep"_s);
+            const bool held = coming && m_logind && m_logind->locks() == 1;
+            m_seen.append(event.event + (held ? u", held"_s : QString()));
+            m_properties.append(event.properties);
+            m_dates.append(event.date);
+        }
+    }
+
+    std::optional<Logind> m_logind;
+    std::optional<Manager> m_manager;
+    std::shared_ptr<TestClock> m_clock;
+    std::optional<ZELKEnvironmentScope> m_scope;
+    std::optional<ZELKLWASleepWatcher> m_watcher;
+    QStringList m_seen;
+    QStringList m_properties;
+    QList<ZELKDate> m_dates;
+};
+
+QTEST_GUILESS_MAIN(TestSleepWatcher)
+#include "tst_sleep_watcher.moc"
