@@ -75,7 +75,7 @@ QString ZELKPowerSupply::plainName() const
 void ZELKPowerSupply::setSourceStates(std::vector<ZELKPowerSupply> &supplies, std::optional<bool> mains)
 {
     const bool anyDischarging = std::any_of(supplies.begin(), supplies.end(), [](const auto &supply) {
-        return supply.isPresent && supply.status == Status::Discharging;
+        return supply.isPresent && supply.isCurrent && supply.status == Status::Discharging;
     });
     for (ZELKPowerSupply &supply : supplies)
         supply.sourceState = ::sourceState(mains, anyDischarging, supply.status);

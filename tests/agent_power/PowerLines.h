@@ -1,0 +1,41 @@
+#pragma once
+
+#include "ZELKDictionary.h"
+#include "ZELKLWAEvent.h"
+#include "ZELKPropertyList.h"
+
+#include <QStringList>
+
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+/// The properties of an event, read again from their text.
+inline ZELKDictionary propertiesOf(const ZELKLWAEvent &event)
+{
+    return ZELKPropertyList::read(event.properties.toStdString()).value.value<ZELKDictionary>();
+}
+
+/// What "Power state changed" says, in short: "PRB-1 80% charging on AC Power", "PRB-1 gone on AC Power".
+inline QString powerLine(const ZELKLWAEvent &event)
+{
+    if (event.event != ZELKEventPowerStateChanged || event.monitor != ZELKMonitorPowerSource)
+        return event.event + u" by "_s + event.monitor;
+    const ZELKDictionary properties = propertiesOf(event);
+    QString line = properties.string(ZELKPropertyName);
+    if (!properties.value(ZELKPropertyIsPresent).toBool())
+        line += u" gone"_s;
+    else if (properties.contains(ZELKPropertyCurrentCapacity))
+        line += u" %1%"_s.arg(properties.value(ZELKPropertyCurrentCapacity).toLongLong());
+    if (properties.value(ZELKPropertyIsCharging).toBool())
+        line += u" charging"_s;
+    return line + u" on "_s + properties.string(ZELKPropertyPowerSourceState);
+}
+
+inline QStringList powerLines(const std::vector<ZELKLWAEvent> &events)
+{
+    QStringList lines;
+    for (const ZELKLWAEvent &event : events)
+        lines.append(powerLine(event));
+    return lines;
+}
