@@ -29,7 +29,9 @@ void ZELKLWASleepWatcher::connectSources()
     connect(&m_logind, &ZELKLogind::preparesForSleep, this,
             [this](bool begins) { guarded([&] { prepareForSleep(begins); }); });
     connect(&m_logind, &ZELKLogind::preparesForShutdown, this,
-            [this](bool begins) { guarded([&] { prepareForShutdown(begins); }); });
+            [this](bool begins, std::optional<ZELKShutdownKind> kind) {
+                guarded([&] { prepareForShutdown(begins, kind); });
+            });
     connect(&m_logind, &ZELKLogind::idleHintChanged, this,
             [this] { guarded([this] { idleHintDidChange(); }); });
     connect(&m_jobs, &ZELKManagerJobs::presenceChanged, this,
@@ -114,7 +116,7 @@ void ZELKLWASleepWatcher::prepareForSleep(bool begins)
         retakeLock();
 }
 
-void ZELKLWASleepWatcher::prepareForShutdown(bool begins)
+void ZELKLWASleepWatcher::prepareForShutdown(bool begins, std::optional<ZELKShutdownKind> kind)
 {
     const ZELKMoment moment = now();
     tell(m_sleep.observe(moment));
@@ -122,12 +124,16 @@ void ZELKLWASleepWatcher::prepareForShutdown(bool begins)
         m_jobLimit.stop();
         tell(m_shutdown.cancel(moment));
         retakeLock();
-    } else if (m_shutdown.announce(moment)) {
+        return;
+    }
+    const bool isNews = m_shutdown.announce(moment);
+    if (isNews && kind)
+        tell(m_shutdown.decide(kind));
+    if (!m_shutdown.isUndecided())
+        m_logind.releaseLock();
+    else if (isNews)
         m_jobs.requestShutdownKind(
             [this](const ZELKManagerJobs::Answer &answer) { shutdownKindDidArrive(answer); });
-    } else if (!m_shutdown.isUndecided()) {
-        m_logind.releaseLock();
-    }
 }
 
 void ZELKLWASleepWatcher::shutdownKindDidArrive(const ZELKManagerJobs::Answer &answer)

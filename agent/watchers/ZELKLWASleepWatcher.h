@@ -12,7 +12,9 @@
 #include <QDBusConnection>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 /// Sleep and wake, shut-down and restart, idleness and what holds sleep off. Listens to logind and the
 /// service manager, neither of which need be there, and looks at the clocks whenever anything happens: a
@@ -54,7 +56,7 @@ private:
     void tell(const std::vector<ZELKLWAEvent> &events);
     void logindDidArrive();
     void prepareForSleep(bool begins);
-    void prepareForShutdown(bool begins);
+    void prepareForShutdown(bool begins, std::optional<ZELKShutdownKind> kind);
     void shutdownKindDidArrive(const ZELKManagerJobs::Answer &answer);
     void shutdownJobDidStart(ZELKShutdownKind kind);
     void idleHintDidChange();

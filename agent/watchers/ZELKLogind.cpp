@@ -8,6 +8,8 @@
 #include <QDBusArgument>
 #include <QVariantMap>
 
+#include <utility>
+
 namespace {
 
 constexpr QLatin1String service("org.freedesktop.login1");
@@ -73,6 +75,8 @@ void ZELKLogind::connectSignals(bool connects)
     };
     follow(managerInterface, "PrepareForSleep", SLOT(didPrepareForSleep(bool)));
     follow(managerInterface, "PrepareForShutdown", SLOT(didPrepareForShutdown(bool)));
+    follow(managerInterface, "PrepareForShutdownWithMetadata",
+           SLOT(didPrepareForShutdownWithMetadata(bool, QVariantMap)));
     follow(QStringLiteral("org.freedesktop.DBus.Properties"), "PropertiesChanged",
            SLOT(propertiesDidChange(QString, QVariantMap, QStringList)));
 }
@@ -94,7 +98,15 @@ void ZELKLogind::didPrepareForSleep(bool begins)
 
 void ZELKLogind::didPrepareForShutdown(bool begins)
 {
-    zelkGuard([&] { Q_EMIT preparesForShutdown(begins); });
+    zelkGuard([&] { Q_EMIT preparesForShutdown(begins, std::exchange(m_shutdownKind, std::nullopt)); });
+}
+
+void ZELKLogind::didPrepareForShutdownWithMetadata(bool, const QVariantMap &metadata)
+{
+    zelkGuard([&] {
+        const QString type = metadata.value(QStringLiteral("type")).toString();
+        m_shutdownKind = ZELKShutdownKindOfTarget(type + QLatin1String(".target"));
+    });
 }
 
 void ZELKLogind::propertiesDidChange(const QString &interface, const QVariantMap &changed,

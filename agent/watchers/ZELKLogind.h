@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZELKIdleStates.h"
+#include "ZELKShutdownStates.h"
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
@@ -40,7 +41,8 @@ public:
 Q_SIGNALS:
     void arrived();
     void preparesForSleep(bool begins);
-    void preparesForShutdown(bool begins);
+    /// `kind` where this logind tells.
+    void preparesForShutdown(bool begins, std::optional<ZELKShutdownKind> kind);
     /// Ask anew: the hint, or since when, is another.
     void idleHintChanged();
     /// Something of no interest but as a sign of life.
@@ -49,6 +51,7 @@ Q_SIGNALS:
 private Q_SLOTS:
     void didPrepareForSleep(bool begins);
     void didPrepareForShutdown(bool begins);
+    void didPrepareForShutdownWithMetadata(bool begins, const QVariantMap &metadata);
     void propertiesDidChange(const QString &interface, const QVariantMap &changed,
                              const QStringList &invalidated);
 
@@ -61,6 +64,8 @@ private:
     QDBusConnection m_bus;
     QDBusServiceWatcher m_service;
     QDBusUnixFileDescriptor m_lock;
+    /// Told ahead of the plain signal, by newer logind.
+    std::optional<ZELKShutdownKind> m_shutdownKind;
     bool m_running = false;
     bool m_isThere = false;
     /// Counts the requests for the lock; an answer to any but the last is stale.

@@ -5,32 +5,19 @@
 
 #include <QDBusArgument>
 
-#include <utility>
-
 namespace {
 
 constexpr QLatin1String service("org.freedesktop.systemd1");
 constexpr QLatin1String managerPath("/org/freedesktop/systemd1");
 constexpr QLatin1String managerInterface("org.freedesktop.systemd1.Manager");
 
-constexpr std::pair<QLatin1String, ZELKShutdownKind> shutdownUnits[] = {
-    {QLatin1String("poweroff.target"), ZELKShutdownKind::PowerOff},
-    {QLatin1String("halt.target"), ZELKShutdownKind::PowerOff},
-    {QLatin1String("reboot.target"), ZELKShutdownKind::Restart},
-    {QLatin1String("kexec.target"), ZELKShutdownKind::Restart},
-    {QLatin1String("soft-reboot.target"), ZELKShutdownKind::Restart}};
+constexpr QLatin1String shutdownUnits[] = {QLatin1String("poweroff.target"), QLatin1String("halt.target"),
+                                           QLatin1String("reboot.target"), QLatin1String("kexec.target"),
+                                           QLatin1String("soft-reboot.target")};
 
 constexpr QLatin1String sleepUnits[] = {
     QLatin1String("systemd-suspend.service"), QLatin1String("systemd-hibernate.service"),
     QLatin1String("systemd-hybrid-sleep.service"), QLatin1String("systemd-suspend-then-hibernate.service")};
-
-std::optional<ZELKShutdownKind> kindOf(const QString &unit)
-{
-    for (const auto &[name, kind] : shutdownUnits)
-        if (unit == name)
-            return kind;
-    return std::nullopt;
-}
 
 QDBusMessage listJobs()
 {
@@ -50,7 +37,7 @@ ZELKManagerJobs::Answer readJobs(const QDBusMessage &answer)
         list.beginStructure();
         list >> number >> unit >> type >> state >> job >> path;
         list.endStructure();
-        if (const auto kind = kindOf(unit); kind && type == QLatin1String("start"))
+        if (const auto kind = ZELKShutdownKindOfTarget(unit); kind && type == QLatin1String("start"))
             result.kind = kind;
     }
     list.endArray();
@@ -99,7 +86,7 @@ void ZELKManagerJobs::connectSignals(bool connects)
         else
             m_bus.disconnect(service, managerPath, managerInterface, name, match, form, this, slot);
     };
-    for (const auto &[unit, kind] : shutdownUnits)
+    for (const QLatin1String unit : shutdownUnits)
         follow("JobNew", unit, "uos", SLOT(jobDidStart(uint, QDBusObjectPath, QString)));
     for (const QLatin1String unit : sleepUnits)
         follow("JobRemoved", unit, "uoss", SLOT(jobDidFinish(uint, QDBusObjectPath, QString, QString)));
@@ -130,7 +117,7 @@ ZELKManagerJobs::Answer ZELKManagerJobs::shutdownKind() const
 void ZELKManagerJobs::jobDidStart(uint, const QDBusObjectPath &, const QString &unit)
 {
     zelkGuard([&] {
-        if (const auto kind = kindOf(unit))
+        if (const auto kind = ZELKShutdownKindOfTarget(unit))
             Q_EMIT shutdownJobDidStart(*kind);
     });
 }

@@ -1,6 +1,18 @@
 #include "ZELKShutdownStates.h"
 
+#include <QStringList>
+
 #include <algorithm>
+
+std::optional<ZELKShutdownKind> ZELKShutdownKindOfTarget(const QString &target)
+{
+    static const QStringList offs{QStringLiteral("poweroff.target"), QStringLiteral("halt.target")};
+    static const QStringList restarts{QStringLiteral("reboot.target"), QStringLiteral("kexec.target"),
+                                      QStringLiteral("soft-reboot.target")};
+    if (restarts.contains(target))
+        return ZELKShutdownKind::Restart;
+    return offs.contains(target) ? std::optional(ZELKShutdownKind::PowerOff) : std::nullopt;
+}
 
 bool ZELKShutdownStates::announce(const ZELKMoment &moment)
 {

@@ -7,6 +7,8 @@
 #include <vector>
 
 enum class ZELKShutdownKind { PowerOff, Restart };
+/// Of the service manager's target that ends the system so: "reboot.target".
+std::optional<ZELKShutdownKind> ZELKShutdownKindOfTarget(const QString &target);
 
 /// Makes "System will power off", "System will restart" and "System will not power off" of what is heard
 /// about the end of the system: its announcement, which does not tell the kind, and the service manager's

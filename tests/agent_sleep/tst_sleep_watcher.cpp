@@ -190,18 +190,24 @@ private Q_SLOTS:
 
     void asksTheManagerForTheKind_data()
     {
-        const Rows<bool, QString, QStringList> row;
-        row("no manager", false, "", QStringList{u"System will power off, held"_s});
-        row("restart", true, rebootJob, QStringList{u"System will restart, held"_s});
-        row("nonsense", true, "'x'", QStringList{u"System will power off, held"_s});
+        const Rows<bool, QString, QStringList, QString> row;
+        const QStringList off{u"System will power off, held"_s}, restart{u"System will restart, held"_s};
+        row("no manager", false, "", off);
+        row("a job of another way", true, rebootJob, restart);
+        row("nonsense", true, "'x'", off);
         row("no job yet", true, otherJob, QStringList{});
+        row("logind tells", true, otherJob, restart, "soft-reboot");
+        row("logind tells nonsense", false, "", off, "nap");
     }
     void asksTheManagerForTheKind()
     {
-        const auto [there, jobs, expected] = Rows<bool, QString, QStringList>::fetch();
+        const auto [there, jobs, expected, type] = Rows<bool, QString, QStringList, QString>::fetch();
         if (there)
             m_manager.emplace(jobs);
         begin();
+        if (!type.isEmpty())
+            m_logind->emitSignal(u"PrepareForShutdownWithMetadata"_s, u"ba{sv}"_s,
+                                 {true, QVariantMap{{u"type"_s, type}}});
         m_logind->prepareForShutdown(true);
         QTRY_COMPARE(m_logind->locks(), 0);
         QCOMPARE(m_seen, expected);
