@@ -32,14 +32,10 @@ inline QString exact(const QVariant &value)
     return text + QLatin1Char(')');
 }
 
-inline QString exact(const ZELKDictionary &dictionary)
+template <typename T>
+QString exact(const T &value)
 {
-    return exact(QVariant::fromValue(dictionary));
-}
-
-inline QString exact(ZELKDate date)
-{
-    return exact(QVariant::fromValue(date));
+    return exact(QVariant::fromValue(value));
 }
 
 inline QString place(const ZELKLWCLog &log, const ZELKLWCLogEntry *entry)

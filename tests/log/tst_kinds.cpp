@@ -124,33 +124,39 @@ private Q_SLOTS:
         QTEST(entry->attributesAsString(), "attributes");
     }
 
+    /// Only words of the program stay as they are, whatever texts the bundle has.
     void looksEveryTextUp()
     {
         LogFixture fixture(Texts::Invented);
-        const QString time = ZELKLWCDuration::longStringFromDuration(1);
-        for (const auto &[event, format] : {std::pair{wakeEvent, u"~System powering on after %1~"_s},
-                                            {sleepEvent, u"~System sleeping after %1~"_s},
-                                            {u"startup"_s, u"~Starting up after %1~"_s},
-                                            {u"accounting shut down"_s, u"~Shutting down after %1~"_s}}) {
-            LogFixture pair(Texts::Invented);
-            pair.add(rawEvent(0, event == u"startup" ? sleepEvent : u"startup"_s));
-            const ZELKLWCLogEntry *entry = pair.add(rawEvent(1, event));
-            QCOMPARE(entry->summary(), format.arg(time));
-            QVERIFY(entry->attributesAsString().startsWith(u"~Properties~:[~Duration~"_s));
-            QVERIFY(!entry->pairRepresents().contains(u'~')); // words of the program, not of the reader
+        const ZELKDictionary onCable{{source, u"AC Power"_s}, {toEmpty, 1LL}};
+        fixture.addAll({rawEvent(0, u"Starting monitor"_s), rawEvent(1, u"startup"_s),
+                        rawEvent(2, sleepEvent), rawEvent(3, wakeEvent),
+                        rawEvent(4, u"accounting shut down"_s), rawEvent(5, u"startup"_s), plainAt(6),
+                        rawEvent(7, vetoEvent), batteryEvent(8, reading(50)), batteryEvent(9, reading(51)),
+                        batteryEvent(10, reading(50)), batteryEvent(11, reading(50, {{charging, true}})),
+                        batteryEvent(12, reading(50)), batteryEvent(13, reading(50, onCable)),
+                        batteryEvent(14, reading(50, {{present, false}, {toEmpty, 1LL}})),
+                        rawEvent(15, idleEvent, {{idleKey, 1LL}, {processes, QVariantList{u"Name"_s}}})});
+        QStringList notLookedUp;
+        for (const ZELKLWCLogEntry *entry : fixture.log.entry()) {
+            if (!entry->summary().startsWith(u'~') || !entry->summary().endsWith(u'~'))
+                notLookedUp.append(entry->summary());
+            QVERIFY(!entry->pairRepresents().contains(u'~'));
         }
-        const ZELKLWCLogEntry *entry =
-            fixture.add(rawEvent(2, idleEvent, {{idleKey, 1LL}, {processes, QVariantList{u"Name"_s}}}));
-        QCOMPARE(entry->summary(), u"~Preparing to sleep after %1 idle time~"_s.arg(time));
+        QCOMPARE(notLookedUp, QStringList());
+        QCOMPARE(fixture.at(9)->summary(), u"~'BAT0' ~up to~ 51% capacity~"_s);
+        QVERIFY(fixture.at(3)->attributesAsString().startsWith(u"~Properties~:[~Duration~"_s));
         // The idle kind's own key is looked up, the base's is not.
-        QCOMPARE(entry->attributes(), (QStringList{u"~Properties~"_s, u"~Processes~"_s, u"Processes"_s}));
-        QCOMPARE(entry->attributeForKey(u"Processes"_s), QVariant(QVariantList{u"Name"_s}));
-        // A duration, so that it can be spelt later, in whatever language.
-        QCOMPARE(entry->attributeForKey(u"~Properties~"_s)
-                     .value<ZELKDictionary>()
-                     .value(u"~Idle Seconds~"_s)
-                     .value<ZELKLWCDuration>(),
-                 ZELKLWCDuration(1.0));
+        const ZELKLWCLogEntry *idle = fixture.log.pastEntry();
+        QCOMPARE(idle->attributes(), (QStringList{u"~Properties~"_s, u"~Processes~"_s, u"Processes"_s}));
+        QVERIFY(idle->attributesAsString().startsWith(u"~Properties~:[~Idle Seconds~"_s));
+        const auto values = idle->attributeForKey(u"~Properties~"_s).value<ZELKDictionary>();
+        QCOMPARE(values.value(u"~Idle Seconds~"_s).value<ZELKLWCDuration>(), ZELKLWCDuration(1.0));
+        const ZELKLWCLogEntry *removed = fixture.at(14);
+        QCOMPARE(removed->group(), u"~~org.zelk.monitor.watcher.powersource~ - BAT0~"_s);
+        const auto device = removed->attributeForKey(u"Device"_s).value<ZELKDictionary>();
+        QCOMPARE(device.keys().join(u' '), u"~Name~ ~Current Capacity~ ~Time to Empty~ ~Duration~"_s);
+        QCOMPARE(device.value(u"~Current Capacity~"_s), QVariant(u"~50%~"_s));
     }
 
     void anotherRegistryMakesAccounts()

@@ -178,20 +178,6 @@ private Q_SLOTS:
         QCOMPARE(between(0, 60, 70), 50.0F);     // at one time
         QCOMPARE(between(-100, 60, -50), 50.0F); // turned in time
     }
-
-    void knowsTheirPlaces()
-    {
-        LogFixture fixture;
-        // Duplicates and loose entries take handles between.
-        for (int i = 0; i < 40; ++i) {
-            fixture.add(batteryEvent(i, reading(i / 3)));
-            fixture.log.entryWithDate(ZELKDate(0), u"e"_s, u"m"_s, {});
-        }
-        for (int i = 0; i < fixture.log.count(); ++i)
-            QCOMPARE(fixture.log.indexOfEntry(fixture.at(i)), std::optional(std::uint64_t(i)));
-        LogFixture other;
-        QVERIFY(!fixture.log.indexOfEntry(other.add(plainAt(0))));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestSearches)
