@@ -88,7 +88,7 @@ class TestSleepStates : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void tells_data()
+    void sleeps_data()
     {
         const Rows<QString, QString> row;
         row("a night", "true +2 z28500 +1 false", "sleep 0, wake 28503");
@@ -121,7 +121,12 @@ private Q_SLOTS:
         row("announced a while after an unannounced one", "z600 look +6 true",
             "sleep 0, wake 600, sleep 606");
         row("late, without growth", "jobs true done false", "sleep 0, wake 0");
+    }
+    void sleeps() { plays(); }
 
+    void failedSleeps_data()
+    {
+        const Rows<QString, QString> row;
         row("failed", "jobs true +1 failed +1 false", "sleep 0, refused 1, wake 1");
         row("failed, doubled", "jobs true true failed failed false false", "sleep 0, refused 0, wake 0");
         row("failed after it slept", "jobs true z600 failed false", "sleep 0, wake 600");
@@ -132,7 +137,12 @@ private Q_SLOTS:
         row("no job, but it slept", "jobs true z60 false", "sleep 0, wake 60");
         row("a job that is not this one's", "jobs true done z60 false +9 true false",
             "sleep 0, wake 60, sleep 69, refused 69, wake 69");
+    }
+    void failedSleeps() { plays(); }
 
+    void clockSteps_data()
+    {
+        const Rows<QString, QString> row;
         row("clock set back while asleep", "true z600 c-60 false", "sleep 0, wake 540");
         row("clock set back before the sleep", "true z600 c-7200 false +9 look", "sleep 0, wake 0");
         row("clock set ahead while awake", "c7200 look +1 true z60 false", "sleep 7201, wake 7261");
@@ -140,7 +150,12 @@ private Q_SLOTS:
         row("clock set back, unannounced", "+9000 z600 c-3600 look", "sleep 5400, wake 6000");
         row("counters set back", "true z60 false z-60 look z60 +9 look",
             "sleep 0, wake 60, sleep 9, wake 69");
+    }
+    void clockSteps() { plays(); }
 
+    void shutDowns_data()
+    {
+        const Rows<QString, QString> row;
         row("restart", "announce announce reboot reboot announce", "restart 0");
         row("power off", "announce +1 poweroff", "off 0");
         row("nobody knows", "announce +9 unknown unknown reboot", "off 0");
@@ -152,11 +167,7 @@ private Q_SLOTS:
         row("another, after one that came to nothing", "announce unknown +61 announce reboot",
             "off 0, restart 61");
     }
-    void tells()
-    {
-        const auto [script, expected] = Rows<QString, QString>::fetch();
-        QCOMPARE(Machine().play(script), expected);
-    }
+    void shutDowns() { plays(); }
 
     void tellsOfHolders_data()
     {
@@ -197,6 +208,13 @@ private Q_SLOTS:
         const std::vector<ZELKInhibitor> holders{{u"idle"_s, u"a"_s, u"b"_s, u"block"_s, 1}};
         QCOMPARE(states.inhibitors(holders, 2).size(), 1u);
         QCOMPARE(states.inhibitors(holders, 2).size(), 0u);
+    }
+
+private:
+    static void plays()
+    {
+        const auto [script, expected] = Rows<QString, QString>::fetch();
+        QCOMPARE(Machine().play(script), expected);
     }
 };
 
