@@ -27,16 +27,24 @@ void localiseObject(QObject &object, const QString &className)
 std::unique_ptr<QWidget> ZELKInterfaceLoader::loadInterface(const ZELKBundle &mainBundle,
                                                             const QString &className)
 {
+    std::unique_ptr<QWidget> root = loadIfSound(mainBundle, className);
+    if (!root)
+        ZELKAssertion::fail(QStringLiteral("client/") + className, 0,
+                            ZELKFormat("%@ interface file is missing or malformed", {className}));
+    return root;
+}
+
+std::unique_ptr<QWidget> ZELKInterfaceLoader::loadIfSound(const ZELKBundle &mainBundle,
+                                                          const QString &className)
+{
     ZELKInterfaceLoader loader;
     loader.setTranslationEnabled(false);
     QFile file(mainBundle.pathForResource(className, QStringLiteral("ui")));
     std::unique_ptr<QWidget> root;
     if (file.open(QIODevice::ReadOnly))
         root.reset(loader.load(&file));
-    if (!root)
-        ZELKAssertion::fail(QStringLiteral("client/") + className, 0,
-                            ZELKFormat("%@ interface file is missing or malformed", {className}));
-    localise(*root, className);
+    if (root)
+        localise(*root, className);
     return root;
 }
 

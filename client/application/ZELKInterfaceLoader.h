@@ -19,6 +19,8 @@ class ZELKInterfaceLoader : public QUiLoader
 public:
     /// A missing or malformed file raises "%@ interface file is missing or malformed".
     static std::unique_ptr<QWidget> loadInterface(const ZELKBundle &mainBundle, const QString &className);
+    /// The same for a class that reports such a file in its own words: null.
+    static std::unique_ptr<QWidget> loadIfSound(const ZELKBundle &mainBundle, const QString &className);
     /// The text of `key` in the table that belongs to the class.
     static QString text(const QString &className, const QString &key);
 
