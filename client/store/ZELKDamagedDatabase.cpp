@@ -9,17 +9,33 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <array>
+
 namespace {
 
 // SQLite's primary result codes.
 constexpr int sqliteCorrupt = 11;
 constexpr int sqliteNotADatabase = 26;
 
+// With its closing NUL.
+constexpr std::array sqliteHeader = std::to_array("SQLite format 3");
+
 } // namespace
 
 bool ZELKDamagedDatabase::isToldBy(int code)
 {
     return code == sqliteCorrupt || code == sqliteNotADatabase;
+}
+
+bool ZELKDamagedDatabase::wasCache(const QString &path)
+{
+    if (path.endsWith(QLatin1String(".lullwatch-events")))
+        return true;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray begin = file.read(qint64(sqliteHeader.size()));
+    return begin == QByteArrayView(sqliteHeader) || begin.count('\0') == begin.size();
 }
 
 bool ZELKDamagedDatabase::isDamaged(ZELKSQLitePort &port, const QString &path)

@@ -9,6 +9,9 @@ namespace ZELKDamagedDatabase {
 
 /// A result code that speaks of damage.
 bool isToldBy(int code);
+/// The file was a cache once, whatever has become of it: it begins as SQLite's files do, or is named as our
+/// caches are, or begins with zeros, as a file may after a power failure. Any other file is somebody else's.
+bool wasCache(const QString &path);
 /// The file is no database or its schema cannot be read. A file that merely cannot be opened, or is locked,
 /// is not damaged.
 bool isDamaged(ZELKSQLitePort &port, const QString &path);

@@ -13,6 +13,7 @@
 #include "ZELKServiceNames.h"
 
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -27,9 +28,10 @@ constexpr auto delayAfterInstallation = 100ms;
 
 ZELKLWCStore::ZELKLWCStore(const World &world, QObject *parent)
     : QObject(parent)
-    , ZELKLWCStoreCache(world.bundle, world.sqlite, world.databaseFile)
+    , ZELKLWCStoreCache(world.bundle, world.sqlite, world.databaseFile, world.setsDamagedAside)
     , m_bus(world.bus)
     , m_agentLimit(world.agentLimit)
+    , m_servesUpdates(world.servesUpdates)
 {
     registerUpdateConnection();
     if (!m_updateConnection)
@@ -94,7 +96,7 @@ QString ZELKLWCStore::updateIdentifier()
 
 void ZELKLWCStore::registerUpdateConnection()
 {
-    if (!m_bus.isConnected())
+    if (!m_servesUpdates || !m_bus.isConnected())
         return;
     // The object before the name: who finds the name finds the object, and where another store of this
     // connection has the object, its name is left alone.
@@ -151,7 +153,8 @@ void ZELKLWCStore::fetchAgentEvents()
             endFetch(false);
         return;
     }
-    agent->registerForEventUpdates(updateIdentifier());
+    if (m_servesUpdates)
+        agent->registerForEventUpdates(updateIdentifier());
     if (m_fetching) {
         m_fetchAgain = true;
         return;
@@ -259,10 +262,19 @@ void ZELKLWCStore::syncWithLocalCache()
 
 void ZELKLWCStore::updateLogEvents()
 {
+    try {
+        feedLog();
+    } catch (...) {
+        setLogIsBehind(true);
+        throw;
+    }
+}
+
+void ZELKLWCStore::feedLog()
+{
     std::vector<UnreadableRow> unreadable;
     ZELKRawEventReader reader;
     ZELKLogFeed feed(*m_logController, m_handedOfFinal);
-    m_logIsBehind = true;
     const ZELKDatabaseResult result = readRows(feed.from(), std::nullopt, [&](const ZELKDatabaseRow &row) {
         const ZELKRawEventReader::Kind kind = reader.read(row.column(0).bytes);
         if (kind == ZELKRawEventReader::Kind::Faulty)
@@ -272,12 +284,18 @@ void ZELKLWCStore::updateLogEvents()
         return true;
     });
     feed.end();
-    m_logIsBehind = result.failed();
-    m_handedOfFinal = m_logIsBehind ? feed.handedOfFinalDate() : 0;
+    m_handedOfFinal = result.failed() ? feed.handedOfFinalDate() : 0;
+    setLogIsBehind(result.failed());
     for (const UnreadableRow &row : unreadable) {
         setRowAside(row);
         zelkGuard([&] { failToInflate(row); });
     }
+}
+
+void ZELKLWCStore::setLogIsBehind(bool isBehind)
+{
+    if (std::exchange(m_logIsBehind, isBehind) != isBehind)
+        Q_EMIT logIsBehindChanged(isBehind);
 }
 
 void ZELKLWCStore::addEntryForMonitor(const QString &event, const QString &monitor, ZELKDate time)

@@ -42,6 +42,10 @@ public:
         /// Milliseconds for the agent's answer, and for each silence in its stream, after which it has
         /// failed. Less than usual only where a test waits for it.
         int agentLimit = ZELKServiceNames::callTimeoutMilliseconds;
+        /// Serve the call-back: for a store that stays. One of a short command would keep the name from it.
+        bool servesUpdates = true;
+        /// A damaged cache makes room for a new one; else it stays where it is, and is only told of.
+        bool setsDamagedAside = true;
     };
 
     /// Serves the call-back on the bus. When the name is taken there (another copy of the application) there
@@ -70,8 +74,12 @@ public:
     /// request during a fetch is kept until it has ended.
     void fetchAgentEvents();
     bool isFetching() const { return m_fetching; }
+    /// Events that have come in the fetch under way, or else in the last one.
+    std::uint64_t streamedCount() const { return m_streamedCount; }
     /// Hands the log the cached events that are newer than its last.
     void updateLogEvents();
+    /// The cache could not be read to its end when the log was last fed from it.
+    bool isLogBehind() const { return m_logIsBehind; }
     /// After a change of the agent's installation: fetches, or notes in a log with entries that monitoring
     /// stopped.
     void updateAgentConnection();
@@ -89,8 +97,11 @@ public:
 Q_SIGNALS:
     /// A fetch has ended: `complete` when all the agent had to give is in the cache and in the log.
     void fetchFinished(bool complete);
+    void logIsBehindChanged(bool isBehind);
 
 private:
+    void feedLog();
+    void setLogIsBehind(bool isBehind);
     void registerUpdateConnection();
     void endAgentConnection();
     ZELKAgentEventService *agentConnection();
@@ -102,6 +113,7 @@ private:
 
     QDBusConnection m_bus;
     int m_agentLimit;
+    bool m_servesUpdates;
     ZELKAgentController *m_agentController = nullptr;
     ZELKLWCLog *m_logController = nullptr;
     std::unique_ptr<ZELKAgentEventService> m_agentConnection;

@@ -42,9 +42,11 @@ ZELKRawEvent rawEvent(const ZELKRawEventView &view)
 } // namespace
 
 ZELKLWCStoreCache::ZELKLWCStoreCache(std::shared_ptr<const ZELKBundle> bundle,
-                                     std::shared_ptr<ZELKSQLitePort> port, const QString &databaseFile)
+                                     std::shared_ptr<ZELKSQLitePort> port, const QString &databaseFile,
+                                     bool setsAside)
     : ZELKDatabaseController(std::move(bundle), port)
     , m_databaseFile(databaseFile)
+    , m_setsAside(setsAside)
     , m_sqlite(std::move(port))
 {
 }
@@ -80,8 +82,13 @@ QUrl ZELKLWCStoreCache::databaseURL()
 void ZELKLWCStoreCache::databaseWillOpen(const QString &path)
 {
     m_openedPath = path;
-    if (QFileInfo(path).size() > 0 && ZELKDamagedDatabase::isDamaged(*m_sqlite, path))
-        ZELKDamagedDatabase::setAside(path);
+    if (QFileInfo(path).size() == 0 || !ZELKDamagedDatabase::isDamaged(*m_sqlite, path))
+        return;
+    if (!ZELKDamagedDatabase::wasCache(path))
+        fail(ZELKFormat("%@ is no database.", {path}));
+    if (!m_setsAside)
+        fail(ZELKFormat("%@ is damaged.", {path}));
+    ZELKDamagedDatabase::setAside(path);
 }
 
 void ZELKLWCStoreCache::databaseDidOpen()
@@ -98,7 +105,7 @@ void ZELKLWCStoreCache::recover(bool raised)
                                 : ZELKDamagedDatabase::isToldBy(lastResult().code);
     if (damaged || isInTransaction())
         closeDatabase();
-    if (damaged && !isOpen())
+    if (damaged && m_setsAside && !isOpen())
         ZELKDamagedDatabase::setAside(m_openedPath);
 }
 
@@ -174,6 +181,12 @@ bool ZELKLWCStoreCache::cacheEvents(const std::optional<QList<ZELKRawEvent>> &so
         written = writeRows(rows, std::nullopt);
     }
     return written;
+}
+
+std::uint64_t ZELKLWCStoreCache::changeCount()
+{
+    const std::optional<Rows> rows = executeStatement(QStringLiteral("ZELKLWCStoreSQLChanges"), {});
+    return rows && !rows->isEmpty() ? rows->constFirst().value(QStringLiteral("count")).toULongLong() : 0;
 }
 
 // MARK: the last synchronisation

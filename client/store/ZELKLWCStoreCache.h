@@ -8,6 +8,7 @@
 #include <QList>
 #include <QString>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -18,9 +19,10 @@
 class ZELKLWCStoreCache : public ZELKDatabaseController
 {
 public:
-    /// An empty `databaseFile` stands for the one in the user's documents folder. Opens nothing.
+    /// An empty `databaseFile` stands for the one in the user's documents folder. One that only reads leaves
+    /// a damaged file where it is, and raises. Opens nothing.
     ZELKLWCStoreCache(std::shared_ptr<const ZELKBundle> bundle, std::shared_ptr<ZELKSQLitePort> port,
-                      const QString &databaseFile);
+                      const QString &databaseFile, bool setsAside = true);
     ~ZELKLWCStoreCache() override;
 
     QString className() const override { return QStringLiteral("ZELKLWCStore"); }
@@ -36,6 +38,9 @@ public:
     /// date and without end. A row that cannot be read is put aside and raised; the next call goes on without
     /// it.
     QList<ZELKRawEvent> sortedCachedEventsFromDate(std::optional<ZELKDate> from, std::optional<ZELKDate> to);
+
+    /// Rows changed through this connection so far; an event that was there already changes none.
+    std::uint64_t changeCount();
 
     /// When events were last brought; distant past at first, and when lastResult() failed().
     ZELKDate lastSyncDate();
@@ -57,7 +62,7 @@ protected:
         QString error;
     };
 
-    /// Sets a damaged file aside.
+    /// Sets a damaged cache aside. A file that never was one raises "… is no database.".
     void databaseWillOpen(const QString &path) override;
     void databaseDidOpen() override;
 
@@ -82,6 +87,7 @@ private:
     bool insert(const CacheRow &row);
 
     QString m_databaseFile;
+    bool m_setsAside;
     QString m_openedPath;
     std::shared_ptr<ZELKSQLitePort> m_sqlite;
 };
