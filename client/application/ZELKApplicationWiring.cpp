@@ -7,6 +7,19 @@
 
 using Notification = ZELKLWCDateRangeController::ApplicationNotification;
 
+namespace {
+
+ZELKLWCStore::World storeWorld(const ZELKApplicationSettings &settings,
+                               const ZELKApplicationWiring::World &world)
+{
+    ZELKLWCStore::World store{settings.bundle, world.sqlite, world.bus, settings.cacheFile()};
+    store.servesUpdates = world.servesUpdates;
+    store.setsDamagedAside = world.setsDamagedAside;
+    return store;
+}
+
+} // namespace
+
 ZELKApplicationWiring::World ZELKApplicationWiring::World::real(const ZELKApplicationSettings &settings)
 {
     if (!settings.knowsAgent())
@@ -26,7 +39,7 @@ ZELKApplicationWiring::ZELKApplicationWiring(const ZELKApplicationSettings &sett
     , m_defaults(settings.defaultsFile())
     , m_dateRange(m_defaults)
     , m_agentController(world.ports)
-    , m_store(new ZELKLWCStore({settings.bundle, world.sqlite, world.bus, settings.cacheFile()}))
+    , m_store(new ZELKLWCStore(storeWorld(settings, world)))
 {
     ZELKLWClientAppDelegate::initialize(*settings.bundle, m_defaults);
     connectOutlets();

@@ -27,6 +27,9 @@ public:
         ZELKAgentPorts ports;
         QDBusConnection bus;
         std::shared_ptr<ZELKSQLitePort> sqlite;
+        /// As the store's world has them.
+        bool servesUpdates = true;
+        bool setsDamagedAside = true;
 
         /// The user's session bus and the system's; without an agent for settings that know of none.
         static World real(const ZELKApplicationSettings &settings);

@@ -1,7 +1,7 @@
 #include "ZELKCommandLine.h"
 
 #include "ZELKAssertion.h"
-#include "ZELKEnvironment.h"
+#include "ZELKCommandLineText.h"
 #include "ZELKLWCMainWindowController.h"
 #include "ZELKLineSource.h"
 #include "ZELKRawEventImport.h"
@@ -14,6 +14,7 @@
 #include <QMainWindow>
 #include <QPixmap>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -25,13 +26,6 @@ namespace {
 using Command = ZELKCommandLineOptions::Command;
 
 constexpr int everythingTag = 8;
-
-QString text(const char *key)
-{
-    return ZELKEnvironment::current().mainBundle->localizedStringForKey(QString::fromLatin1(key), {},
-                                                                        QStringLiteral("ZELKCommandLine"));
-}
-
 } // namespace
 
 ZELKCommandLine::ZELKCommandLine(const ZELKApplicationSettings &settings,
@@ -78,7 +72,7 @@ bool ZELKCommandLine::finishOutput()
 {
     if (m_output.flush() != ZELKTextOutput::State::Failed)
         return true;
-    complain(ZELKFormat(text("The output cannot be written: %@"), {m_output.error()}));
+    complain(ZELKFormat(ZELKCommandLineText("The output cannot be written: %@"), {m_output.error()}));
     return false;
 }
 
@@ -90,27 +84,36 @@ bool ZELKCommandLine::usesAgent() const
     return m_settings.knowsAgent() && (m_settings.databaseFile.isEmpty() || m_options.startsAgent);
 }
 
+/// The agent's call-backs are for a window, which may be opened meanwhile; and who only reads leaves a
+/// damaged file as it is.
 ZELKApplicationWiring::World ZELKCommandLine::world() const
 {
-    return usesAgent() ? ZELKApplicationWiring::World::real(m_settings)
-                       : ZELKApplicationWiring::World::withoutAgent();
+    auto world = usesAgent() ? ZELKApplicationWiring::World::real(m_settings)
+                             : ZELKApplicationWiring::World::withoutAgent();
+    world.servesUpdates = false;
+    world.setsDamagedAside = usesAgent();
+    return world;
 }
 
-/// False only when an agent that was to be started could not be.
+/// False when an agent that was to be started could not be, and when the log is not all that the cache has.
 bool ZELKCommandLine::synchronise(ZELKApplicationWiring &wiring)
 {
     const QString file = m_settings.cacheFile();
     if (!usesAgent() && !file.isEmpty() && !QFileInfo::exists(file)) {
-        complain(ZELKFormat(text("%@ is not there; nothing has been kept in it yet."), {file}));
+        complain(
+            ZELKFormat(ZELKCommandLineText("%@ is not there; nothing has been kept in it yet."), {file}));
         return true;
     }
     wiring.store().syncWithLocalCache();
-    if (!usesAgent())
-        return true;
-    ZELKSynchronisation synchronisation(wiring, [this](const QString &words) { complain(words); });
-    const bool started = !m_options.startsAgent || synchronisation.startAgent();
-    synchronisation.fetch();
-    return started;
+    bool started = true;
+    if (usesAgent()) {
+        ZELKSynchronisation synchronisation(wiring, [this](const QString &words) { complain(words); });
+        started = !m_options.startsAgent || synchronisation.startAgent();
+        synchronisation.fetch();
+    }
+    if (wiring.store().isLogBehind())
+        complain(ZELKCommandLineText("The events cannot be read to their end; these are not all."));
+    return started && !wiring.store().isLogBehind();
 }
 
 // MARK: list
@@ -118,7 +121,7 @@ bool ZELKCommandLine::synchronise(ZELKApplicationWiring &wiring)
 bool ZELKCommandLine::list()
 {
     ZELKApplicationWiring wiring(m_settings, world());
-    const bool started = synchronise(wiring);
+    const bool isWhole = synchronise(wiring);
     const auto writer = ZELKEntryWriter::make(m_options.format, wiring.log(), m_output);
     const bool isPeriod = m_options.from || m_options.to;
     const ZELKDate from = m_options.from ? m_options.from->begin() : ZELKDate::distantPast();
@@ -135,7 +138,7 @@ bool ZELKCommandLine::list()
             writer->write(entry, i);
     }
     writer->end();
-    return started;
+    return isWhole;
 }
 
 // MARK: import
@@ -147,7 +150,7 @@ bool ZELKCommandLine::import()
     const int descriptor = ::open(QFile::encodeName(m_options.file).constData(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) {
         const QString reason = QString::fromLocal8Bit(std::strerror(errno));
-        complain(ZELKFormat(text("%@ cannot be read: %@"), {m_options.file, reason}));
+        complain(ZELKFormat(ZELKCommandLineText("%@ cannot be read: %@"), {m_options.file, reason}));
         return false;
     }
     bool succeeded = false;
@@ -160,17 +163,17 @@ bool ZELKCommandLine::importFrom(int descriptor)
 {
     ZELKApplicationWiring wiring(m_settings, ZELKApplicationWiring::World::withoutAgent());
     ZELKRawEventImport import(wiring.store(), [this](std::uint64_t number, const QString &reason) {
-        complain(ZELKFormat(text("line %lu: %@"), {number, reason}));
+        complain(ZELKFormat(ZELKCommandLineText("line %lu: %@"), {number, reason}));
     });
     ZELKLineSource lines(descriptor, ZELKRawEventImport::longestLine);
     const bool wasKept = import.run(lines);
     if (!wasKept)
-        complain(text("The events cannot be kept: their file cannot be written."));
+        complain(ZELKCommandLineText("The events cannot be kept: their file cannot be written."));
     if (!lines.error().isEmpty())
-        complain(ZELKFormat(text("%@ cannot be read: %@"), {m_options.file, lines.error()}));
-    m_output.write(
-        ZELKFormat(text("imported %lu events, skipped %lu lines"), {import.imported(), import.skipped()}) +
-        QLatin1Char('\n'));
+        complain(ZELKFormat(ZELKCommandLineText("%@ cannot be read: %@"), {m_options.file, lines.error()}));
+    m_output.write(ZELKFormat(ZELKCommandLineText("imported %lu events, %lu of them new, skipped %lu lines"),
+                              {import.imported(), import.added(), import.skipped()}) +
+                   QLatin1Char('\n'));
     const bool isOfUse = import.imported() > 0 || import.skipped() == 0;
     return wasKept && lines.error().isEmpty() && isOfUse;
 }
@@ -185,9 +188,9 @@ bool ZELKCommandLine::snapshot()
         window = std::make_unique<ZELKLWCMainWindowController>(wiring);
         window->showWindow();
     }
-    const bool started = synchronise(wiring);
+    const bool isWhole = synchronise(wiring);
     printLatest(wiring.log());
-    return (!window || takePicture(wiring, *window)) && started;
+    return (!window || takePicture(wiring, *window)) && isWhole;
 }
 
 void ZELKCommandLine::printLatest(const ZELKLWCLog &log)
@@ -204,10 +207,12 @@ bool ZELKCommandLine::takePicture(ZELKApplicationWiring &wiring, ZELKLWCMainWind
     wiring.dateRange().takeSelectionTagFrom(everythingTag);
     QCoreApplication::processEvents();
     if (!window.window()->grab().save(m_options.picture, "PNG")) {
-        complain(ZELKFormat(text("The picture cannot be written to %@."), {m_options.picture}));
+        complain(
+            ZELKFormat(ZELKCommandLineText("The picture cannot be written to %@."), {m_options.picture}));
         return false;
     }
-    m_output.write(ZELKFormat(text("A picture of the window stands in %@."), {m_options.picture}) +
-                   QLatin1Char('\n'));
+    m_output.write(
+        ZELKFormat(ZELKCommandLineText("A picture of the window stands in %@."), {m_options.picture}) +
+        QLatin1Char('\n'));
     return true;
 }

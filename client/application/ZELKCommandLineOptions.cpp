@@ -1,6 +1,7 @@
 #include "ZELKCommandLineOptions.h"
 
 #include "ZELKApplicationSettings.h"
+#include "ZELKCommandLineText.h"
 #include "ZELKEnvironment.h"
 #include "ZELKFormat.h"
 
@@ -23,9 +24,10 @@ struct Complaint
     QString text;
 };
 
-[[noreturn]] void complain(const char *format, const QString &argument = {}, const QString &second = {})
+/// `key` is one of the command line's texts.
+[[noreturn]] void complain(const char *key, const QString &argument = {}, const QString &second = {})
 {
-    throw Complaint{ZELKFormat(format, {argument, second})};
+    throw Complaint{ZELKFormat(ZELKCommandLineText(key), {argument, second})};
 }
 
 const QHash<QString, int> &rangeTags()
@@ -64,10 +66,10 @@ struct OptionRow
 };
 constexpr OptionRow optionRows[] = {
     {"database", "FILE", Command::Window},  {"profile", "NAME", Command::Window},
-    {"start-agent", "", Command::Window},   {"range", "RANGE", Command::List},
-    {"from", "DATE", Command::List},        {"to", "DATE", Command::List},
-    {"format", "FORMAT", Command::List},    {"picture", "FILE", Command::Snapshot},
-    {"count", "NUMBER", Command::Snapshot},
+    {"start-agent", "", Command::Window},   {"or-picture", "FILE", Command::Window},
+    {"range", "RANGE", Command::List},      {"from", "DATE", Command::List},
+    {"to", "DATE", Command::List},          {"format", "FORMAT", Command::List},
+    {"picture", "FILE", Command::Snapshot}, {"count", "NUMBER", Command::Snapshot},
 };
 
 class Reader
@@ -78,6 +80,7 @@ public:
 
 private:
     void takeCommand();
+    void checkBelonging() const;
     void takeGlobals();
     void takeList();
     void takeSnapshot();
@@ -106,8 +109,10 @@ Options::Parsed Reader::read()
         return {Options::Outcome::Help, {}, {}};
     if (m_parser.isSet(QStringLiteral("version")))
         return {Options::Outcome::Version, {}, {}};
+    if (const QStringList unknown = m_parser.unknownOptionNames(); !unknown.isEmpty())
+        complain("Unknown option '%@'.", unknown.constFirst());
     if (!isSound)
-        complain("%@", m_parser.errorText());
+        complain("The options are not in order: %@", m_parser.errorText());
     takeCommand();
     takeGlobals();
     takeList();
@@ -133,11 +138,21 @@ void Reader::takeCommand()
     }
     if (!words.isEmpty())
         complain("Unexpected argument \"%@\".", words.constFirst());
-    for (const OptionRow &row : optionRows)
-        if (row.command != Command::Window && row.command != m_options.command &&
-            m_parser.isSet(QString::fromLatin1(row.name)))
-            complain("--%@ belongs to the command %@.", QString::fromLatin1(row.name),
-                     commands().key(row.command));
+    checkBelonging();
+}
+
+void Reader::checkBelonging() const
+{
+    const bool orPicture = m_parser.isSet(QStringLiteral("or-picture"));
+    if (orPicture && m_options.command != Command::Window)
+        complain("--or-picture stands in for the window: it does not go together with a command.");
+    for (const OptionRow &row : optionRows) {
+        const QString name = QString::fromLatin1(row.name);
+        const bool goes = row.command == Command::Window || row.command == m_options.command ||
+                          (orPicture && name == QLatin1String("count"));
+        if (!goes && m_parser.isSet(name))
+            complain("--%@ belongs to the command %@.", name, commands().key(row.command));
+    }
 }
 
 std::optional<QString> Reader::value(const char *name) const
@@ -199,6 +214,7 @@ void Reader::takeList()
 void Reader::takeSnapshot()
 {
     m_options.picture = value("picture").value_or(QString());
+    m_options.orPicture = value("or-picture").value_or(QString());
     if (const auto count = value("count")) {
         bool isNumber = false;
         m_options.count = count->toInt(&isNumber);
@@ -248,39 +264,4 @@ Options::Parsed Options::parse(const QStringList &arguments)
     } catch (const Complaint &complaint) {
         return {Outcome::Wrong, complaint.text, {}};
     }
-}
-
-QString Options::help()
-{
-    return QStringLiteral(
-        R"(Shows what happened to this computer: when it slept, woke, started and changed its power.
-
-Usage: lullwatch [OPTIONS]                     opens the window
-       lullwatch [OPTIONS] list [...]          prints entries
-       lullwatch [OPTIONS] import FILE         takes events in, from a file or "-" (standard input)
-       lullwatch [OPTIONS] snapshot [...]      prints the latest entries, without a display
-
-Options, which may also follow the command:
-  --database FILE    keep the events in FILE
-  --profile NAME     a world of its own: settings and events apart from all others, and no agent
-  --start-agent      start the recording agent in this session if it is not running
-  -h, --help         print this
-  -v, --version      print the version
-
-list:
-  --range RANGE      today, yesterday, last-seven-days, this-month, last-month, this-week, last-week or
-                     everything (which it is without this)
-  --from DATE        entries from then on: YYYY-MM-DD, YYYY-MM-DDTHH:MM or YYYY-MM-DDTHH:MM:SS, local time
-  --to DATE          entries up to then, that day or second included
-  --format FORMAT    table (which it is without this), tsv or json
-
-import: raw events, one JSON object a line, with the keys "date" (seconds since 2001-01-01 UTC),
-"description", "monitor" and "properties" (a property list as text, or "NULL")
-
-snapshot:
-  --count NUMBER     how many entries, 20 without this
-  --picture FILE     also write a picture of the window, as PNG
-
-The exit status is 0, 1 when something failed, and 2 when the command line was wrong.
-)");
 }

@@ -33,6 +33,8 @@ struct ZELKCommandLineOptions
     QString databaseFile;
     QString profile;
     bool startsAgent = false;
+    /// window: where there is no display, a snapshot with this picture instead; empty for a refusal.
+    QString orPicture;
 
     /// list: the tag of a preset range, and within that from and to.
     int rangeTag = 8;
@@ -41,7 +43,7 @@ struct ZELKCommandLineOptions
     ZELKEntryWriter::Format format = ZELKEntryWriter::Format::Table;
     /// import: "-" for standard input.
     QString file;
-    /// snapshot: empty for no picture.
+    /// snapshot: empty for no picture. The count goes with orPicture too.
     QString picture;
     int count = 20;
 
@@ -52,9 +54,9 @@ struct ZELKCommandLineOptions
         Wrong, ///< `complaint` says what is wrong with the arguments
     };
     struct Parsed;
-    /// `arguments` begins with the program's name. Options may stand before and after the command.
+    /// `arguments` begins with the program's name. Options may stand before and after the command. Complaints
+    /// are in the language of the current environment.
     static Parsed parse(const QStringList &arguments);
-    static QString help();
 };
 
 struct ZELKCommandLineOptions::Parsed

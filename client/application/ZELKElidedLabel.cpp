@@ -3,6 +3,7 @@
 #include "ZELKAssertion.h"
 
 #include <QEvent>
+#include <QTextDocument>
 
 ZELKElidedLabel::ZELKElidedLabel(QWidget *parent)
     : QLabel(parent)
@@ -14,7 +15,7 @@ void ZELKElidedLabel::setFullText(const QString &text)
 {
     m_fullText = text.simplified();
     setAccessibleName(m_fullText);
-    setToolTip(m_fullText.toHtmlEscaped());
+    setToolTip(m_fullText.isEmpty() ? QString() : Qt::convertFromPlainText(m_fullText));
     updateGeometry();
     elide();
 }

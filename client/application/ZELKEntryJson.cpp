@@ -9,15 +9,20 @@
 
 namespace {
 
-/// The shortest text that reads back as the same number.
+/// The shortest digits that read back as the same number; with an exponent only where the zeros would be
+/// many.
 void appendNumber(QByteArray &out, double value)
 {
     if (!std::isfinite(value)) {
         out += "null";
         return;
     }
+    const double size = std::abs(value);
+    const bool isPlain = size == 0.0 || (size >= 1e-5 && size < 1e16);
     std::array<char, 64> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value).ptr;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
+                                   isPlain ? std::chars_format::fixed : std::chars_format::scientific)
+                         .ptr;
     out.append(text.data(), qsizetype(end - text.data()));
 }
 
@@ -53,6 +58,8 @@ void appendArray(QByteArray &out, const QVariantList &list)
 {
     out += '[';
     for (const QVariant &item : list) {
+        if (!item.isValid())
+            continue; // nothing that a property list could have held
         divide(out, '[');
         ZELKEntryJson::appendValue(out, item);
     }
@@ -141,6 +148,7 @@ void ZELKEntryJson::appendValue(QByteArray &out, const QVariant &value)
     case QMetaType::Double:
         return appendNumber(out, value.toDouble());
     case QMetaType::QVariantList:
+    case QMetaType::QStringList:
         return appendArray(out, value.toList());
     default:
         break;

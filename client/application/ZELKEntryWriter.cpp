@@ -1,25 +1,19 @@
 #include "ZELKEntryWriter.h"
 
+#include "ZELKCommandLineText.h"
 #include "ZELKEntryJson.h"
-#include "ZELKEnvironment.h"
 #include "ZELKFormat.h"
 #include "ZELKLWCLog.h"
 #include "ZELKTextOutput.h"
 
 namespace {
 
-QString text(const char *key)
-{
-    return ZELKEnvironment::current().mainBundle->localizedStringForKey(QString::fromLatin1(key), {},
-                                                                        QStringLiteral("ZELKCommandLine"));
-}
-
 class TableWriter final : public ZELKEntryWriter
 {
 public:
     using ZELKEntryWriter::ZELKEntryWriter;
 
-    void begin() override { writeRow(text("Date"), text("Summary")); }
+    void begin() override { writeRow(ZELKCommandLineText("Date"), ZELKCommandLineText("Summary")); }
 
     void write(const ZELKLWCLogEntry &entry, std::uint64_t) override
     {
@@ -30,13 +24,20 @@ public:
     void end() override
     {
         const auto all = std::uint64_t(log().count());
-        QString line = ZELKFormat(text("%lu of %lu entries"), {m_count, all});
-        if (m_count == all)
-            line = all == 1 ? text("1 entry") : ZELKFormat(text("%lu entries"), {all});
-        output().write(line + QLatin1Char('\n'));
+        output().write(counted(all) + QLatin1Char('\n'));
     }
 
 private:
+    QString counted(std::uint64_t all) const
+    {
+        if (m_count == all)
+            return all == 1 ? ZELKCommandLineText("1 entry")
+                            : ZELKFormat(ZELKCommandLineText("%lu entries"), {all});
+        return ZELKFormat(all == 1 ? ZELKCommandLineText("%lu of 1 entry")
+                                   : ZELKCommandLineText("%lu of %lu entries"),
+                          {m_count, all});
+    }
+
     void writeRow(const QString &date, const QString &summary)
     {
         // As long as each date describes itself.

@@ -109,8 +109,9 @@ void ZELKLWCMainWindowController::setUpTable()
     m_table->horizontalHeader()->setStretchLastSection(true);
     m_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     fitDateColumn();
-    connect(&m_wiring.log(), &ZELKLWCLog::visibleEntriesDidChange, this,
-            [this] { zelkGuard([this] { updateEmptyText(); }); });
+    const auto update = [this] { zelkGuard([this] { updateEmptyText(); }); };
+    connect(&m_wiring.log(), &ZELKLWCLog::visibleEntriesDidChange, this, update);
+    connect(&m_wiring.store(), &ZELKLWCStore::logIsBehindChanged, this, update);
     // An empty list looks like a list.
     outlet<QWidget>("emptyPage")->setBackgroundRole(QPalette::Base);
     outlet<QWidget>("emptyPage")->setAutoFillBackground(true);
@@ -199,6 +200,8 @@ void ZELKLWCMainWindowController::updateEmptyText()
     m_pages->setCurrentIndex(log.countOfVisibleEntries() > 0 ? 0 : 1);
     if (log.count() > 0)
         m_emptyLabel->setText(text("empty.range"));
+    else if (m_wiring.store().isLogBehind())
+        m_emptyLabel->setText(text("empty.unreadable"));
     else if (!m_wiring.settings().knowsAgent())
         m_emptyLabel->setText(text("empty.profile"));
     else

@@ -29,6 +29,7 @@ public:
 
     QMainWindow *window() const { return m_window.get(); }
     void showWindow();
+    void saveGeometry();
     /// Window-modal; does not wait.
     void presentError(const ZELKAgentError &error);
     /// Stops the agent that is installed, else starts it in its session form.
@@ -46,7 +47,6 @@ private:
     void updateEmptyText();
     void showAbout();
     void restoreGeometry();
-    void saveGeometry();
     template <typename Type>
     Type *outlet(const char *name) const;
 

@@ -65,8 +65,9 @@ void ZELKLWClientAppDelegate::registerDefaults(const ZELKBundle &mainBundle, ZEL
 
 void ZELKLWClientAppDelegate::applicationDidFinishLaunching()
 {
-    m_store->syncWithLocalCache();
-    m_store->sync();
+    // Each step stands for itself: a cache that cannot be read does not keep the agent from being asked.
+    zelkGuard([this] { m_store->syncWithLocalCache(); });
+    zelkGuard([this] { m_store->sync(); });
     const bool can = !userGuideURL().isEmpty();
     if (std::exchange(m_canOpenUserGuide, can) != can)
         Q_EMIT canOpenUserGuideChanged(can);

@@ -1,5 +1,6 @@
 #include "ZELKLineSource.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 

@@ -2,13 +2,17 @@
 
 #include "ZELKAssertion.h"
 #include "ZELKCommandLine.h"
+#include "ZELKCommandLineText.h"
 #include "ZELKEnvironment.h"
+#include "ZELKTerminationSignals.h"
 #include "ZELKTextOutput.h"
 #include "ZELKWindowSession.h"
 
 #include <QApplication>
 
 #include <csignal>
+#include <memory>
+#include <utility>
 
 #include <unistd.h>
 
@@ -34,11 +38,12 @@ void leaveOutSizeHints(QtMsgType type, const QMessageLogContext &context, const 
 
 /// Qt ends the program when it finds no display. Where the user has not chosen a platform, it is told to fall
 /// back on one without a display, which is then refused in words.
-void preparePlatform(Options::Command command)
+void preparePlatform(const Options &options)
 {
-    if (command == Options::Command::Snapshot) {
-        qputenv(platformVariable, "offscreen");
+    if (options.command == Options::Command::Snapshot || !options.orPicture.isEmpty())
         otherMessages = qInstallMessageHandler(leaveOutSizeHints);
+    if (options.command == Options::Command::Snapshot) {
+        qputenv(platformVariable, "offscreen");
     } else if (!isSet(platformVariable)) {
         const bool prefersWayland = qgetenv("XDG_SESSION_TYPE") == "wayland" || !isSet("DISPLAY");
         QByteArray platforms = isSet("DISPLAY") ? "xcb;" : "";
@@ -46,6 +51,19 @@ void preparePlatform(Options::Command command)
             platforms = prefersWayland ? "wayland;" + platforms : platforms + "wayland;";
         qputenv(platformVariable, platforms + "offscreen");
     }
+}
+
+/// Only Qt, and only now, is told of a platform: it is no business of what is started later, as the agent is.
+std::unique_ptr<QCoreApplication> makeWidgetApplication(const Options &options, int &argc, char **argv)
+{
+    const QByteArray chosen = qgetenv(platformVariable);
+    preparePlatform(options);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    if (chosen.isEmpty())
+        qunsetenv(platformVariable);
+    else
+        qputenv(platformVariable, chosen);
+    return application;
 }
 
 bool needsWidgets(const Options &options)
@@ -56,10 +74,8 @@ bool needsWidgets(const Options &options)
 
 std::unique_ptr<QCoreApplication> makeApplication(const Options::Parsed &parsed, int &argc, char **argv)
 {
-    if (parsed.outcome == Options::Outcome::Run && needsWidgets(parsed.options)) {
-        preparePlatform(parsed.options.command);
-        return std::make_unique<QApplication>(argc, argv);
-    }
+    if (parsed.outcome == Options::Outcome::Run && needsWidgets(parsed.options))
+        return makeWidgetApplication(parsed.options, argc, argv);
     return std::make_unique<QCoreApplication>(argc, argv);
 }
 
@@ -74,22 +90,27 @@ ZELKEnvironment environmentWithMainBundle()
 class Run
 {
 public:
-    Run(const Options::Parsed &parsed, bool platformIsChosen)
-        : m_parsed(parsed)
+    Run(Options::Parsed parsed, bool platformIsChosen)
+        : m_parsed(std::move(parsed))
         , m_platformIsChosen(platformIsChosen)
     {
     }
     int run();
 
 private:
+    int tell(const QString &text);
     int runOptions();
     int runWindow(const ZELKApplicationSettings &settings);
+    int runCommand(const ZELKApplicationSettings &settings, const Options &options)
+    {
+        return ZELKCommandLine(settings, options, m_output, m_complaints).run();
+    }
     void complain(const QString &words)
     {
         m_complaints.write(QStringLiteral("lullwatch: ") + ZELKTextOutput::safe(words) + QLatin1Char('\n'));
     }
 
-    const Options::Parsed &m_parsed;
+    Options::Parsed m_parsed;
     bool m_platformIsChosen;
     ZELKTextOutput m_output{STDOUT_FILENO};
     ZELKTextOutput m_complaints{STDERR_FILENO};
@@ -97,48 +118,64 @@ private:
 
 int Run::run()
 {
-    switch (m_parsed.outcome) {
-    case Options::Outcome::Help:
-        m_output.write(Options::help());
-        return ZELKCommandLine::done;
-    case Options::Outcome::Version:
-        m_output.write(QStringLiteral("lullwatch %1\n")
-                           .arg(ZELKEnvironment::current().mainBundle->infoDictionary().string(
-                               QStringLiteral("CFBundleVersion"))));
-        return ZELKCommandLine::done;
-    case Options::Outcome::Wrong:
+    const auto bundle = ZELKEnvironment::current().mainBundle;
+    if (m_parsed.outcome == Options::Outcome::Wrong) {
         complain(m_parsed.complaint);
-        complain(QStringLiteral("\"lullwatch --help\" tells what there is."));
+        complain(ZELKCommandLineText("\"lullwatch --help\" tells what there is."));
         return ZELKCommandLine::wrongUsage;
-    case Options::Outcome::Run:
-        break;
     }
+    if (!bundle->isValid()) {
+        complain(ZELKFormat(ZELKCommandLineText("The application's folder %@ is missing or damaged."),
+                            {bundle->path()}));
+        return ZELKCommandLine::failed;
+    }
+    if (m_parsed.outcome == Options::Outcome::Help)
+        return tell(ZELKCommandLineText("ZELKCommandLine.help"));
+    if (m_parsed.outcome == Options::Outcome::Version)
+        return tell(ZELKFormat("lullwatch %@\n",
+                               {bundle->infoDictionary().string(QStringLiteral("CFBundleVersion"))}));
     return runOptions();
+}
+
+int Run::tell(const QString &text)
+{
+    m_output.write(text);
+    if (m_output.flush() != ZELKTextOutput::State::Failed)
+        return ZELKCommandLine::done;
+    complain(ZELKFormat(ZELKCommandLineText("The output cannot be written: %@"), {m_output.error()}));
+    return ZELKCommandLine::failed;
 }
 
 int Run::runOptions()
 {
-    const auto bundle = ZELKEnvironment::current().mainBundle;
-    if (!bundle->isValid()) {
-        complain(QStringLiteral("The application's folder %1 is missing or damaged.").arg(bundle->path()));
+    const Options &options = m_parsed.options;
+    const ZELKApplicationSettings settings{ZELKEnvironment::current().mainBundle, options.profile,
+                                           options.databaseFile};
+    if (options.command != Options::Command::Window)
+        return runCommand(settings, options);
+    const bool isSeen = QGuiApplication::platformName() != QLatin1String("offscreen");
+    if (!isSeen && !options.orPicture.isEmpty()) {
+        Options instead = options;
+        instead.command = Options::Command::Snapshot;
+        instead.picture = options.orPicture;
+        return runCommand(settings, instead);
+    }
+    if (!isSeen && !m_platformIsChosen) {
+        complain(ZELKCommandLineText("There is no display to open the window on. "
+                                     "\"lullwatch list\" and \"lullwatch snapshot\" need none."));
         return ZELKCommandLine::failed;
     }
-    const ZELKApplicationSettings settings{bundle, m_parsed.options.profile, m_parsed.options.databaseFile};
-    if (m_parsed.options.command == Options::Command::Window)
-        return runWindow(settings);
-    return ZELKCommandLine(settings, m_parsed.options, m_output, m_complaints).run();
+    return runWindow(settings);
 }
 
 int Run::runWindow(const ZELKApplicationSettings &settings)
 {
-    if (!m_platformIsChosen && QGuiApplication::platformName() == QLatin1String("offscreen")) {
-        complain(QStringLiteral("There is no display to open the window on. "
-                                "\"lullwatch list\" and \"lullwatch snapshot\" need none."));
-        return ZELKCommandLine::failed;
-    }
     int status = ZELKCommandLine::failed;
     zelkGuard([&] {
+        const ZELKTerminationSignals termination;
         ZELKWindowSession session(settings, ZELKApplicationWiring::World::real(settings));
+        QObject::connect(&termination, &ZELKTerminationSignals::received, &session,
+                         [] { QCoreApplication::exit(ZELKCommandLine::done); });
         session.start(m_parsed.options.startsAgent);
         status = QApplication::exec();
         session.applicationWillTerminate();
@@ -154,14 +191,15 @@ int ZELKProgram::run(int &argc, char **argv)
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
-    const Options::Parsed parsed = Options::parse(arguments);
     const bool platformIsChosen = isSet(platformVariable);
-    const std::unique_ptr<QCoreApplication> application = makeApplication(parsed, argc, argv);
+    const std::unique_ptr<QCoreApplication> application =
+        makeApplication(Options::parse(arguments), argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("lullwatch"));
     const ZELKEnvironmentScope scope(environmentWithMainBundle());
     if (qobject_cast<QApplication *>(application.get())) {
         QGuiApplication::setApplicationDisplayName(QStringLiteral("Lullwatch"));
         QGuiApplication::setDesktopFileName(QStringLiteral("org.zelk.lullwatch"));
     }
-    return Run(parsed, platformIsChosen).run();
+    // Once more, since complaints have a language only now.
+    return Run(Options::parse(arguments), platformIsChosen).run();
 }

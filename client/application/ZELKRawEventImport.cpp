@@ -1,5 +1,7 @@
 #include "ZELKRawEventImport.h"
 
+#include "ZELKAssertion.h"
+#include "ZELKCommandLineText.h"
 #include "ZELKLWCStore.h"
 #include "ZELKLineSource.h"
 
@@ -25,7 +27,7 @@ bool ZELKRawEventImport::run(ZELKLineSource &lines)
 {
     while (const auto line = lines.next()) {
         if (line->isTooLong)
-            skip(line->number, QStringLiteral("longer than 16 MiB"));
+            skip(line->number, ZELKCommandLineText("longer than 16 MiB"));
         else
             take(line->text, line->number);
         if ((m_events.size() >= mostEvents || m_bytes >= mostBytes) && !write())
@@ -57,8 +59,13 @@ bool ZELKRawEventImport::write()
 {
     const QList<ZELKRawEvent> events = std::exchange(m_events, {});
     m_bytes = 0;
-    if (!m_store.cacheEvents(events))
+    if (events.isEmpty())
+        return true;
+    std::uint64_t before = 0;
+    if (!zelkGuard([&] { before = m_store.changeCount(); }) || !m_store.cacheEvents(events))
         return false;
+    const std::uint64_t after = m_store.changeCount();
+    m_added += after > before ? after - before : 0; // a connection begun anew counts from 0
     m_imported += std::uint64_t(events.size());
     return true;
 }

@@ -26,7 +26,9 @@ public:
     /// False when the cache refused to take what was read. Lines come in no particular order.
     bool run(ZELKLineSource &lines);
 
+    /// Events that are in the cache now, and those of them that were not before.
     std::uint64_t imported() const { return m_imported; }
+    std::uint64_t added() const { return m_added; }
     std::uint64_t skipped() const { return m_skipped; }
 
 private:
@@ -40,5 +42,6 @@ private:
     QList<ZELKRawEvent> m_events; // not yet written
     std::size_t m_bytes = 0;      // of their lines
     std::uint64_t m_imported = 0;
+    std::uint64_t m_added = 0;
     std::uint64_t m_skipped = 0;
 };

@@ -1,11 +1,13 @@
 #include "ZELKRawEventLineReader.h"
 
+#include "ZELKCommandLineText.h"
 #include "ZELKEventVocabulary.h"
 #include "ZELKFormat.h"
 #include "ZELKPropertyList.h"
 
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -21,14 +23,10 @@ struct Objection
     QString reason;
 };
 
-[[noreturn]] void object(const char *reason)
+/// `reason` is a key of the command line's texts.
+[[noreturn]] void object(const char *reason, const QString &name = {})
 {
-    throw Objection{QString::fromLatin1(reason)};
-}
-
-[[noreturn]] void object(const char *format, const QString &name)
-{
-    throw Objection{ZELKFormat(format, {name})};
+    throw Objection{ZELKFormat(ZELKCommandLineText(reason), {name})};
 }
 
 struct Fields
@@ -279,6 +277,18 @@ ZELKDate checkedDate(const Fields &fields)
     return ZELKDate(seconds + 0.0); // no minus before a zero
 }
 
+void checkProperties(const std::string &properties)
+{
+    // The binary form is a property list too, but no text.
+    if (properties.starts_with("bplist"))
+        object("\"properties\" is no property-list text");
+    const ZELKPropertyList::Result list = ZELKPropertyList::read(properties);
+    if (!list.error.isEmpty())
+        object("\"properties\" cannot be read: %@", list.error.simplified());
+    if (list.value.userType() != qMetaTypeId<ZELKDictionary>())
+        object("\"properties\" is no dictionary");
+}
+
 } // namespace
 
 ZELKRawEventLineReader::Result ZELKRawEventLineReader::read(std::string_view line)
@@ -291,28 +301,14 @@ ZELKRawEventLineReader::Result ZELKRawEventLineReader::read(std::string_view lin
         const Fields fields = LineParser(line).parse();
         const ZELKDate date = checkedDate(fields);
         const std::string &properties = *fields.texts[PropertiesField];
-        if (const QString reason = objectionToProperties(properties); !reason.isEmpty())
-            return {std::nullopt, reason};
+        if (properties != m_goodProperties) {
+            checkProperties(properties);
+            m_goodProperties = properties;
+        }
         return {ZELKMakeRawEvent(date, fromUtf8(*fields.texts[DescriptionField]),
                                  fromUtf8(*fields.texts[MonitorField]), fromUtf8(properties)),
                 {}};
     } catch (const Objection &objection) {
         return {std::nullopt, objection.reason};
     }
-}
-
-QString ZELKRawEventLineReader::objectionToProperties(const std::string &properties)
-{
-    if (properties == ZELKEventNoProperties.data() || properties == m_goodProperties)
-        return {};
-    // The binary form is a property list too, but no text.
-    if (properties.starts_with("bplist"))
-        return QStringLiteral("\"properties\" is no property-list text");
-    const ZELKPropertyList::Result list = ZELKPropertyList::read(properties);
-    if (!list.error.isEmpty())
-        return ZELKFormat("\"properties\" cannot be read: %@", {list.error.simplified()});
-    if (list.value.userType() != qMetaTypeId<ZELKDictionary>())
-        return QStringLiteral("\"properties\" is no dictionary");
-    m_goodProperties = properties;
-    return {};
 }

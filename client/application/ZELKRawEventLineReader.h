@@ -27,8 +27,6 @@ public:
     Result read(std::string_view line);
 
 private:
-    QString objectionToProperties(const std::string &properties);
-
     /// Neighbours often have the same properties; what was found good need not be read again.
     std::string m_goodProperties{"NULL"};
 };

@@ -2,14 +2,15 @@
 
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
-#include "ZELKElidedLabel.h"
 #include "ZELKEnvironment.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKShortDate.h"
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QStyle>
+#include <QTextDocument>
 
 #include <utility>
 
@@ -45,10 +46,13 @@ ZELKStatusLine::ZELKStatusLine(QMainWindow &window, ZELKApplicationWiring &wirin
     , m_countLabel(outlet<QLabel>(window, "countLabel"))
     , m_synchronisationLabel(outlet<QLabel>(window, "synchronisationLabel"))
     , m_failureIcon(outlet<QLabel>(window, "failureIcon"))
-    , m_failureLabel(outlet<ZELKElidedLabel>(window, "failureLabel"))
+    , m_failureLine(outlet<QLineEdit>(window, "failureLine"))
 {
     const int size = window.style()->pixelMetric(QStyle::PM_SmallIconSize);
     m_failureIcon->setPixmap(window.style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
+    QPalette plain = m_failureLine->palette();
+    plain.setBrush(QPalette::Base, Qt::transparent);
+    m_failureLine->setPalette(plain);
     m_synchronisationLabel->setVisible(wiring.settings().knowsAgent());
     clearFailure();
     updateState();
@@ -80,7 +84,8 @@ void ZELKStatusLine::updateCount()
     const std::uint64_t visible = m_wiring.log().countOfVisibleEntries();
     QString words;
     if (visible != all)
-        words = ZELKFormat(text("entries.some"), {number(visible), number(all)});
+        words =
+            ZELKFormat(text(all == 1 ? "entries.someOfOne" : "entries.some"), {number(visible), number(all)});
     else
         words = all == 1 ? text("entries.one") : ZELKFormat(text("entries.all"), {number(all)});
     m_countLabel->setText(words);
@@ -122,14 +127,21 @@ void ZELKStatusLine::showFailure(const QString &message)
 {
     m_failureIsNew = true;
     const QString now = ZELKShortDate::text(ZELKEnvironment::current().clock->now());
-    m_failureLabel->setFullText(ZELKFormat("%@  %@", {now, message}));
+    setFailureText(ZELKFormat(text("failure"), {now, message}).simplified());
     m_failureIcon->show();
-    m_failureLabel->show();
+    m_failureLine->show();
 }
 
 void ZELKStatusLine::clearFailure()
 {
-    m_failureLabel->setFullText({});
+    setFailureText({});
     m_failureIcon->hide();
-    m_failureLabel->hide();
+    m_failureLine->hide();
+}
+
+void ZELKStatusLine::setFailureText(const QString &text)
+{
+    m_failureLine->setText(text);
+    m_failureLine->setCursorPosition(0);
+    m_failureLine->setToolTip(text.isEmpty() ? QString() : Qt::convertFromPlainText(text));
 }

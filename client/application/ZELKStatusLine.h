@@ -4,9 +4,9 @@
 #include <QString>
 
 class QLabel;
+class QLineEdit;
 class QMainWindow;
 class ZELKApplicationWiring;
-class ZELKElidedLabel;
 
 /// The main window's last line: what the agent does, how many entries there are, when they were brought, and
 /// what went wrong last.
@@ -29,12 +29,13 @@ private:
     void fetchFinished(bool complete);
     QString fetchFailure();
     void clearFailure();
+    void setFailureText(const QString &text);
 
     ZELKApplicationWiring &m_wiring;
     QLabel *m_stateLabel;
     QLabel *m_countLabel;
     QLabel *m_synchronisationLabel;
     QLabel *m_failureIcon;
-    ZELKElidedLabel *m_failureLabel;
+    QLineEdit *m_failureLine;    // whose keys reach all of a long text
     bool m_failureIsNew = false; // since the last fetch ended
 };

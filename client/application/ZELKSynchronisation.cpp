@@ -2,23 +2,20 @@
 
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
-#include "ZELKEnvironment.h"
+#include "ZELKCommandLineText.h"
 
 #include <QEventLoop>
 #include <QTimer>
 
+#include <utility>
+
 namespace {
 
-/// Longer than any answer takes to fail; a fetch that goes on beyond it was started by its first bytes.
+/// Without a single event; longer than any answer takes to fail.
 constexpr int fetchLimit = 60000;
 constexpr int startLimit = 10000;
 constexpr int firstEntryLimit = 5000;
-
-QString text(const char *key)
-{
-    return ZELKEnvironment::current().mainBundle->localizedStringForKey(QString::fromLatin1(key), {},
-                                                                        QStringLiteral("ZELKCommandLine"));
-}
+constexpr int timeBetweenFetches = 250;
 
 } // namespace
 
@@ -28,7 +25,8 @@ ZELKSynchronisation::ZELKSynchronisation(ZELKApplicationWiring &wiring, Complain
 {
 }
 
-bool ZELKSynchronisation::waitUntil(int milliseconds, const std::function<bool()> &isDone, const Watch &watch)
+bool ZELKSynchronisation::waitUntil(int milliseconds, const std::function<bool()> &isDone, const Watch &watch,
+                                    const std::function<std::uint64_t()> &progress)
 {
     if (isDone())
         return true;
@@ -39,7 +37,14 @@ bool ZELKSynchronisation::waitUntil(int milliseconds, const std::function<bool()
                 loop.quit();
         });
     });
-    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    QTimer limit;
+    std::uint64_t before = progress();
+    QObject::connect(&limit, &QTimer::timeout, &loop, [&] {
+        const std::uint64_t now = progress();
+        if (std::exchange(before, now) == now)
+            loop.quit();
+    });
+    limit.start(milliseconds);
     loop.exec();
     return isDone();
 }
@@ -67,7 +72,7 @@ bool ZELKSynchronisation::startAgent()
     agent.forgetExpectedStateChange();
     m_hasStarted = agent.installed() && agent.enabled();
     if (!m_hasStarted)
-        m_complain(text("The recording agent was started, but does not answer."));
+        m_complain(ZELKCommandLineText("The recording agent was started, but does not answer."));
     return m_hasStarted;
 }
 
@@ -88,15 +93,17 @@ bool ZELKSynchronisation::fetch()
         fetchLimit, [&] { return finished; },
         [&](QObject &loop, const std::function<void()> &look) {
             QObject::connect(&store, &ZELKLWCStore::fetchFinished, &loop, look);
-        });
+        },
+        [&] { return store.streamedCount(); });
     if (!complete)
-        m_complain(text("The recording agent's events could not be fetched; these are from the cache."));
+        m_complain(ZELKCommandLineText(
+            "The recording agent's events could not be fetched; these are from the cache."));
     else if (m_hasStarted)
         waitForFirstEntry();
     return complete;
 }
 
-/// An agent that has just begun tells of its first events in its own time.
+/// An agent that has just begun records its first events in its own time, and calls only stores that stay.
 void ZELKSynchronisation::waitForFirstEntry()
 {
     ZELKLWCLog &log = m_wiring.log();
@@ -104,5 +111,9 @@ void ZELKSynchronisation::waitForFirstEntry()
         firstEntryLimit, [&] { return log.count() > 0; },
         [&](QObject &context, const std::function<void()> &look) {
             QObject::connect(&log, &ZELKLWCLog::visibleEntriesDidChange, &context, look);
+            auto *again = new QTimer(&context);
+            QObject::connect(again, &QTimer::timeout, &context,
+                             [this] { zelkGuard([this] { m_wiring.store().sync(); }); });
+            again->start(timeBetweenFetches);
         });
 }

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <cstdint>
 #include <functional>
 
 class ZELKApplicationWiring;
@@ -23,10 +24,12 @@ public:
     bool fetch();
 
 private:
-    /// True when `isDone` became true in time; it is asked after each call of the function that `watch` is
-    /// given.
+    /// True when `isDone` became true before the limit; it is asked after each call of the function that
+    /// `watch` is given. The limit begins anew while `progress` answers another number than before.
     using Watch = std::function<void(class QObject &context, const std::function<void()> &look)>;
-    static bool waitUntil(int milliseconds, const std::function<bool()> &isDone, const Watch &watch);
+    static bool waitUntil(
+        int milliseconds, const std::function<bool()> &isDone, const Watch &watch,
+        const std::function<std::uint64_t()> &progress = [] { return 0; });
     void waitForFirstEntry();
 
     ZELKApplicationWiring &m_wiring;

@@ -12,15 +12,17 @@ ZELKTailFollower::ZELKTailFollower(QAbstractItemView &view, const QAbstractItemM
     : QObject(&view)
     , m_view(view)
 {
-    const auto will = [this] { rowsWillChange(); };
-    const auto did = [this] { rowsDidChange(); };
+    const auto will = [this] { zelkGuard([this] { rowsWillChange(); }); };
+    const auto did = [this] { zelkGuard([this] { rowsDidChange(); }); };
     connect(&model, &QAbstractItemModel::rowsAboutToBeInserted, this, will);
     connect(&model, &QAbstractItemModel::rowsAboutToBeRemoved, this, will);
     connect(&model, &QAbstractItemModel::rowsInserted, this, did);
     connect(&model, &QAbstractItemModel::rowsRemoved, this, did);
     connect(view.verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
-        if (!m_changing)
-            m_atTail = value >= m_view.verticalScrollBar()->maximum();
+        zelkGuard([&] {
+            if (!m_changing)
+                m_atTail = value >= m_view.verticalScrollBar()->maximum();
+        });
     });
     view.viewport()->installEventFilter(this);
 }

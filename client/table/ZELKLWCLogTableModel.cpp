@@ -28,10 +28,13 @@ int ZELKLWCLogTableModel::columnCount(const QModelIndex &parent) const
 
 QVariant ZELKLWCLogTableModel::data(const QModelIndex &index, int role) const
 {
-    const ZELKLWCLogEntry *entry = index.isValid() ? entryAtRow(index.row()) : nullptr;
-    if (!entry || role != Qt::DisplayRole)
-        return {};
-    return index.column() == DateColumn ? ZELKShortDate::text(entry->date()) : entry->summary();
+    QVariant value;
+    zelkGuard([&] {
+        const ZELKLWCLogEntry *entry = index.isValid() ? entryAtRow(index.row()) : nullptr;
+        if (entry && role == Qt::DisplayRole)
+            value = index.column() == DateColumn ? ZELKShortDate::text(entry->date()) : entry->summary();
+    });
+    return value;
 }
 
 QVariant ZELKLWCLogTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -40,10 +43,14 @@ QVariant ZELKLWCLogTableModel::headerData(int section, Qt::Orientation orientati
         return int(Qt::AlignLeading | Qt::AlignVCenter);
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= ColumnCount)
         return {};
-    const QString key = section == DateColumn ? QStringLiteral("ZELKLWCLogTableModel.date")
-                                              : QStringLiteral("ZELKLWCLogTableModel.summary");
-    return ZELKEnvironment::current().mainBundle->localizedStringForKey(
-        key, {}, QStringLiteral("ZELKLWCLogTableModel"));
+    QVariant title;
+    zelkGuard([&] {
+        const QString key = section == DateColumn ? QStringLiteral("ZELKLWCLogTableModel.date")
+                                                  : QStringLiteral("ZELKLWCLogTableModel.summary");
+        title = ZELKEnvironment::current().mainBundle->localizedStringForKey(
+            key, {}, QStringLiteral("ZELKLWCLogTableModel"));
+    });
+    return title;
 }
 
 ZELKLWCLogEntry *ZELKLWCLogTableModel::entryAtRow(int row) const
