@@ -571,6 +571,10 @@
         <translation>imported %lu events, %lu of them new, skipped %lu lines</translation>
     </message>
     <message>
+        <source>The events cannot be read to their end; these are not all.</source>
+        <translation>The events cannot be read to their end; these are not all.</translation>
+    </message>
+    <message>
         <source>The picture cannot be written to %@.</source>
         <translation>The picture cannot be written to %@.</translation>
     </message>
