@@ -22,11 +22,12 @@ ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const QDBus
     , m_settings(options.settings)
     , m_defaults(m_settings)
     , m_store(options.database, m_bundle, std::make_shared<ZELKSQLitePort>())
+    , m_settler(m_store)
     , m_announcer(m_bus)
     , m_service(version(), m_store, m_announcer)
     , m_controlService(version(), m_defaults)
 {
-    connect(&m_store, &ZELKLWAEventStore::recorded, &m_announcer, [this] {
+    connect(&m_store, &ZELKLWAEventStore::settled, &m_announcer, [this] {
         if (m_phase == Phase::Recording)
             m_announcer.eventsDidChange();
     });
@@ -58,7 +59,7 @@ bool ZELKLWAAgent::start()
     if (!serve() || !takeNames())
         return false;
     m_phase = Phase::Recording;
-    recordOwn(ZELKEventStartingMonitor);
+    recordStart();
     for (const auto &watcher : m_watchers)
         watcher->start();
     return true;
@@ -99,10 +100,17 @@ bool ZELKLWAAgent::takeNames()
     return true;
 }
 
-void ZELKLWAAgent::recordOwn(QLatin1String event)
+/// An agent that died left no word of it; its successor records the end, so that the gap is told of.
+void ZELKLWAAgent::recordStart()
 {
-    m_store.record(
-        {{ZELKEnvironment::current().clock->now(), event, ZELKMonitorLullwatch, ZELKEventNoProperties}});
+    if (const auto end = m_store.unrecordedEnd())
+        recordOwn(ZELKEventStoppingMonitor, *end);
+    recordOwn(ZELKEventStartingMonitor, ZELKEnvironment::current().clock->now());
+}
+
+void ZELKLWAAgent::recordOwn(QLatin1String event, ZELKDate date)
+{
+    m_store.record({{date, event, ZELKMonitorLullwatch, ZELKEventNoProperties}});
 }
 
 void ZELKLWAAgent::stopRecording()
@@ -110,7 +118,8 @@ void ZELKLWAAgent::stopRecording()
     for (const auto &watcher : m_watchers)
         watcher->stop();
     m_phase = Phase::Ending;
-    recordOwn(ZELKEventStoppingMonitor);
+    recordOwn(ZELKEventStoppingMonitor, ZELKEnvironment::current().clock->now());
+    m_settler.settleNow(); // nothing will follow
 }
 
 void ZELKLWAAgent::terminate()
@@ -119,7 +128,7 @@ void ZELKLWAAgent::terminate()
         if (m_phase != Phase::Recording)
             return;
         stopRecording();
-        if (!m_announcer.announceNow() && m_service.streams() == 0) {
+        if (!m_announcer.eventsDidChange() && m_service.streams() == 0) {
             finish();
             return;
         }

@@ -4,6 +4,7 @@
 #include "ZELKLWAEventStore.h"
 #include "ZELKLWAOptions.h"
 #include "ZELKLWAService.h"
+#include "ZELKLWASettler.h"
 #include "ZELKLWAUpdateAnnouncer.h"
 #include "ZELKLWAWatcher.h"
 #include "ZELKUserDefaults.h"
@@ -50,7 +51,8 @@ private:
     bool serve();
     bool takeNames();
     QString version() const;
-    void recordOwn(QLatin1String event);
+    void recordOwn(QLatin1String event, ZELKDate date);
+    void recordStart();
     void stopRecording();
     void finish();
 
@@ -59,6 +61,7 @@ private:
     ZELKUserDefaults m_settings;
     ZELKLWADefaults m_defaults;
     ZELKLWAEventStore m_store;
+    ZELKLWASettler m_settler;
     ZELKLWAUpdateAnnouncer m_announcer;
     ZELKLWAService m_service;
     ZELKLWAControlService m_controlService;

@@ -7,9 +7,7 @@
 #include "ZELKRawEvent.h"
 
 #include <cerrno>
-#include <cmath>
 #include <fcntl.h>
-#include <limits>
 #include <unistd.h>
 
 namespace {
@@ -38,12 +36,9 @@ ZELKLWAEventPipe::ZELKLWAEventPipe(ZELKLWAEventStore &store, double from, double
                                    std::chrono::milliseconds patience, QObject *parent)
     : QObject(parent)
     , m_store(store)
-    , m_to(ZELKLWAEventStore::timeOf(ZELKDate(to)))
+    , m_range(ZELKLWAEventRange::requested(from, to))
 {
-    constexpr qint64 beforeAllRows = std::numeric_limits<qint64>::min();
-    m_position = {ZELKLWAEventStore::timeOf(ZELKDate(from)), beforeAllRows};
-    if (std::isnan(from))
-        m_position.time = std::numeric_limits<qint64>::max();
+    m_store.requestWillBeServed(m_range);
     m_buffer = ZELKEventStream::begin();
     openPipe();
     m_patience.setSingleShot(true);
@@ -109,18 +104,20 @@ bool ZELKLWAEventPipe::fill()
 {
     m_buffer.resize(0);
     m_written = 0;
-    const auto reading = m_store.eventsAfter(
-        m_position, m_to, eventsAPage, [&](ZELKLWAEventPosition position, const ZELKRawEventView &event) {
+    const auto end = m_store.eventsAfter(
+        m_position, m_range, eventsAPage, [&](ZELKLWAEventPosition position, const ZELKRawEventView &event) {
             const QByteArray bytes = bytesOf(event);
             ZELKEventStream::append(m_buffer, {bytes.constData(), std::size_t(bytes.size())});
             m_position = position;
             ++m_count;
             return m_buffer.size() < bytesAPage;
         });
-    m_atEnd = reading == ZELKLWAEventStore::Reading::Complete;
+    m_atEnd = end == ZELKLWAEventPage::End::Complete;
+    if (m_atEnd && m_count > 0)
+        m_store.requestWasServed(m_range); // before the client can know that it has all
     if (m_atEnd)
         m_buffer += ZELKEventStream::end(m_count);
-    return reading != ZELKLWAEventStore::Reading::Failed;
+    return end != ZELKLWAEventPage::End::Failed;
 }
 
 /// False when nobody reads any more.

@@ -8,6 +8,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <limits>
 #include <memory>
 
 /// One client's event stream: reads the store page by page as the client empties the pipe, so that a stream
@@ -20,7 +21,8 @@ class ZELKLWAEventPipe : public QObject
     Q_OBJECT
 
 public:
-    /// Streams the events of `store` from `from` to `to`, both inclusive; none when either is NaN.
+    /// Streams the settled events of `store` from `from` to `to`, both inclusive, and those that settled
+    /// since the request before it (one second before `from`); none when either is NaN.
     ZELKLWAEventPipe(ZELKLWAEventStore &store, double from, double to, std::chrono::milliseconds patience,
                      QObject *parent = nullptr);
     ~ZELKLWAEventPipe() override;
@@ -42,8 +44,8 @@ private:
     bool flush();
 
     ZELKLWAEventStore &m_store;
-    ZELKLWAEventPosition m_position;
-    qint64 m_to;
+    ZELKLWAEventRange m_range;
+    ZELKLWAEventPosition m_position{std::numeric_limits<qint64>::min(), std::numeric_limits<qint64>::min()};
     QByteArray m_buffer;
     qsizetype m_written = 0;
     std::uint64_t m_count = 0;

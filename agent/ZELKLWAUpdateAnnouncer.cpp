@@ -45,10 +45,6 @@ ZELKLWAUpdateAnnouncer::ZELKLWAUpdateAnnouncer(const QDBusConnection &bus, QObje
                         forget(name);
                 });
             });
-    m_burst.setSingleShot(true);
-    m_burst.setTimerType(Qt::PreciseTimer); // never before the second is over
-    m_burst.setInterval(millisecondsOfABurst);
-    connect(&m_burst, &QTimer::timeout, this, [this] { zelkGuard([&] { announceNow(); }); });
 }
 
 void ZELKLWAUpdateAnnouncer::add(const QString &serviceName, const QString &caller)
@@ -117,15 +113,8 @@ void ZELKLWAUpdateAnnouncer::unwatchUnused()
             m_watcher.removeWatchedService(name);
 }
 
-void ZELKLWAUpdateAnnouncer::eventsDidChange()
+bool ZELKLWAUpdateAnnouncer::eventsDidChange()
 {
-    if (!m_burst.isActive())
-        m_burst.start();
-}
-
-bool ZELKLWAUpdateAnnouncer::announceNow()
-{
-    m_burst.stop();
     for (auto entry = m_callers.begin(); entry != m_callers.end(); ++entry) {
         QDBusMessage message = QDBusMessage::createMethodCall(
             entry.key(), ZELKServiceNames::storeServicePath(), ZELKServiceNames::storeServiceInterface(),

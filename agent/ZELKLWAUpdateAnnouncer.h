@@ -4,16 +4,13 @@
 #include <QDBusServiceWatcher>
 #include <QHash>
 #include <QObject>
-#include <QTimer>
 
-/// Who wants to hear of new events, and the telling. A burst is told of once, a second after its first event:
-/// a client that fetched in the middle of it would not ask for that second again.
+/// Who wants to hear of new events, and the telling.
 class ZELKLWAUpdateAnnouncer : public QObject
 {
     Q_OBJECT
 
 public:
-    static constexpr int millisecondsOfABurst = 1000;
     static constexpr qsizetype mostRegistrations = 64;
 
     explicit ZELKLWAUpdateAnnouncer(const QDBusConnection &bus, QObject *parent = nullptr);
@@ -25,10 +22,8 @@ public:
     void remove(const QString &serviceName, const QString &caller);
     bool isEmpty() const { return m_callers.isEmpty(); }
 
-    /// To be told of soon.
-    void eventsDidChange();
-    /// Tells at once; true when there was somebody to tell.
-    bool announceNow();
+    /// Tells everybody, without waiting for them; true when there was somebody to tell.
+    bool eventsDidChange();
 
 Q_SIGNALS:
     /// After isEmpty() or who is told may have become another.
@@ -43,5 +38,4 @@ private:
     QDBusServiceWatcher m_watcher;
     QHash<QString, QString> m_callers; // by service name
     QStringList m_asking;              // names the bus was asked about
-    QTimer m_burst;
 };

@@ -4,6 +4,7 @@
 #include "ZELKBundle.h"
 #include "ZELKConsole.h"
 #include "ZELKDatabaseTransaction.h"
+#include "ZELKEnvironment.h"
 #include "ZELKFormat.h"
 #include "ZELKLWADatabaseFile.h"
 #include "ZELKSQLitePort.h"
@@ -21,45 +22,28 @@
 
 namespace {
 
-constexpr double microseconds = 1e6;
 constexpr double secondsKeptExactly = 9.0e9; // whole microseconds of a double
 constexpr qsizetype longestEvent = 1000000;
 constexpr std::size_t eventsATransaction = 500;
-/// Rows of events that wait are counted from here, so that they stand after those in the file.
-constexpr qint64 firstWaitingRow = qint64(1) << 62;
 
 constexpr QLatin1String file("agent/ZELKLWAEventStore");
 constexpr QLatin1String createKey("ZELKDatabaseSQLCreate");
 constexpr QLatin1String createEventsKey("ZELKLWAEventStoreSQLCreate");
 constexpr QLatin1String insertKey("ZELKLWAEventStoreSQLInsert");
-constexpr QLatin1String selectKey("ZELKLWAEventStoreSQLSelect");
+constexpr QLatin1String settleKey("ZELKLWAEventStoreSQLSettle");
+constexpr QLatin1String latestSettledKey("ZELKLWAEventStoreSQLLatestSettled");
+constexpr QLatin1String lastOfKey("ZELKLWAEventStoreSQLLastOf");
 constexpr QLatin1String beginKey("ZELKLWAEventStoreSQLBegin");
 constexpr QLatin1String commitKey("ZELKLWAEventStoreSQLCommit");
 constexpr QLatin1String rollbackKey("ZELKLWAEventStoreSQLRollback");
 
-/// The date of a raw event, "%lf", without a detour through a double.
-class DateText
-{
-public:
-    explicit DateText(qint64 time)
-    {
-        const quint64 size = time < 0 ? quint64(0) - quint64(time) : quint64(time);
-        m_length = std::snprintf(m_text, sizeof m_text, "%s%llu.%06llu", time < 0 ? "-" : "",
-                                 size / 1000000ULL, size % 1000000ULL);
-    }
-    std::string_view view() const { return {m_text, std::size_t(m_length)}; }
+/// Settings.
+constexpr QLatin1String aliveSetting("alive");
+constexpr QLatin1String servedSetting("served");
 
-private:
-    char m_text[32];
-    int m_length;
-};
-
-qint64 numberIn(const ZELKDatabaseRow &row, int column)
+qint64 now()
 {
-    const std::string_view text = row.column(column).bytes;
-    qint64 number = std::numeric_limits<qint64>::min();
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
+    return ZELKLWATimeOf(ZELKEnvironment::current().clock->now());
 }
 
 } // namespace
@@ -107,15 +91,12 @@ void ZELKLWAEventStore::databaseWillOpen(const QString &path)
 void ZELKLWAEventStore::databaseDidOpen()
 {
     executeStatements(createEventsKey);
-}
-
-qint64 ZELKLWAEventStore::timeOf(ZELKDate date)
-{
-    constexpr double bound = 9.2e18;
-    const double time = date.timeIntervalSinceReferenceDate() * microseconds;
-    if (!(time > -bound))
-        return std::numeric_limits<qint64>::min();
-    return time < bound ? std::llround(time) : std::numeric_limits<qint64>::max();
+    require(forEachRow(latestSettledKey, {}, [this](const ZELKDatabaseRow &row) {
+        m_settlingClock.passed(
+            QByteArray(row.column(0).bytes.data(), qsizetype(row.column(0).bytes.size())).toLongLong());
+        return true;
+    }));
+    m_settlingClock.passed(stringForSetting(servedSetting).value_or(QString()).toLongLong());
 }
 
 void ZELKLWAEventStore::record(const std::vector<ZELKLWAEvent> &events)
@@ -136,7 +117,7 @@ bool ZELKLWAEventStore::take(const ZELKLWAEvent &event)
         return false;
     }
     dropOldest();
-    m_waiting.push_back({{timeOf(event.date), firstWaitingRow + m_arrivals++}, event});
+    m_waiting.append(event);
     return true;
 }
 
@@ -145,7 +126,7 @@ void ZELKLWAEventStore::dropOldest()
     if (m_waiting.size() < mostWaiting)
         return;
     if (m_failing) {
-        m_waiting.pop_front();
+        m_waiting.drop(1);
         ++m_dropped;
     } else {
         save(); // more at once than may wait: not yet a reason to lose any
@@ -165,6 +146,8 @@ bool ZELKLWAEventStore::save()
         m_retry.start();
     if (inserted > 0)
         Q_EMIT recorded();
+    if (saved && m_isSettlingDue)
+        settle();
     return saved;
 }
 
@@ -173,36 +156,98 @@ std::size_t ZELKLWAEventStore::writeSome()
 {
     const std::size_t count = std::min(m_waiting.size(), eventsATransaction);
     std::size_t inserted = 0;
-    ZELKDatabaseTransaction transaction(*this, beginKey, commitKey, rollbackKey);
-    try {
+    write([&] {
         for (std::size_t i = 0; i < count; ++i)
             inserted += insert(m_waiting[i]) ? 1 : 0;
+    });
+    m_waiting.drop(count);
+    return inserted;
+}
+
+/// A transaction that also says when this was.
+void ZELKLWAEventStore::write(const std::function<void()> &statements)
+{
+    ZELKDatabaseTransaction transaction(*this, beginKey, commitKey, rollbackKey);
+    try {
+        statements();
+        setString(QString::number(now()), aliveSetting);
+        require(lastResult());
         transaction.commit();
     } catch (...) {
         noteFailure(); // before the rollback replaces it
         throw;
     }
-    m_waiting.erase(m_waiting.begin(), m_waiting.begin() + std::ptrdiff_t(count));
-    return inserted;
 }
 
 /// False when the event is recorded already.
-bool ZELKLWAEventStore::insert(const Waiting &waiting)
+bool ZELKLWAEventStore::insert(const ZELKLWAWaitingEvents::Waiting &waiting)
 {
     bool inserted = false;
+    const QString settled = waiting.settled ? QString::number(*waiting.settled) : QLatin1String("");
     const ZELKDictionary parameters{{QStringLiteral("@time"), QString::number(waiting.position.time)},
                                     {QStringLiteral("@event"), waiting.event.event},
                                     {QStringLiteral("@monitor"), waiting.event.monitor},
-                                    {QStringLiteral("@properties"), waiting.event.properties}};
-    const ZELKDatabaseResult result = forEachRow(insertKey, parameters, [&](const ZELKDatabaseRow &) {
+                                    {QStringLiteral("@properties"), waiting.event.properties},
+                                    {QStringLiteral("@settled"), settled}};
+    require(forEachRow(insertKey, parameters, [&](const ZELKDatabaseRow &) {
         inserted = true;
         return true;
-    });
-    if (result.failed()) {
-        m_failure = result.code;
-        ZELKAssertion::fail(file, 0, QString::fromUtf8(m_port->errmsg(database())));
-    }
+    }));
     return inserted;
+}
+
+void ZELKLWAEventStore::settle()
+{
+    if (!isOpen())
+        attempt([this] { database(); }); // it knows what settled before
+    const qint64 time = m_settlingClock.next(now());
+    bool any = m_waiting.settle(time);
+    m_isSettlingDue = !attempt([&] {
+        write([&] {
+            require(forEachRow(settleKey, {{QStringLiteral("@settled"), QString::number(time)}},
+                               [&](const ZELKDatabaseRow &) { return any = true; }));
+        });
+    });
+    if (m_isSettlingDue && !m_retry.isActive())
+        m_retry.start();
+    if (any)
+        Q_EMIT settled();
+}
+
+void ZELKLWAEventStore::requestWillBeServed(const ZELKLWAEventRange &range)
+{
+    m_settlingClock.passed(std::min(range.to, now()));
+}
+
+void ZELKLWAEventStore::requestWasServed(const ZELKLWAEventRange &range)
+{
+    attempt([&] { write([&] { setString(QString::number(std::min(range.to, now())), servedSetting); }); });
+}
+
+std::optional<ZELKDate> ZELKLWAEventStore::unrecordedEnd()
+{
+    std::optional<ZELKDate> end;
+    attempt([&] {
+        bool isStart = false;
+        require(forEachRow(
+            lastOfKey, {{QStringLiteral("@monitor"), ZELKMonitorLullwatch}}, [&](const ZELKDatabaseRow &row) {
+                isStart = row.column(0).bytes ==
+                          std::string_view(ZELKEventStartingMonitor.data(), ZELKEventStartingMonitor.size());
+                return true;
+            }));
+        const auto alive = isStart ? stringForSetting(aliveSetting) : std::nullopt;
+        if (alive)
+            end = ZELKDate(double(std::min(alive->toLongLong(), now())) / 1e6);
+    });
+    return end;
+}
+
+void ZELKLWAEventStore::require(const ZELKDatabaseResult &result)
+{
+    if (!result.failed())
+        return;
+    m_failure = result.code;
+    ZELKAssertion::fail(file, 0, QString::fromUtf8(m_port->errmsg(database())));
 }
 
 /// Runs work on the database, a second time when a damaged file was replaced. False and a line when it
@@ -264,74 +309,22 @@ void ZELKLWAEventStore::reportRecovery()
     m_dropped = 0;
 }
 
-ZELKLWAEventStore::Reading ZELKLWAEventStore::eventsAfter(ZELKLWAEventPosition after, qint64 to, int limit,
-                                                          const EventHandler &handler)
+ZELKLWAEventPage::End ZELKLWAEventStore::eventsAfter(ZELKLWAEventPosition after,
+                                                     const ZELKLWAEventRange &range, int limit,
+                                                     const ZELKLWAEventPage::Handler &handler)
 {
     m_failure = SQLITE_OK;
     QString reason;
     try {
-        return readAfter(after, to, limit, handler);
+        const auto end = ZELKLWAEventPage(*this, m_waiting).read(after, range, limit, handler);
+        if (end == ZELKLWAEventPage::End::Failed)
+            require(lastResult());
+        return end;
     } catch (const ZELKAssertionFailure &failure) {
         reason = failure.message();
     }
     noteFailure();
     ZELKConsole::log(ZELKFormat("Events can not be read from %@: %@.", {m_path, reason}));
     recover(reason);
-    return Reading::Failed;
-}
-
-ZELKLWAEventStore::Reading ZELKLWAEventStore::readAfter(ZELKLWAEventPosition after, qint64 to, int limit,
-                                                        const EventHandler &handler)
-{
-    int shown = 0;
-    const auto show = [&](ZELKLWAEventPosition position, const ZELKRawEventView &texts) {
-        after = position;
-        return handler(position, texts) && ++shown < limit;
-    };
-    const std::vector<const Waiting *> waiting = waitingAfter(after, to);
-    auto next = waiting.begin();
-    const auto showWaitingBefore = [&](ZELKLWAEventPosition position) {
-        for (; next != waiting.end() && (*next)->position < position; ++next) {
-            const std::string event = (*next)->event.event.toStdString();
-            const std::string monitor = (*next)->event.monitor.toStdString();
-            const std::string properties = (*next)->event.properties.toStdString();
-            const DateText date((*next)->position.time);
-            if (!show((*next)->position, {date.view(), event, monitor, properties}))
-                return false;
-        }
-        return true;
-    };
-    const ZELKDictionary parameters{{QStringLiteral("@time"), QString::number(after.time)},
-                                    {QStringLiteral("@row"), QString::number(after.row)},
-                                    {QStringLiteral("@to"), QString::number(to)},
-                                    {QStringLiteral("@limit"), QString::number(limit)}};
-    const ZELKDatabaseResult result = forEachRow(selectKey, parameters, [&](const ZELKDatabaseRow &row) {
-        const ZELKLWAEventPosition position{numberIn(row, 0), numberIn(row, 1)};
-        if (!showWaitingBefore(position))
-            return false;
-        if (position <= after)
-            ZELKAssertion::fail(file, 0, QStringLiteral("the events are out of order"));
-        const DateText date(position.time);
-        return show(position, {date.view(), row.column(2).bytes, row.column(3).bytes, row.column(4).bytes});
-    });
-    if (result.failed()) {
-        m_failure = result.code;
-        ZELKAssertion::fail(file, 0, QString::fromUtf8(m_port->errmsg(database())));
-    }
-    if (result.end == ZELKDatabaseResult::End::Stopped)
-        return Reading::Stopped;
-    constexpr qint64 last = std::numeric_limits<qint64>::max();
-    return showWaitingBefore({last, last}) ? Reading::Complete : Reading::Stopped;
-}
-
-std::vector<const ZELKLWAEventStore::Waiting *> ZELKLWAEventStore::waitingAfter(ZELKLWAEventPosition after,
-                                                                                qint64 to) const
-{
-    std::vector<const Waiting *> result;
-    for (const Waiting &waiting : m_waiting)
-        if (waiting.position > after && waiting.position.time <= to)
-            result.push_back(&waiting);
-    std::sort(result.begin(), result.end(),
-              [](const Waiting *a, const Waiting *b) { return a->position < b->position; });
-    return result;
+    return ZELKLWAEventPage::End::Failed;
 }

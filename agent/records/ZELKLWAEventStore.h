@@ -1,23 +1,14 @@
 #pragma once
 
 #include "ZELKDatabaseController.h"
-#include "ZELKLWAEvent.h"
-#include "ZELKRawEvent.h"
+#include "ZELKLWAEventPage.h"
+#include "ZELKLWASettling.h"
+#include "ZELKLWAWaitingEvents.h"
 
 #include <QObject>
 #include <QTimer>
 
-#include <deque>
-
-/// Where an event stands among all: by time in microseconds since 2001-01-01 UTC, then by the order of
-/// arrival.
-struct ZELKLWAEventPosition
-{
-    qint64 time = 0;
-    qint64 row = 0;
-
-    friend auto operator<=>(const ZELKLWAEventPosition &, const ZELKLWAEventPosition &) = default;
-};
+#include <optional>
 
 /// The agent's records: one SQLite file, in which an event of the same time, name, monitor and properties
 /// stands once. Times are kept in whole microseconds, as exactly as raw events tell them.
@@ -26,6 +17,8 @@ struct ZELKLWAEventPosition
 /// wait in memory (at most `mostWaiting`, the oldest go first), are read from there like the others, and are
 /// written with the next event or a minute later. A damaged file is set aside under a new name and a new one
 /// begun.
+///
+/// An event is served only once it has settled, which its burst decides (ZELKLWASettler).
 class ZELKLWAEventStore : public QObject, public ZELKDatabaseController
 {
     Q_OBJECT
@@ -33,9 +26,6 @@ class ZELKLWAEventStore : public QObject, public ZELKDatabaseController
 public:
     static constexpr std::size_t mostWaiting = 10000;
     static constexpr int secondsBeforeRetry = 60;
-
-    using EventHandler = std::function<bool(ZELKLWAEventPosition, const ZELKRawEventView &)>;
-    enum class Reading { Complete, Stopped, Failed };
 
     /// Opens nothing. Folders of `path` that are missing are made when it is opened.
     ZELKLWAEventStore(const QString &path, std::shared_ptr<const ZELKBundle> bundle,
@@ -51,15 +41,28 @@ public:
     bool save();
     std::size_t waiting() const { return m_waiting.size(); }
 
-    /// A date as the records keep it; drawn in to the bounds of the type, NaN to the lowest.
-    static qint64 timeOf(ZELKDate date);
-    /// Shows in ascending order the events that stand after `after` and up to the time `to` (inclusive), at
-    /// most `limit`; false from the handler stops. The texts are valid only within the handler.
-    Reading eventsAfter(ZELKLWAEventPosition after, qint64 to, int limit, const EventHandler &handler);
+    /// Settles what has not: from now on those events are served. Where the disk does not take it, those in
+    /// the file settle when it does.
+    void settle();
+
+    /// Shows the settled events of `range` that stand after `after` in ascending order, at most `limit`. A
+    /// failure is a console line.
+    ZELKLWAEventPage::End eventsAfter(ZELKLWAEventPosition after, const ZELKLWAEventRange &range, int limit,
+                                      const ZELKLWAEventPage::Handler &handler);
+    /// What settles from now on settles after the end of that request, even when the clock is set back; once
+    /// it was served, also in the agents that follow. For a request that brought nothing that is not needed:
+    /// the next begins where it did.
+    void requestWillBeServed(const ZELKLWAEventRange &range);
+    void requestWasServed(const ZELKLWAEventRange &range);
+
+    /// When the agent before this one was last known to live, if it left without its "Stopping monitor".
+    std::optional<ZELKDate> unrecordedEnd();
 
 Q_SIGNALS:
     /// Events were taken up that were not there before.
     void recorded();
+    /// Events can be served that could not before.
+    void settled();
 
 protected:
     QUrl databaseURL() override;
@@ -67,28 +70,22 @@ protected:
     void databaseDidOpen() override;
 
 private:
-    struct Waiting
-    {
-        ZELKLWAEventPosition position;
-        ZELKLWAEvent event;
-    };
-
     bool take(const ZELKLWAEvent &event);
     void dropOldest();
     std::size_t writeSome();
-    bool insert(const Waiting &waiting);
+    void write(const std::function<void()> &statements);
+    bool insert(const ZELKLWAWaitingEvents::Waiting &waiting);
+    void require(const ZELKDatabaseResult &result);
     bool attempt(const std::function<void()> &work);
     bool recover(const QString &reason);
     void noteFailure();
     void reportFailure(const QString &reason);
     void reportRecovery();
-    Reading readAfter(ZELKLWAEventPosition after, qint64 to, int limit, const EventHandler &handler);
-    std::vector<const Waiting *> waitingAfter(ZELKLWAEventPosition after, qint64 to) const;
-
     QString m_path;
     std::shared_ptr<ZELKSQLitePort> m_port;
-    std::deque<Waiting> m_waiting;
-    qint64 m_arrivals = 0;
+    ZELKLWAWaitingEvents m_waiting;
+    ZELKLWASettlingClock m_settlingClock;
+    bool m_isSettlingDue = false; // the file did not take it
     std::size_t m_dropped = 0;
     int m_failure = 0; // SQLite's code of what failed last
     bool m_failing = false;
