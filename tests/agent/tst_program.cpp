@@ -109,8 +109,9 @@ private:
     QStringList recorded() const
     {
         ZELKLWAEventStore store(database(), agentBundle(), std::make_shared<ZELKSQLitePort>());
+        store.settle(); // what a kill left
         QStringList names;
-        store.eventsAfter({0, 0}, std::numeric_limits<qint64>::max(), 1000,
+        store.eventsAfter({0, 0}, ZELKLWAEventRange::requested(0, 9e9), 1000,
                           [&](ZELKLWAEventPosition, const ZELKRawEventView &event) {
                               names.append(text(event.description));
                               return true;

@@ -1,5 +1,6 @@
 #include "AgentFixture.h"
 #include "BusClient.h"
+#include "ZELKEnvironment.h"
 #include "ZELKFailingSQLitePort.h"
 #include "ZELKLWAAgent.h"
 
@@ -78,12 +79,11 @@ private Q_SLOTS:
         QVERIFY(start());
         const StreamedEvents found = readStream(ask());
         QCOMPARE(found.state, State::Complete);
-        QCOMPARE(found.names.size(), count + 1);
+        QCOMPARE(found.names.size(), count); // its own first event has yet to settle
         for (int i = 0; i < count; ++i) {
             QCOMPARE(found.names.at(i), u"event %1"_s.arg(i));
             QCOMPARE(found.dates.at(i), u"%1.000000"_s.arg(i));
         }
-        QCOMPARE(found.names.constLast(), u"Starting monitor"_s);
     }
 
     void streamsAnyRange()
@@ -94,7 +94,7 @@ private Q_SLOTS:
         const QList<std::tuple<double, double, int>> ranges{
             {2.0, 4.0, 3},
             {4.0, 2.0, 0},
-            {-infinity, infinity, 11},
+            {-infinity, infinity, 10},
             {-1e308, 9.5, 10},
             {0.0, qQNaN(), 0},
             {ZELKDate::distantPast().timeIntervalSinceReferenceDate(), 9.5, 10}};
@@ -201,7 +201,7 @@ private Q_SLOTS:
         elapsed.start();
         writeFile(options().wtmp, readFile(realAccounting()));
         QTRY_COMPARE(listener.told, 2);
-        QVERIFY(elapsed.elapsed() >= ZELKLWAUpdateAnnouncer::millisecondsOfABurst);
+        QVERIFY(elapsed.elapsed() >= ZELKLWABurst::quietMilliseconds);
 
         const QSignalSpy finished(m_agent.get(), &ZELKLWAAgent::finished);
         m_agent->terminate();
@@ -255,14 +255,18 @@ private:
         options.powerSupply = m_folder->filePath(u"power_supply"_s);
         return options;
     }
-    /// One event a second from 0, in the records before the agent starts.
+    /// One event a second from 0, in the records before the agent starts; they settled before the first.
     void fill(int count)
     {
+        ZELKEnvironment early = ZELKEnvironment::system();
+        early.clock = std::make_shared<ZELKFixedClock>(ZELKDate(-100));
+        const ZELKEnvironmentScope scope(early);
         ZELKLWAEventStore store(options().database, agentBundle(), std::make_shared<ZELKSQLitePort>());
         std::vector<ZELKLWAEvent> events;
         for (int i = count; i-- > 0;)
             events.push_back({ZELKDate(i), u"event %1"_s.arg(i), ZELKMonitorPowerSource, QString(600, u'p')});
         store.record(events);
+        store.settle();
     }
     bool start()
     {

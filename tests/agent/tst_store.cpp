@@ -7,7 +7,7 @@
 #include <limits>
 
 using Call = ZELKFailingSQLitePort::Call;
-using Reading = ZELKLWAEventStore::Reading;
+using Reading = ZELKLWAEventPage::End;
 
 namespace {
 
@@ -22,10 +22,14 @@ ZELKLWAEvent eventAt(double seconds, const char *name = "event")
 QStringList readAll(ZELKLWAEventStore &store, double from = -infinity, double to = infinity, int page = 2)
 {
     QStringList found;
-    ZELKLWAEventPosition at{ZELKLWAEventStore::timeOf(ZELKDate(from)), std::numeric_limits<qint64>::min()};
+    constexpr qint64 first = std::numeric_limits<qint64>::min();
+    ZELKLWAEventPosition at{first, first};
+    const ZELKLWAEventRange range{ZELKLWATimeOf(ZELKDate(from)), ZELKLWATimeOf(ZELKDate(to)),
+                                  std::numeric_limits<qint64>::max()};
+    store.settle();
     Reading reading = Reading::Stopped;
     while (reading == Reading::Stopped)
-        reading = store.eventsAfter(at, ZELKLWAEventStore::timeOf(ZELKDate(to)), page,
+        reading = store.eventsAfter(at, range, page,
                                     [&](ZELKLWAEventPosition position, const ZELKRawEventView &event) {
                                         at = position;
                                         found.append(text(event.date) + u' ' + text(event.description));
