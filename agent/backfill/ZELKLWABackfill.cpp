@@ -1,0 +1,140 @@
+#include "ZELKLWABackfill.h"
+
+#include "ZELKAccountingHistory.h"
+#include "ZELKAssertion.h"
+#include "ZELKEnvironment.h"
+#include "ZELKUPowerFolder.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace {
+
+constexpr ZELKDate earliest = ZELKDate::fromSecondsSince1970(631152000.0); // 1990-01-01 UTC
+
+QString firstLine(const QString &path)
+{
+    constexpr qint64 longest = 64;
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readLine(longest)).trimmed() : QString();
+}
+
+void appendExisting(QStringList &places, const QString &path)
+{
+    if (QFileInfo::exists(path))
+        places.append(path);
+}
+
+} // namespace
+
+ZELKLWABackfillPlaces ZELKLWABackfillPlaces::ofSystem(const QString &root)
+{
+    ZELKLWABackfillPlaces places;
+    if (const QString machine = firstLine(root + QStringLiteral("/etc/machine-id")); !machine.isEmpty())
+        for (const char *folder : {"/var/log/journal/", "/run/log/journal/"})
+            appendExisting(places.journals, root + QString::fromLatin1(folder) + machine);
+    appendExisting(places.wtmp, root + QStringLiteral("/var/log/wtmp"));
+    appendExisting(places.upower, root + QStringLiteral("/var/lib/upower"));
+    places.powerSupply.prepend(root);
+    return places;
+}
+
+ZELKLWABackfill::ZELKLWABackfill(ZELKLWABackfillPlaces places, ZELKDate until, ZELKLWAEventSink sink,
+                                 const QString &program, QObject *parent)
+    : QObject(parent)
+    , m_places(std::move(places))
+    , m_until(std::min(until, ZELKEnvironment::current().clock->now()))
+    , m_sink(std::move(sink))
+    , m_journals(program.isEmpty() ? QCoreApplication::applicationFilePath() : program)
+{
+    m_soon.setSingleShot(true);
+    m_soon.setInterval(0);
+    connect(&m_soon, &QTimer::timeout, this, [this] { zelkGuard([&] { step(); }); });
+    connect(&m_journals, &ZELKJournalReading::finished, this,
+            [this](const std::vector<ZELKSleepMark> &marks, bool complete) {
+                zelkGuard([&] {
+                    m_readsJournals = false;
+                    m_complete = m_complete && complete;
+                    take(ZELKSleepHistory::events(marks));
+                    continueSoon();
+                });
+            });
+}
+
+void ZELKLWABackfill::start()
+{
+    m_running = true;
+    addSources();
+    m_readsJournals = true;
+    m_journals.start(ZELKJournalReading::files(m_places.journals));
+    continueSoon();
+}
+
+void ZELKLWABackfill::stop()
+{
+    m_running = false;
+    m_soon.stop();
+    m_sources.clear();
+    m_ready.clear();
+    m_journals.stop();
+}
+
+void ZELKLWABackfill::addSources()
+{
+    for (const QString &path : m_places.wtmp)
+        for (const QString &file : ZELKAccountingHistory::files(path)) {
+            const auto history = std::make_shared<ZELKAccountingHistory>(file);
+            m_sources.push_back(
+                [history](std::vector<ZELKLWAEvent> &events) { return history->readSome(events); });
+        }
+    for (const QString &path : m_places.upower) {
+        const auto folder = std::make_shared<const ZELKUPowerFolder>(path, m_places.powerSupply);
+        for (const QString &battery : folder->batteries())
+            m_sources.push_back([folder, battery](std::vector<ZELKLWAEvent> &events) {
+                events = folder->events(battery);
+                return false;
+            });
+    }
+}
+
+void ZELKLWABackfill::continueSoon()
+{
+    if (m_running)
+        m_soon.start();
+}
+
+/// One piece of work; the journal's process wakes it when that is all there is to wait for.
+void ZELKLWABackfill::step()
+{
+    if (!m_ready.empty()) {
+        tellSome();
+    } else if (!m_sources.empty()) {
+        std::vector<ZELKLWAEvent> events;
+        if (!m_sources.front()(events))
+            m_sources.pop_front();
+        take(events);
+    } else {
+        if (m_readsJournals)
+            return;
+        m_running = false;
+        Q_EMIT finished(m_complete);
+    }
+    continueSoon();
+}
+
+void ZELKLWABackfill::tellSome()
+{
+    const auto end = m_ready.begin() + std::ptrdiff_t(std::min(m_ready.size(), eventsABatch));
+    const std::vector<ZELKLWAEvent> batch(m_ready.begin(), end);
+    m_ready.erase(m_ready.begin(), end);
+    m_sink(batch);
+}
+
+void ZELKLWABackfill::take(const std::vector<ZELKLWAEvent> &events)
+{
+    for (const ZELKLWAEvent &event : events)
+        if (event.date >= earliest && event.date < m_until)
+            m_ready.push_back(event);
+}

@@ -1,0 +1,106 @@
+#include "ZELKUPowerFolder.h"
+
+#include "ZELKConsole.h"
+#include "ZELKFormat.h"
+#include "ZELKKernelAttributes.h"
+#include "ZELKKernelPowerSupplies.h"
+#include "ZELKPowerSourceNames.h"
+#include "ZELKUPowerHistory.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+namespace {
+
+constexpr QLatin1String prefix("history-charge-");
+constexpr QLatin1String suffix(".dat");
+
+/// What UPower makes of a text in a file's name; texts of one or two characters it leaves out.
+QString nameInFiles(QString text)
+{
+    constexpr qsizetype shortest = 3;
+    if (text.size() < shortest)
+        return {};
+    static const QRegularExpression unfit(QStringLiteral("[\\\\\t\"?' /,.]"));
+    return text.replace(unfit, QStringLiteral("_"));
+}
+
+/// "MODEL-DESIGN-SERIAL", "MODEL-DESIGN" and so on.
+QRegularExpressionMatch parts(const QString &battery)
+{
+    static const QRegularExpression whole(QStringLiteral("^(?:(.+)-)?(\\d{1,6})-(.+)$"));
+    static const QRegularExpression unnumbered(QStringLiteral("^(?:(.+)-)?(\\d{1,6})$"));
+    const QRegularExpressionMatch match = whole.match(battery);
+    return match.hasMatch() ? match : unnumbered.match(battery);
+}
+
+} // namespace
+
+bool ZELKUPowerFolder::Known::isBattery(const QString &battery) const
+{
+    QStringList pattern;
+    if (const QString text = nameInFiles(model); !text.isEmpty())
+        pattern.append(QRegularExpression::escape(text));
+    pattern.append(QStringLiteral("\\d{1,6}"));
+    if (const QString text = nameInFiles(serial); !text.isEmpty())
+        pattern.append(QRegularExpression::escape(text));
+    return QRegularExpression(QLatin1Char('^') + pattern.join(QLatin1Char('-')) + QLatin1Char('$'))
+        .match(battery)
+        .hasMatch();
+}
+
+ZELKUPowerFolder::ZELKUPowerFolder(const QString &path, const QString &powerSupply)
+    : m_path(path)
+{
+    ZELKPowerSourceNames names;
+    for (const ZELKPowerSupply &supply : ZELKKernelPowerSupplies::read(powerSupply))
+        if (supply.isPresent)
+            m_known.push_back({supply.model, ZELKKernelAttributes(supply.path).text("serial_number"),
+                               names.nameFor(supply, false)});
+}
+
+QStringList ZELKUPowerFolder::batteries() const
+{
+    QStringList batteries;
+    if (!QFileInfo(m_path).isReadable())
+        ZELKConsole::log(ZELKFormat("No history of UPower's to read at %@.", {m_path}));
+    for (const QString &name :
+         QDir(m_path).entryList({prefix + QLatin1Char('*') + suffix}, QDir::Files, QDir::Name)) {
+        const QString battery = name.mid(prefix.size()).chopped(suffix.size());
+        if (parts(battery).hasMatch())
+            batteries.append(battery);
+    }
+    return batteries;
+}
+
+QString ZELKUPowerFolder::nameOf(const QString &battery) const
+{
+    for (const Known &known : m_known)
+        if (known.isBattery(battery))
+            return known.name;
+    const QString model = parts(battery).captured(1);
+    return model.isEmpty() ? battery : model;
+}
+
+std::vector<ZELKLWAEvent> ZELKUPowerFolder::events(const QString &battery) const
+{
+    const ZELKUPowerHistory history{file("charge", battery), file("rate", battery),
+                                    file("time-empty", battery), file("time-full", battery)};
+    ZELKUPowerHistory::Told told = history.told(nameOf(battery));
+    if (told.garbage > 0)
+        ZELKConsole::log(ZELKFormat("Skipped %lu lines that can not be read in the history of '%@' in %@.",
+                                    {told.garbage, battery, m_path}));
+    return std::move(told.events);
+}
+
+QByteArray ZELKUPowerFolder::file(const char *kind, const QString &battery) const
+{
+    QFile file(QStringLiteral("%1/history-%2-%3.dat").arg(m_path, QString::fromLatin1(kind), battery));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    if (file.size() <= longestFile)
+        return file.read(longestFile);
+    ZELKConsole::log(ZELKFormat("Skipped %@: it is too long.", {file.fileName()}));
+    return {};
+}

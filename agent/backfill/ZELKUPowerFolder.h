@@ -1,0 +1,41 @@
+#pragma once
+
+#include "ZELKLWAEvent.h"
+
+#include <QStringList>
+
+/// UPower's folder of history files, "history-KIND-BATTERY.dat" where BATTERY is "MODEL-DESIGN-SERIAL" with a
+/// "_" for what a file's name should not have. Other devices, a mouse for one, have no design capacity in
+/// their names and are left out.
+class ZELKUPowerFolder
+{
+public:
+    static constexpr qint64 longestFile = 16 << 20;
+
+    /// `powerSupply` is the kernel's /sys/class/power_supply: a battery that is there goes by the model that
+    /// the kernel tells, a second one of the model with its device, as the watcher names them. Others go by
+    /// what the file's name has of their model.
+    ZELKUPowerFolder(const QString &path, const QString &powerSupply);
+
+    /// As the files' names have them, in their order.
+    QStringList batteries() const;
+    QString nameOf(const QString &battery) const;
+    /// The history of one battery. Lines that are none of UPower's, and files that are too long, are one
+    /// console line.
+    std::vector<ZELKLWAEvent> events(const QString &battery) const;
+
+private:
+    struct Known
+    {
+        QString model;
+        QString serial;
+        QString name;
+
+        bool isBattery(const QString &battery) const;
+    };
+
+    QByteArray file(const char *kind, const QString &battery) const;
+
+    QString m_path;
+    std::vector<Known> m_known;
+};

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "ConsoleLines.h"
+#include "Files.h"
+#include "Rows.h"
+#include "ZELKEnvironment.h"
+#include "ZELKJournalReader.h"
+#include "ZELKLWAEvent.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <cstring>
+#include <memory>
+#include <utmpx.h>
+#include <zlib.h>
+
+using namespace Qt::StringLiterals;
+
+/// When the tests take place, in seconds since 1970.
+constexpr double now = 1800000000.0;
+
+/// Makes it that time.
+struct TestTime
+{
+    static ZELKEnvironment environment()
+    {
+        ZELKEnvironment environment = ZELKEnvironment::system();
+        environment.clock = std::make_shared<ZELKFixedClock>(ZELKDate::fromSecondsSince1970(now));
+        return environment;
+    }
+    ZELKEnvironmentScope scope{environment()};
+};
+
+/// "SECONDS EVENT", the seconds since 1970.
+inline QStringList linesOf(const std::vector<ZELKLWAEvent> &events)
+{
+    QStringList lines;
+    for (const ZELKLWAEvent &event : events)
+        lines.append(
+            QString::number(event.date.timeIntervalSinceReferenceDate() + ZELKDate::secondsFrom1970, 'f', 6) +
+            u' ' + event.event);
+    return lines;
+}
+
+enum class Accounting { Boot, ShutDown, Login };
+using Record = std::pair<Accounting, double>;
+
+inline QByteArray accounting(const QList<Record> &records)
+{
+    QByteArray bytes;
+    for (const auto &[kind, seconds] : records) {
+        utmpx record = {};
+        record.ut_type = kind == Accounting::Boot    ? BOOT_TIME
+                         : kind == Accounting::Login ? USER_PROCESS
+                                                     : RUN_LVL;
+        std::strcpy(record.ut_user, kind == Accounting::ShutDown ? "shutdown" : "reboot");
+        std::strcpy(record.ut_line, "~");
+        record.ut_tv.tv_sec = decltype(record.ut_tv.tv_sec)(qint64(seconds));
+        bytes.append(reinterpret_cast<const char *>(&record), sizeof record);
+    }
+    return bytes;
+}
+
+inline void writePacked(const QString &path, const QByteArray &bytes)
+{
+    const gzFile file = gzopen(path.toLocal8Bit().constData(), "wb");
+    if (gzwrite(file, bytes.constData(), unsigned(bytes.size())) != bytes.size() || gzclose(file) != Z_OK)
+        qFatal("%s cannot be written", qPrintable(path));
+}
+
+/// A journal that a real system wrote.
+inline QByteArray journal(const char *name)
+{
+    const QByteArray path = QByteArray(ZELK_TEST_DATA "/") + name + ".journal.gz";
+    const gzFile file = gzopen(path.constData(), "rb");
+    QByteArray bytes(16 << 20, Qt::Uninitialized);
+    bytes.truncate(gzread(file, bytes.data(), unsigned(bytes.size())));
+    gzclose(file);
+    return bytes;
+}
+
+/// The test's own program reads journals for it, as the agent's does.
+#define BACKFILL_TEST_MAIN(Test)                                                                             \
+    int main(int argc, char **argv)                                                                          \
+    {                                                                                                        \
+        if (argc > 1 && std::strcmp(argv[1], ZELKJournalReader::option) == 0)                                \
+            return ZELKJournalReader::run({QString::fromLocal8Bit(argv[argc - 1])});                         \
+        const QCoreApplication application(argc, argv);                                                      \
+        const TestTime time;                                                                                 \
+        Test test;                                                                                           \
+        return QTest::qExec(&test, argc, argv);                                                              \
+    }

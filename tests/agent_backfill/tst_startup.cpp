@@ -1,0 +1,120 @@
+#include "BackfillFixture.h"
+#include "LogBed.h"
+#include "ZELKLWAStartupWatcher.h"
+#include "ZELKSettingsStartupMemory.h"
+#include "ZELKUserDefaults.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr auto boot = Accounting::Boot;
+constexpr auto shutDown = Accounting::ShutDown;
+constexpr double first = 1700000000.0;
+constexpr double second = 1700100000.0;
+
+/// A computer's accounting and its kernel, and the agent's settings there.
+struct Computer
+{
+    QTemporaryDir folder;
+    ZELKLWAStartupWatcher::Places places{folder.filePath(u"boot_id"_s), folder.filePath(u"stat"_s),
+                                         folder.filePath(u"utmp"_s), folder.filePath(u"wtmp"_s)};
+
+    void boots(const char *identifier, double kernelBoot) const
+    {
+        writeFile(places.bootID, identifier);
+        writeFile(places.statistics,
+                  "cpu 1 2 3\nctxt 4\nbtime " + QByteArray::number(kernelBoot, 'f', 0) + "\n");
+    }
+    std::vector<ZELKLWAEvent> told(const QString &settings = u"settings"_s) const
+    {
+        ZELKUserDefaults defaults(folder.filePath(settings));
+        ZELKSettingsStartupMemory memory(defaults);
+        std::vector<ZELKLWAEvent> seen;
+        ZELKLWAStartupWatcher watcher(places, memory, [&](const std::vector<ZELKLWAEvent> &events) {
+            seen.insert(seen.end(), events.begin(), events.end());
+        });
+        watcher.start();
+        return seen;
+    }
+};
+
+constexpr char identifier[] = "0b6f7d5c-9f4e-4d7a-8b53-0c9f1f7a2d11\n";
+
+} // namespace
+
+/// One startup for each boot, dated so that the log takes it for its own boot and for no other.
+class TestStartup : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void meetsItsOwnBoot_data()
+    {
+        const Rows<QList<Record>, QList<Record>, double, QString, int> row;
+        const QList<Record> crash{{boot, first}, {boot, second}};
+        const QList<Record> orderly{{boot, first}, {shutDown, second - 100.0}, {boot, second}};
+        const char *own = "1700100000.000001 startup";
+        row("after an orderly end", orderly, QList<Record>{{boot, second}}, second - 3.0, own, 2);
+        row("after no end at all", crash, QList<Record>{{boot, second}}, second - 3.0, own, 2);
+        row("the clock was put forward since", crash, QList<Record>{{boot, second}}, second + 9000.0, own, 2);
+        row("the clock was put back since", crash, QList<Record>{{boot, second}}, first - 9000.0, own, 2);
+        row("the file was rotated", QList<Record>{{boot, first}}, QList<Record>{{boot, second}}, second, own,
+            2);
+        row("no utmp", crash, QList<Record>(), second - 3.0, own, 2);
+        row("no utmp, clock put right a little", crash, QList<Record>(), second + 20.0, own, 2);
+        row("no record of this boot, none of an end before", QList<Record>{{boot, first}}, QList<Record>(),
+            second, "1700100000.000000 startup", 2);
+        row("no record of this boot, an end before", QList<Record>{{boot, first}, {shutDown, second - 9.0}},
+            QList<Record>(), second, "1700100000.000000 startup", 2);
+        row("an end that seems later", QList<Record>{{boot, first}, {shutDown, second + 9.0}},
+            QList<Record>(), second, "1700100009.000001 startup", 2);
+        row("no accounting", QList<Record>(), QList<Record>(), second, "1700100000.000000 startup", 1);
+        row("logins only", QList<Record>{{Accounting::Login, second}}, QList<Record>(), second,
+            "1700100000.000000 startup", 1);
+    }
+    void meetsItsOwnBoot()
+    {
+        const auto [wtmp, utmp, kernelBoot, startup, boots] =
+            Rows<QList<Record>, QList<Record>, double, QString, int>::fetch();
+        const Computer computer;
+        writeFile(computer.places.wtmp, accounting(wtmp));
+        writeFile(computer.places.utmp, accounting(utmp));
+        computer.boots(identifier, kernelBoot);
+        const std::vector<ZELKLWAEvent> told = computer.told();
+        QCOMPARE(linesOf(told).constLast(), startup);
+
+        const LogBed log(told, wtmp);
+        QCOMPARE(log.boots, boots);
+        QCOMPARE(log.bootOfStartup, boots - 1);
+
+        computer.boots(identifier, kernelBoot + 86400.0); // the clock is set, the agent starts again
+        QCOMPARE(computer.told(), told);
+        if (!utmp.isEmpty())
+            QCOMPARE(computer.told(u"of another agent"_s), told);
+        computer.boots("e3a1cf8a-0f0a-4b3a-a9a7-0f6f1d6f4c55\n", kernelBoot + 86400.0);
+        QCOMPARE(computer.told().empty(), false);
+    }
+
+    void saysWhatIsMissing_data()
+    {
+        const Rows<QByteArray, QByteArray> row;
+        row("no boot identifier", "", "btime 1700000000\n");
+        row("no identifier", "boot 7\n", "btime 1700000000\n");
+        row("no boot time", identifier, "cpu 1 2 3\nbtime\n");
+        row("no times", identifier, "btime -4\nbtime soon\n");
+    }
+    void saysWhatIsMissing()
+    {
+        const auto [bootID, statistics] = Rows<QByteArray, QByteArray>::fetch();
+        const Computer computer;
+        writeFile(computer.places.bootID, bootID);
+        writeFile(computer.places.statistics, statistics);
+        const ConsoleLines console;
+        QVERIFY(computer.told().empty());
+        QCOMPARE(console.size(), 1);
+    }
+};
+
+BACKFILL_TEST_MAIN(TestStartup)
+#include "tst_startup.moc"
