@@ -273,7 +273,8 @@ QString ZELKLWCLogEntry::attributeArrayToString(const QVariantList &array)
 {
     QStringList items;
     for (const QVariant &value : array)
-        items.append(ZELKValue::description(value));
+        if (value.isValid()) // no property list holds another
+            items.append(ZELKValue::description(value));
     return items.join(QLatin1String(", "));
 }
 
@@ -286,7 +287,7 @@ QString ZELKLWCLogEntry::attributesAsString() const
         if (value.userType() == qMetaTypeId<ZELKDictionary>())
             items.append(
                 ZELKFormat("%@:[%@]", {key, attributeDictionaryToString(value.value<ZELKDictionary>())}));
-        else if (value.typeId() == QMetaType::QVariantList)
+        else if (value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList)
             items.append(ZELKFormat("%@:(%@)", {key, attributeArrayToString(value.toList())}));
         else
             items.append(key);
