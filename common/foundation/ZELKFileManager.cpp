@@ -175,10 +175,11 @@ std::optional<QString> ZELKFileManager::remove(const QString &path)
     return std::nullopt;
 }
 
-std::optional<QString> ZELKFileManager::writeFile(const QString &path, const QByteArray &bytes)
+std::optional<QString> ZELKFileManager::writeFile(const QString &path, const QByteArray &bytes, Kind kind)
 {
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
+        ::fchmod(file.handle(), kind == Kind::Program ? programMode : fileMode) != 0 || !file.commit())
         return path + QStringLiteral(": ") + file.errorString();
     return std::nullopt;
 }

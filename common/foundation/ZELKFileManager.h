@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <optional>
@@ -17,7 +18,9 @@ std::optional<QString> copyFolder(const QString &source, const QString &destinat
 /// Removes the folder with all that is in it, or the file or link. What is not there is no failure.
 std::optional<QString> remove(const QString &path);
 
-/// Makes the file hold these bytes, as one step. Its folder has to be there.
-std::optional<QString> writeFile(const QString &path, const QByteArray &bytes);
+/// Makes the file hold these bytes, as one step; everybody may read it, and execute a program. Its folder has
+/// to be there.
+enum class Kind { Document, Program };
+std::optional<QString> writeFile(const QString &path, const QByteArray &bytes, Kind kind = Kind::Document);
 
 } // namespace ZELKFileManager

@@ -1,0 +1,37 @@
+#include "ZELKAgentRemoval.h"
+
+#include "ZELKConsole.h"
+#include "ZELKFormat.h"
+#include "ZELKPolkit.h"
+
+ZELKAgentRemoval::ZELKAgentRemoval(const QDBusConnection &bus, const ZELKInstalledAgent &place,
+                                   QObject *parent)
+    : QObject(parent)
+    , m_bus(bus)
+    , m_check(bus)
+    , m_files(place)
+{
+}
+
+/// polkit may not ask the user here: the caller waits for an answer, and has asked for the right before.
+void ZELKAgentRemoval::removeAgentFiles(const QByteArray &authorization, const QDBusMessage &call)
+{
+    m_check.check(authorization, call.service(), ZELKPolkit::modifyAction(), false,
+                  [this, call](const QString &problem) {
+                      if (problem.isEmpty()) {
+                          m_files.remove([this, call](bool removed) { reply(call, removed); });
+                          return;
+                      }
+                      ZELKConsole::log(ZELKFormat("The agent's files are not removed: %@.", {problem}));
+                      m_bus.send(call.createReply(false));
+                  });
+}
+
+void ZELKAgentRemoval::reply(const QDBusMessage &call, bool removed)
+{
+    if (!removed)
+        ZELKConsole::log(QStringLiteral("The agent's files could not be removed."));
+    m_bus.send(call.createReply(removed));
+    if (removed)
+        m_files.finish();
+}

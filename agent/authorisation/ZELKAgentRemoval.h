@@ -1,0 +1,29 @@
+#pragma once
+
+#include "ZELKAgentFiles.h"
+#include "ZELKAuthorizationCheck.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+
+/// What the control service does when it is asked to remove the agent's files: checks that the caller may,
+/// has them deleted, answers, and only then lets the bus policy go.
+class ZELKAgentRemoval : public QObject
+{
+    Q_OBJECT
+
+public:
+    ZELKAgentRemoval(const QDBusConnection &bus, const ZELKInstalledAgent &place, QObject *parent = nullptr);
+
+    /// Answers the call with a boolean, later. The call is to be marked as answered so (setDelayedReply).
+    /// A no leaves a console line.
+    void removeAgentFiles(const QByteArray &authorization, const QDBusMessage &call);
+
+private:
+    void reply(const QDBusMessage &call, bool removed);
+
+    QDBusConnection m_bus;
+    ZELKAuthorizationCheck m_check;
+    ZELKAgentFiles m_files;
+};
