@@ -7,13 +7,14 @@
 
 #include <QApplication>
 #include <QGridLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
 
 namespace {
 
-constexpr int textWidthInCharacters = 68;
+constexpr int textWidthInCharacters = 74;
 
 enum Row { MessageRow, InformativeRow, AccessoryRow, ButtonsRow };
 enum Column { IconColumn, TextColumn };
@@ -42,7 +43,7 @@ ZELKAgentAlertDialog::ZELKAgentAlertDialog(const ZELKAgentAlert &alert, const ZE
     const int spacing = fontMetrics().height();
     layout->setContentsMargins(spacing, spacing, spacing, spacing);
     layout->setHorizontalSpacing(spacing);
-    layout->setVerticalSpacing(spacing * 2 / 3);
+    layout->setVerticalSpacing(spacing * 3 / 4);
     layout->setColumnMinimumWidth(TextColumn, textWidthInCharacters * fontMetrics().averageCharWidth());
     layout->setColumnStretch(TextColumn, 1);
     addTexts(alert, *layout);
@@ -54,11 +55,13 @@ ZELKAgentAlertDialog::ZELKAgentAlertDialog(const ZELKAgentAlert &alert, const ZE
 
 void ZELKAgentAlertDialog::addTexts(const ZELKAgentAlert &alert, QGridLayout &layout)
 {
-    auto *icon = new QLabel(this);
+    auto *picture = new QLabel(this);
     const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, this);
-    icon->setPixmap(
-        style()->standardIcon(QStyle::SP_MessageBoxInformation, nullptr, this).pixmap(QSize(size, size)));
-    layout.addWidget(icon, MessageRow, IconColumn, ButtonsRow, 1, Qt::AlignTop);
+    const QIcon own = QGuiApplication::windowIcon();
+    const QIcon icon =
+        own.isNull() ? style()->standardIcon(QStyle::SP_MessageBoxInformation, nullptr, this) : own;
+    picture->setPixmap(icon.pixmap(QSize(size, size), devicePixelRatioF()));
+    layout.addWidget(picture, MessageRow, IconColumn, ButtonsRow, 1, Qt::AlignTop);
 
     QLabel *message = makeLabel(alert.message, "message", this);
     QFont font = message->font();
@@ -81,6 +84,8 @@ void ZELKAgentAlertDialog::addAccessory(const ZELKAgentAlert &alert, const ZELKA
 void ZELKAgentAlertDialog::addButtons(const ZELKAgentAlert &alert, QGridLayout &layout)
 {
     auto *row = new QHBoxLayout;
+    row->setSpacing(fontMetrics().height() / 2);
+    row->setContentsMargins(0, fontMetrics().height() / 2, 0, 0);
     addHelpButton(alert.helpAnchor, *row);
     row->addStretch(1);
     for (const QString &title : alert.buttons) {
@@ -92,7 +97,6 @@ void ZELKAgentAlertDialog::addButtons(const ZELKAgentAlert &alert, QGridLayout &
         row->addWidget(button);
         m_buttons.append(button);
     }
-    layout.setRowMinimumHeight(ButtonsRow, 0);
     layout.addLayout(row, ButtonsRow, IconColumn, 1, 2);
 }
 

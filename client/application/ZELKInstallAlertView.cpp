@@ -89,6 +89,7 @@ void ZELKInstallAlertView::fillPopUp(const ZELKAgentInstallation &agent)
         else if (firstOffer < 0)
             firstOffer = index;
     }
+    m_popUp->setPlaceholderText(text(QStringLiteral("location.none")));
     m_popUp->setCurrentIndex(firstOffer);
     m_popUp->setEnabled(firstOffer >= 0);
 }

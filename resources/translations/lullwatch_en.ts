@@ -401,15 +401,15 @@
     </message>
     <message>
         <source>ZELKAgentController.install.informative</source>
-        <translation>%@ shows what a small background program records: when this computer sleeps, wakes, starts and shuts down, and how its batteries do. Install it to record always, or record only while you are logged in, until the next restart.</translation>
+        <translation>%@ shows what a small background program records: when this computer sleeps, wakes, starts and shuts down, and how its batteries do. Install it to record always, or let it record until you log out.</translation>
     </message>
     <message>
         <source>ZELKAgentController.install.button.install</source>
-        <translation>Install</translation>
+        <translation>&amp;Install</translation>
     </message>
     <message>
         <source>ZELKAgentController.install.button.skip</source>
-        <translation>Record This Session Only</translation>
+        <translation>&amp;Record This Session Only</translation>
     </message>
     <message>
         <source>ZELKAgentController.install.button.cancel</source>
@@ -417,15 +417,51 @@
     </message>
     <message>
         <source>ZELKAgentController.install.location</source>
-        <translation>Record:</translation>
+        <translation>Install &amp;for:</translation>
     </message>
     <message>
         <source>ZELKAgentController.install.location.1</source>
-        <translation>For all users, from start-up on (asks for a password)</translation>
+        <translation>For all users of this computer (needs an administrator)</translation>
     </message>
     <message>
         <source>ZELKAgentController.install.location.2</source>
-        <translation>While I am logged in</translation>
+        <translation>For me only</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.location.none</source>
+        <translation>Not possible on this computer</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.location.toolTip</source>
+        <translation>Who the recording agent is installed for</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.location.accessibleName</source>
+        <translation>Install for</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.location.1.meaning</source>
+        <translation>Records from start-up on, whoever is logged in. Asks for an administrator’s password.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.location.2.meaning</source>
+        <translation>Records while you are logged in, and starts again with your next login. Asks for no password.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.absent</source>
+        <translation>systemd does not run here, so nothing can be installed. Recording this session works all the same.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.absent.1</source>
+        <translation>Installing for all users is not possible, because systemd does not run this computer.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.install.absent.2</source>
+        <translation>Installing for you only is not possible, because no systemd runs in this session.</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.help</source>
+        <translation>&amp;Help</translation>
     </message>
     <message>
         <source>ZELKAgentController.update.message</source>
@@ -437,11 +473,11 @@
     </message>
     <message>
         <source>ZELKAgentController.update.button.update</source>
-        <translation>Update</translation>
+        <translation>&amp;Update</translation>
     </message>
     <message>
         <source>ZELKAgentController.update.button.cancel</source>
-        <translation>Not Now</translation>
+        <translation>&amp;Not Now</translation>
     </message>
     <message>
         <source>ZELKAgentController.error.1</source>
