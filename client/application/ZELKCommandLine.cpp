@@ -1,5 +1,6 @@
 #include "ZELKCommandLine.h"
 
+#include "ZELKAgentCommand.h"
 #include "ZELKAssertion.h"
 #include "ZELKCommandLineText.h"
 #include "ZELKLWCMainWindowController.h"
@@ -55,6 +56,8 @@ bool ZELKCommandLine::runCommand()
         return import();
     case Command::Snapshot:
         return snapshot();
+    case Command::Agent:
+        return agent();
     case Command::Window:
         break;
     }
@@ -215,4 +218,14 @@ bool ZELKCommandLine::takePicture(ZELKApplicationWiring &wiring, ZELKLWCMainWind
         ZELKFormat(ZELKCommandLineText("A picture of the window stands in %@."), {m_options.picture}) +
         QLatin1Char('\n'));
     return true;
+}
+
+// MARK: agent
+
+/// Cache and log have no part in this.
+bool ZELKCommandLine::agent()
+{
+    ZELKAgentController controller(ZELKApplicationWiring::World::real(m_settings).ports);
+    return ZELKAgentCommand(controller, m_output, [this](const QString &words) { complain(words); })
+        .run(m_options.agent);
 }

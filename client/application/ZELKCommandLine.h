@@ -30,6 +30,7 @@ private:
     bool import();
     bool importFrom(int descriptor);
     bool snapshot();
+    bool agent();
     void printLatest(const ZELKLWCLog &log);
     bool takePicture(ZELKApplicationWiring &wiring, ZELKLWCMainWindowController &window);
 

@@ -15,6 +15,7 @@ namespace {
 using Options = ZELKCommandLineOptions;
 using Command = Options::Command;
 using Format = ZELKEntryWriter::Format;
+using AgentAction = ZELKAgentRequest::Action;
 
 constexpr int mostEntries = 1'000'000;
 
@@ -52,8 +53,27 @@ const QHash<QString, Command> &commands()
 {
     static const QHash<QString, Command> commands{{QStringLiteral("list"), Command::List},
                                                   {QStringLiteral("import"), Command::Import},
-                                                  {QStringLiteral("snapshot"), Command::Snapshot}};
+                                                  {QStringLiteral("snapshot"), Command::Snapshot},
+                                                  {QStringLiteral("agent"), Command::Agent}};
     return commands;
+}
+
+const QHash<QString, AgentAction> &agentActions()
+{
+    static const QHash<QString, AgentAction> actions{{QStringLiteral("status"), AgentAction::Status},
+                                                     {QStringLiteral("install"), AgentAction::Install},
+                                                     {QStringLiteral("remove"), AgentAction::Remove},
+                                                     {QStringLiteral("update"), AgentAction::Update}};
+    return actions;
+}
+
+const QHash<QString, ZELKAgentController::State> &agentForms()
+{
+    static const QHash<QString, ZELKAgentController::State> forms{
+        {QStringLiteral("system"), ZELKAgentController::PrivilegedJob},
+        {QStringLiteral("user"), ZELKAgentController::UserJob},
+        {QStringLiteral("session"), ZELKAgentController::SessionApplication}};
+    return forms;
 }
 
 /// One option: its name, what its value is called (empty for none), and the command that it belongs to
@@ -70,6 +90,7 @@ constexpr OptionRow optionRows[] = {
     {"range", "RANGE", Command::List},      {"from", "DATE", Command::List},
     {"to", "DATE", Command::List},          {"format", "FORMAT", Command::List},
     {"picture", "FILE", Command::Snapshot}, {"count", "NUMBER", Command::Snapshot},
+    {"as", "FORM", Command::Agent},
 };
 
 class Reader
@@ -80,6 +101,9 @@ public:
 
 private:
     void takeCommand();
+    QStringList takeImport(QStringList words);
+    QStringList takeAgentAction(QStringList words);
+    void takeAgent();
     void checkBelonging() const;
     void takeGlobals();
     void takeList();
@@ -117,6 +141,7 @@ Options::Parsed Reader::read()
     takeGlobals();
     takeList();
     takeSnapshot();
+    takeAgent();
     return {Options::Outcome::Run, {}, m_options};
 }
 
@@ -129,27 +154,46 @@ void Reader::takeCommand()
             complain("There is no command \"%@\".", name);
         m_options.command = commands().value(name);
     }
-    if (m_options.command == Command::Import) {
-        if (words.isEmpty())
-            complain("import needs a FILE, or - for standard input.");
-        m_options.file = words.takeFirst();
-        if (m_options.file.isEmpty())
-            complain("The FILE to import has no name.");
-    }
+    if (m_options.command == Command::Import)
+        words = takeImport(words);
+    if (m_options.command == Command::Agent)
+        words = takeAgentAction(words);
     if (!words.isEmpty())
         complain("Unexpected argument \"%@\".", words.constFirst());
     checkBelonging();
 }
 
+QStringList Reader::takeImport(QStringList words)
+{
+    if (words.isEmpty())
+        complain("import needs a FILE, or - for standard input.");
+    m_options.file = words.takeFirst();
+    if (m_options.file.isEmpty())
+        complain("The FILE to import has no name.");
+    return words;
+}
+
+QStringList Reader::takeAgentAction(QStringList words)
+{
+    const QString name = words.isEmpty() ? QString() : words.takeFirst();
+    if (!agentActions().contains(name))
+        complain("agent needs to be told what to do: status, install, remove or update.");
+    m_options.agent.action = agentActions().value(name);
+    return words;
+}
+
 void Reader::checkBelonging() const
 {
+    const bool isStatus =
+        m_options.command == Command::Agent && m_options.agent.action == AgentAction::Status;
     const bool orPicture = m_parser.isSet(QStringLiteral("or-picture"));
     if (orPicture && m_options.command != Command::Window)
         complain("--or-picture stands in for the window: it does not go together with a command.");
     for (const OptionRow &row : optionRows) {
         const QString name = QString::fromLatin1(row.name);
         const bool goes = row.command == Command::Window || row.command == m_options.command ||
-                          (orPicture && name == QLatin1String("count"));
+                          (orPicture && name == QLatin1String("count")) ||
+                          (isStatus && name == QLatin1String("format"));
         if (!goes && m_parser.isSet(name))
             complain("--%@ belongs to the command %@.", name, commands().key(row.command));
     }
@@ -221,6 +265,23 @@ void Reader::takeSnapshot()
         if (!isNumber || m_options.count < 1 || m_options.count > mostEntries)
             complain("--count needs a number from 1 to 1000000, not \"%@\".", *count);
     }
+}
+
+void Reader::takeAgent()
+{
+    if (m_options.command != Command::Agent)
+        return;
+    if (m_options.startsAgent || !m_options.profile.isEmpty() || !m_options.databaseFile.isEmpty())
+        complain("agent does not take --start-agent, --profile or --database.");
+    const bool isInstall = m_options.agent.action == AgentAction::Install;
+    const std::optional<QString> form = value("as");
+    if (isInstall != form.has_value() || (form && !agentForms().contains(*form)))
+        complain("agent install, and nothing else, needs --as system, --as user or --as session.");
+    if (isInstall)
+        m_options.agent.form = agentForms().value(*form);
+    if (m_options.format == Format::Tsv)
+        complain("agent status has the formats table and json.");
+    m_options.agent.asJson = m_options.format == Format::Json;
 }
 
 ZELKDate localDate(const QDateTime &moment)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZELKAgentCommand.h"
 #include "ZELKDate.h"
 #include "ZELKEntryWriter.h"
 
@@ -13,7 +14,7 @@
 /// What the command line asks for. A value.
 struct ZELKCommandLineOptions
 {
-    enum class Command { Window, List, Import, Snapshot };
+    enum class Command { Window, List, Import, Snapshot, Agent };
 
     /// A local day, or a moment of one.
     struct Moment
@@ -46,6 +47,8 @@ struct ZELKCommandLineOptions
     /// snapshot: empty for no picture. The count goes with orPicture too.
     QString picture;
     int count = 20;
+    /// agent
+    ZELKAgentRequest agent;
 
     enum class Outcome {
         Run,

@@ -1,5 +1,6 @@
 #include "ZELKLWCMainWindowController.h"
 
+#include "ZELKAgentControls.h"
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
 #include "ZELKEnvironment.h"
@@ -18,7 +19,6 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPalette>
-#include <QPushButton>
 #include <QStackedWidget>
 #include <QTableView>
 
@@ -80,10 +80,10 @@ ZELKLWCMainWindowController::ZELKLWCMainWindowController(ZELKApplicationWiring &
     , m_table(outlet<QTableView>("table"))
     , m_pages(outlet<QStackedWidget>("pages"))
     , m_emptyLabel(outlet<QLabel>("emptyLabel"))
-    , m_startStop(outlet<QAction>("actionStartStop"))
     , m_statusLine(new ZELKStatusLine(*m_window, wiring))
 {
     new ZELKRangeControls(*m_window, wiring.dateRange(), wiring.log());
+    new ZELKAgentControls(*m_window, wiring);
     setUpTable();
     setUpActions();
     setUpAgent();
@@ -141,24 +141,15 @@ void ZELKLWCMainWindowController::setUpActions()
     connect(outlet<QAction>("actionQuit"), &QAction::triggered, m_window.get(), &QWidget::close);
     connect(outlet<QAction>("actionAbout"), &QAction::triggered, this,
             [this] { zelkGuard([this] { showAbout(); }); });
-    connect(m_startStop, &QAction::triggered, this, [this] { zelkGuard([this] { startOrStop(); }); });
-    connect(outlet<QPushButton>("startStopButton"), &QPushButton::clicked, m_startStop, &QAction::trigger);
 }
 
 void ZELKLWCMainWindowController::setUpAgent()
 {
     const ZELKAgentController &agent = m_wiring.agentController();
-    const auto update = [this] {
-        zelkGuard([this] {
-            updateStartStop();
-            updateEmptyText();
-        });
-    };
-    connect(&agent, &ZELKAgentController::installedChanged, this, update);
-    connect(&agent, &ZELKAgentController::enabledChanged, this, update);
+    connect(&agent, &ZELKAgentController::installedChanged, this,
+            [this] { zelkGuard([this] { updateEmptyText(); }); });
     connect(&agent, &ZELKAgentController::errorPresented, this,
             [this](const ZELKAgentError &error) { zelkGuard([&] { presentError(error); }); });
-    updateStartStop();
 }
 
 void ZELKLWCMainWindowController::setUpUserGuide()
@@ -169,29 +160,6 @@ void ZELKLWCMainWindowController::setUpUserGuide()
     connect(&delegate, &ZELKLWClientAppDelegate::canOpenUserGuideChanged, open, &QAction::setEnabled);
     connect(open, &QAction::triggered, this,
             [this] { zelkGuard([this] { m_wiring.delegate().openUserGuide(); }); });
-}
-
-void ZELKLWCMainWindowController::updateStartStop()
-{
-    const ZELKAgentController &agent = m_wiring.agentController();
-    const bool can = m_wiring.settings().knowsAgent() && agent.enabled();
-    const QString label = agent.localisedStartStopLabel();
-    auto *button = outlet<QPushButton>("startStopButton");
-    button->setText(label);
-    button->setEnabled(can);
-    m_startStop->setText(label);
-    m_startStop->setEnabled(can);
-}
-
-void ZELKLWCMainWindowController::startOrStop()
-{
-    ZELKAgentController &agent = m_wiring.agentController();
-    if (agent.installed()) {
-        agent.stop(); // presents its error itself
-        return;
-    }
-    if (const auto error = agent.startWithState(ZELKAgentController::SessionApplication))
-        presentError(*error);
 }
 
 void ZELKLWCMainWindowController::updateEmptyText()

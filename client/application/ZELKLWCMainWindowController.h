@@ -7,7 +7,6 @@
 
 #include <memory>
 
-class QAction;
 class QLabel;
 class QMainWindow;
 class QStackedWidget;
@@ -16,8 +15,8 @@ class QWidget;
 class ZELKApplicationWiring;
 class ZELKStatusLine;
 
-/// The main window: the visible entries, the date range that chooses them, and the agent's state with the
-/// button that starts and stops it. While it lives it also shows what guards catch.
+/// The main window: the visible entries, the date range that chooses them, and the agent's state with what
+/// starts, stops and updates it. While it lives it also shows what guards catch.
 class ZELKLWCMainWindowController : public QObject
 {
     Q_OBJECT
@@ -32,8 +31,6 @@ public:
     void saveGeometry();
     /// Window-modal; does not wait.
     void presentError(const ZELKAgentError &error);
-    /// Stops the agent that is installed, else starts it in its session form.
-    void startOrStop();
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
@@ -43,7 +40,6 @@ private:
     void setUpActions();
     void setUpAgent();
     void setUpUserGuide();
-    void updateStartStop();
     void updateEmptyText();
     void showAbout();
     void restoreGeometry();
@@ -56,6 +52,5 @@ private:
     QTableView *m_table;
     QStackedWidget *m_pages;
     QLabel *m_emptyLabel;
-    QAction *m_startStop;
     ZELKStatusLine *m_statusLine; // owned by the window
 };

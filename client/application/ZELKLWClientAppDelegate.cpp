@@ -1,5 +1,6 @@
 #include "ZELKLWClientAppDelegate.h"
 
+#include "ZELKAgentController.h"
 #include "ZELKAssertion.h"
 #include "ZELKBundle.h"
 #include "ZELKEnvironment.h"
@@ -68,6 +69,7 @@ void ZELKLWClientAppDelegate::applicationDidFinishLaunching()
     // Each step stands for itself: a cache that cannot be read does not keep the agent from being asked.
     zelkGuard([this] { m_store->syncWithLocalCache(); });
     zelkGuard([this] { m_store->sync(); });
+    zelkGuard([this] { m_agentController->applicationDidFinishLaunching(); });
     const bool can = !userGuideURL().isEmpty();
     if (std::exchange(m_canOpenUserGuide, can) != can)
         Q_EMIT canOpenUserGuideChanged(can);

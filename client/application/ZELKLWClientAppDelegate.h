@@ -37,7 +37,7 @@ public:
     ZELKAgentController *agentController() const { return m_agentController; }
     void setAgentController(ZELKAgentController *controller) { m_agentController = controller; }
 
-    /// Reads the cache into the log, then asks the agent for what is new.
+    /// Reads the cache into the log, asks the agent for what is new, and lets its controller offer an update.
     void applicationDidFinishLaunching();
     /// Does nothing: each event was cached when it came.
     void applicationWillTerminate() {}

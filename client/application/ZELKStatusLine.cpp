@@ -63,8 +63,9 @@ ZELKStatusLine::ZELKStatusLine(QMainWindow &window, ZELKApplicationWiring &wirin
 
 void ZELKStatusLine::follow()
 {
-    connect(&m_wiring.agentController(), &ZELKAgentController::stateChanged, this,
-            [this] { zelkGuard([this] { updateState(); }); });
+    const auto changed = [this] { zelkGuard([this] { updateState(); }); };
+    connect(&m_wiring.agentController(), &ZELKAgentController::stateChanged, this, changed);
+    connect(&m_wiring.agentController(), &ZELKAgentController::agentVersionChanged, this, changed);
     connect(&m_wiring.log(), &ZELKLWCLog::visibleEntriesDidChange, this,
             [this] { zelkGuard([this] { updateCount(); }); });
     connect(&m_wiring.store(), &ZELKLWCStore::fetchFinished, this,
@@ -74,8 +75,12 @@ void ZELKStatusLine::follow()
 void ZELKStatusLine::updateState()
 {
     const ZELKApplicationSettings &settings = m_wiring.settings();
-    m_stateLabel->setText(settings.knowsAgent() ? m_wiring.agentController().localisedState()
+    const ZELKAgentController &agent = m_wiring.agentController();
+    m_stateLabel->setText(settings.knowsAgent() ? agent.localisedState()
                                                 : ZELKFormat(text("profile"), {settings.profile}));
+    const QString version = agent.agentVersion();
+    const bool isKnown = !version.isEmpty() && version != QLatin1String("0");
+    m_stateLabel->setToolTip(isKnown ? ZELKFormat(text("version"), {version}) : QString());
 }
 
 void ZELKStatusLine::updateCount()

@@ -639,6 +639,82 @@
         <translation>The FILE to import has no name.</translation>
     </message>
     <message>
+        <source>agent needs to be told what to do: status, install, remove or update.</source>
+        <translation>agent needs to be told what to do: status, install, remove or update.</translation>
+    </message>
+    <message>
+        <source>agent does not take --start-agent, --profile or --database.</source>
+        <translation>agent does not take --start-agent, --profile or --database.</translation>
+    </message>
+    <message>
+        <source>agent install, and nothing else, needs --as system, --as user or --as session.</source>
+        <translation>agent install, and nothing else, needs --as system, --as user or --as session.</translation>
+    </message>
+    <message>
+        <source>agent status has the formats table and json.</source>
+        <translation>agent status has the formats table and json.</translation>
+    </message>
+    <message>
+        <source>State:    %@</source>
+        <translation>State:    %@</translation>
+    </message>
+    <message>
+        <source>Version:  %@</source>
+        <translation>Version:  %@</translation>
+    </message>
+    <message>
+        <source>Answers:  %@</source>
+        <translation>Answers:  %@</translation>
+    </message>
+    <message>
+        <source>unknown</source>
+        <translation>unknown</translation>
+    </message>
+    <message>
+        <source>yes</source>
+        <translation>yes</translation>
+    </message>
+    <message>
+        <source>no</source>
+        <translation>no</translation>
+    </message>
+    <message>
+        <source>"lullwatch agent update" replaces it by the agent of this application.</source>
+        <translation>"lullwatch agent update" replaces it by the agent of this application.</translation>
+    </message>
+    <message>
+        <source>The recording agent is there already (%@). "lullwatch agent remove" removes it.</source>
+        <translation>The recording agent is there already (%@). "lullwatch agent remove" removes it.</translation>
+    </message>
+    <message>
+        <source>systemd does not run this computer, so the recording agent cannot be installed for all users. "--as session" does without systemd.</source>
+        <translation>systemd does not run this computer, so the recording agent cannot be installed for all users. "--as session" does without systemd.</translation>
+    </message>
+    <message>
+        <source>No systemd runs in this session, so the recording agent cannot be installed for you. "--as session" does without systemd.</source>
+        <translation>No systemd runs in this session, so the recording agent cannot be installed for you. "--as session" does without systemd.</translation>
+    </message>
+    <message>
+        <source>Something answers for the recording agent, but it was not started from this session; whoever started it can end it.</source>
+        <translation>Something answers for the recording agent, but it was not started from this session; whoever started it can end it.</translation>
+    </message>
+    <message>
+        <source>There is no recording agent to update (%@).</source>
+        <translation>There is no recording agent to update (%@).</translation>
+    </message>
+    <message>
+        <source>The recording agent is this application's own already.</source>
+        <translation>The recording agent is this application's own already.</translation>
+    </message>
+    <message>
+        <source>The recording agent was started, but has ended again.</source>
+        <translation>The recording agent was started, but has ended again.</translation>
+    </message>
+    <message>
+        <source>The recording agent did not follow within %d seconds (%@).</source>
+        <translation>The recording agent did not follow within %d seconds (%@).</translation>
+    </message>
+    <message>
         <source>Unexpected argument "%@".</source>
         <translation>Unexpected argument "%@".</translation>
     </message>
@@ -730,6 +806,7 @@ Usage: lullwatch [OPTIONS]                     opens the window
        lullwatch [OPTIONS] list [...]          prints entries
        lullwatch [OPTIONS] import FILE         takes events in, from a file or "-" (standard input)
        lullwatch [OPTIONS] snapshot [...]      prints the latest entries, without a display
+       lullwatch agent WHAT [...]              tells of the recording agent, installs, removes and updates it
 
 Options, which may also follow the command:
   --database FILE    keep the events in FILE
@@ -755,6 +832,14 @@ import: raw events, one JSON object a line, with the keys "date" (seconds since 
 snapshot:
   --count NUMBER     how many entries, 20 without this
   --picture FILE     also write a picture of the window, as PNG
+
+agent:
+  status             how it is installed, its version, and whether it answers; the exit status is 0 when it is
+                     installed and answers. --format json gives one JSON object
+  install --as FORM  system: for all users of this computer, which needs an administrator; user: for you only;
+                     session: until you log out, without installing anything
+  remove             ends it and takes away what was installed; what it has recorded stays
+  update             replaces it by the agent of this application, in the form that it has
 
 The exit status is 0, 1 when something failed, and 2 when the command line was wrong.
 </translation>
@@ -972,6 +1057,18 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>ZELKLWCMainWindowController.startStop.toolTip</source>
         <translation>Starts or stops recording this computer’s power events (Ctrl+R)</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.updateAgent</source>
+        <translation>&amp;Update Recording Agent</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.updateAgent.toolTip</source>
+        <translation>Replaces the recording agent by the one that came with this application</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.version</source>
+        <translation>Recording agent, version %@</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.table.accessibleName</source>

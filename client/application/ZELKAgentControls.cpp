@@ -1,0 +1,71 @@
+#include "ZELKAgentControls.h"
+
+#include "ZELKApplicationWiring.h"
+#include "ZELKAssertion.h"
+#include "ZELKInterfaceLoader.h"
+
+#include <QAction>
+#include <QMainWindow>
+#include <QPushButton>
+
+namespace {
+
+template <typename Type>
+Type *outlet(const QMainWindow &window, const char *name)
+{
+    return ZELKInterfaceLoader::outlet<Type>(window, QStringLiteral("ZELKLWCMainWindowController"), name);
+}
+
+} // namespace
+
+ZELKAgentControls::ZELKAgentControls(QMainWindow &window, ZELKApplicationWiring &wiring)
+    : QObject(&window)
+    , m_wiring(wiring)
+    , m_sheet(window, wiring.agentController())
+    , m_button(outlet<QPushButton>(window, "startStopButton"))
+    , m_startStop(outlet<QAction>(window, "actionStartStop"))
+    , m_update(outlet<QAction>(window, "actionUpdateAgent"))
+{
+    wiring.agentController().setAlerts(&m_sheet);
+    connect(&m_sheet, &ZELKAgentAlertSheet::helpRequested, this,
+            [this] { zelkGuard([this] { m_wiring.delegate().openUserGuide(); }); });
+    connectActions();
+    follow();
+    update();
+}
+
+ZELKAgentControls::~ZELKAgentControls()
+{
+    m_wiring.agentController().setAlerts(nullptr);
+}
+
+void ZELKAgentControls::connectActions()
+{
+    connect(m_startStop, &QAction::triggered, this,
+            [this] { zelkGuard([this] { m_wiring.agentController().startStop(); }); });
+    connect(m_button, &QPushButton::clicked, m_startStop, &QAction::trigger);
+    // Chosen from the menu it needs no further question; offers are made once for each launch.
+    connect(m_update, &QAction::triggered, this,
+            [this] { zelkGuard([this] { m_wiring.agentController().updateAgent(); }); });
+}
+
+void ZELKAgentControls::follow()
+{
+    const ZELKAgentController &agent = m_wiring.agentController();
+    const auto changed = [this] { zelkGuard([this] { update(); }); };
+    connect(&agent, &ZELKAgentController::installedChanged, this, changed);
+    connect(&agent, &ZELKAgentController::enabledChanged, this, changed);
+    connect(&agent, &ZELKAgentController::canUpdateChanged, this, changed);
+}
+
+void ZELKAgentControls::update()
+{
+    const ZELKAgentController &agent = m_wiring.agentController();
+    const bool can = m_wiring.settings().knowsAgent() && agent.enabled();
+    const QString label = agent.localisedStartStopLabel();
+    m_button->setText(label);
+    m_button->setEnabled(can);
+    m_startStop->setText(label);
+    m_startStop->setEnabled(can);
+    m_update->setEnabled(can && agent.canUpdate());
+}
