@@ -62,20 +62,6 @@ private Q_SLOTS:
         QCOMPARE(found.consumed + found.strayBytes, std::size_t(bytes.size()));
     }
 
-    void staysInBoundsOnAnyBytes()
-    {
-        const QByteArray real = readFile(realAccounting());
-        for (qsizetype at = 0; at < real.size(); ++at)
-            for (const char damage : {'\x00', '\x7F', '\xFF'}) {
-                QByteArray damaged = real;
-                damaged[at] = damage;
-                for (const auto &record : read(damaged).records) {
-                    QVERIFY(record.date > ZELKDate::fromSecondsSince1970(631152000.0 - 1.0));
-                    QVERIFY(record.date <= now.addingTimeInterval(86400.0));
-                }
-            }
-    }
-
     void followsTheFile()
     {
         ZELKEnvironment environment = ZELKEnvironment::system();
