@@ -1,13 +1,14 @@
 #pragma once
 
-#include "FakeStream.h"
 #include "StoreFixture.h"
 #include "ZELKEventStream.h"
 
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 
-using namespace Qt::StringLiterals;
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 inline QByteArray streamOf(const QList<QByteArray> &events)
 {
@@ -41,24 +42,34 @@ public:
 
     void vanish()
     {
-        qDeleteAll(findChildren<FakeStream *>());
+        for (const int writingEnd : std::exchange(m_open, {}))
+            close(writingEnd);
         m_bus.unregisterObject(ZELKServiceNames::eventServicePath());
         QDBusConnection::disconnectFromBus(u"agent"_s);
     }
-    /// Answers a call with these bytes, through a pipe.
+    /// Answers a call with these bytes: through a pipe as far as one holds them, else from memory.
     void give(const QDBusMessage &call, const QByteArray &bytes, bool staysOpen = false)
     {
-        give(call, (new FakeStream(bytes, staysOpen, this))->readingEnd);
-    }
-    void give(const QDBusMessage &call, const QDBusUnixFileDescriptor &descriptor)
-    {
-        m_bus.send(call.createReply(QVariant::fromValue(descriptor)));
+        constexpr int mostInAPipe = 1 << 20;
+        int ends[2] = {-1, -1};
+        if (bytes.size() > mostInAPipe)
+            ends[0] = ends[1] = memfd_create("stream", MFD_CLOEXEC);
+        else if (pipe2(ends, O_CLOEXEC) == 0)
+            fcntl(ends[1], F_SETPIPE_SZ, mostInAPipe);
+        if (write(ends[1], bytes.constData(), std::size_t(bytes.size())) != bytes.size())
+            qFatal("The stream cannot be written");
+        lseek(ends[0], 0, SEEK_SET);
+        giveDescriptor(call, ends[0]);
+        if (staysOpen)
+            m_open.append(ends[1]);
+        else if (ends[1] != ends[0])
+            close(ends[1]);
     }
     void giveDescriptor(const QDBusMessage &call, int descriptor)
     {
         QDBusUnixFileDescriptor given;
         given.giveFileDescriptor(descriptor);
-        give(call, given);
+        m_bus.send(call.createReply(QVariant::fromValue(given)));
     }
     QDBusMessage call(const char *service, const char *path, const char *interface, const char *method,
                       const QVariantList &arguments = {}) const
@@ -97,4 +108,5 @@ public Q_SLOTS:
 
 private:
     QDBusConnection m_bus;
+    QList<int> m_open; // writing ends
 };

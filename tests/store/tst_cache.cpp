@@ -14,10 +14,9 @@ private Q_SLOTS:
         QCOMPARE(raised([&] { bare->awakeFromNib(); }), u"ZELKLWCStore agentController is not connected."_s);
         bare->setAgentController(&fixture.controller);
         QCOMPARE(raised([&] { bare->awakeFromNib(); }), u"ZELKLWCStore logController is not connected."_s);
-        QCOMPARE(raised([&] { store.cacheEvents(std::nullopt); }),
-                 u"Invalid parameter not satisfying: someEvents"_s);
-        QCOMPARE(raised([&] { store.cacheEvent(std::nullopt); }),
-                 u"Invalid parameter not satisfying: anEvent"_s);
+        const QString invalid = u"Invalid parameter not satisfying: "_s;
+        QCOMPARE(raised([&] { store.cacheEvents(std::nullopt); }), invalid + u"someEvents"_s);
+        QCOMPARE(raised([&] { store.cacheEvent(std::nullopt); }), invalid + u"anEvent"_s);
         const ZELKRawEvent unwritable{{ZELKEventKeyDate, u"1"_s}, {u"x"_s, QPoint()}};
         const QString refusal = raised([&] { store.cacheEvent(unwritable); });
         QVERIFY(refusal.startsWith(u"ZELKLWCStore serialization of '{date = 1; x = "_s));
@@ -30,26 +29,6 @@ private Q_SLOTS:
                                "'ZELKLWCStoreSQLCacheInsert'."),
                  1);
         QVERIFY(fixture.other().cached().isEmpty());
-    }
-
-    void theFileInTheDocumentsFolder()
-    {
-        const QByteArray home = qgetenv("HOME");
-        StoreFixture fixture;
-        qputenv("HOME", fixture.folder.path().toUtf8());
-        ZELKLWCStore store({fixture.bundle, fixture.port, fixture.bus});
-        QCOMPARE(store.databaseURL().toLocalFile(),
-                 fixture.folder.filePath(u"Documents/Lullwatch.lullwatch-events"_s));
-        QVERIFY(store.cacheEvents(history(1)));
-        QVERIFY(QFile::exists(store.databaseURL().toLocalFile()));
-        qputenv("HOME", home);
-
-        const QString info = fixture.folder.filePath(u"Info.plist"_s);
-        writeFile(info, readFile(info).replace("<key>CFBundleName</key>", "<key>Nickname</key>"));
-        ZELKLWCStore nameless(
-            {std::make_shared<ZELKBundle>(fixture.folder.path()), fixture.port, fixture.bus});
-        QCOMPARE(raised([&] { nameless.databaseURL(); }), u"ZELKLWCStore Info.plist missing CFBundleName"_s);
-        nameless.applicationWillTerminate();
     }
 
     void boundsAreInclusive()
@@ -176,6 +155,7 @@ private Q_SLOTS:
         other.run("COMMIT");
     }
 
+    /// The date of the last synchronisation, whatever stands there.
     void settingsOfAnyKind()
     {
         StoreFixture fixture;

@@ -106,8 +106,9 @@ private Q_SLOTS:
             },
             "too many");
         row(
-            "silent agent", [](FakeAgent &, const QDBusMessage &) {}, "Did not receive a reply.", 300);
-        row("silent stream", giving(whole.chopped(1), true), "The agent stopped sending.", 300);
+            "silent agent", [](FakeAgent &, const QDBusMessage &) {}, "Did not receive a reply.", shortLimit);
+        row("silent from the start", giving(QByteArray(), true), "The agent stopped sending.", shortLimit);
+        row("silent stream", giving(whole.chopped(1), true), "The agent stopped sending.", shortLimit);
     }
     void aFailedAnswer()
     {
