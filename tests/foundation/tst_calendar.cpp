@@ -69,24 +69,22 @@ private Q_SLOTS:
     void findsStarts_data()
     {
         const Rows<QByteArray, QString, QString, QString> row;
-        row("day of 23 hours", "Europe/Berlin", "2024-03-31T21:59:59.500", "2024-03-30T23:00:00",
-            "2024-02-29T23:00:00");
-        row("day of 25 hours", "Europe/Berlin", "2024-10-27T22:59:59", "2024-10-26T22:00:00",
-            "2024-09-30T22:00:00");
-        row("second 02:30 of a day", "Europe/Berlin", "2024-10-27T01:30:00", "2024-10-26T22:00:00",
-            "2024-09-30T22:00:00");
-        row("year's first second", "Europe/Berlin", "2023-12-31T23:00:00", "2023-12-31T23:00:00",
-            "2023-12-31T23:00:00");
-        row("midnight is skipped", "America/Sao_Paulo", "2018-11-04T12:00:00", "2018-11-04T03:00:00",
-            "2018-11-01T03:00:00");
-        row("repeated hour before midnight", "America/Sao_Paulo", "2018-02-18T02:30:00",
-            "2018-02-17T02:00:00", "2018-02-01T02:00:00");
-        row("midnight happens twice", "America/Havana", "2024-11-03T05:30:00", "2024-11-03T04:00:00",
-            "2024-11-01T04:00:00");
-        row("first of the month is skipped whole", "Pacific/Kwajalein", "1993-08-22T12:00:00",
-            "1993-08-22T12:00:00", "1993-08-01T12:00:00");
-        row("rules of the far future", "Europe/Berlin", "2090-07-01T12:00:00", "2090-06-30T22:00:00",
-            "2090-06-30T22:00:00");
+        row("day of 23 hours", "Europe/Berlin", "2024-03-31T21:59:59.500", "2024-03-30T23:00",
+            "2024-02-29T23:00");
+        row("day of 25 hours", "Europe/Berlin", "2024-10-27T22:59:59", "2024-10-26T22:00",
+            "2024-09-30T22:00");
+        row("second 02:30 of a day", "Europe/Berlin", "2024-10-27T01:30", "2024-10-26T22:00",
+            "2024-09-30T22:00");
+        row("midnight is skipped", "America/Sao_Paulo", "2018-11-04T12:00", "2018-11-04T03:00",
+            "2018-11-01T03:00");
+        row("repeated hour before midnight", "America/Sao_Paulo", "2018-02-18T02:30", "2018-02-17T02:00",
+            "2018-02-01T02:00");
+        row("midnight happens twice", "America/Havana", "2024-11-03T05:30", "2024-11-03T04:00",
+            "2024-11-01T04:00");
+        row("first of the month is skipped whole", "Pacific/Kwajalein", "1993-08-22T12:00",
+            "1993-08-22T12:00", "1993-08-01T12:00");
+        row("rules of the far future", "Europe/Berlin", "2090-07-01T12:00", "2090-06-30T22:00",
+            "2090-06-30T22:00");
     }
     void findsStarts()
     {
@@ -102,17 +100,14 @@ private Q_SLOTS:
         const Rows<QByteArray, QString, int, int, int, QString> row;
         row("over a day of 23 hours", "Europe/Berlin", "2024-03-30T11:00:00.250", 0, 1, 0,
             "2024-03-31T10:00:00.250");
-        row("hours are elapsed time", "Europe/Berlin", "2024-03-30T11:00:00", 0, 0, 24,
-            "2024-03-31T11:00:00");
-        row("back over a day of 25 hours", "Europe/Berlin", "2024-10-27T12:00:00", 0, -1, 0,
-            "2024-10-26T11:00:00");
-        row("into the gap", "Europe/Berlin", "2024-03-30T01:30:00.750", 0, 1, 0, "2024-03-31T01:00:00");
-        row("into the repeated hour: the first", "Europe/Berlin", "2024-10-26T00:30:00", 0, 1, 0,
-            "2024-10-27T00:30:00");
-        row("into a skipped midnight", "America/Sao_Paulo", "2018-11-03T03:00:00", 0, 1, 0,
-            "2018-11-04T03:00:00");
-        row("months before days", "UTC", "2024-01-31T10:00:00", 1, 1, 0, "2024-03-01T10:00:00");
-        row("back a year from the leap day", "UTC", "2024-02-29T00:00:00", -12, 0, 0, "2023-02-28T00:00:00");
+        row("hours are elapsed time", "Europe/Berlin", "2024-03-30T11:00", 0, 0, 24, "2024-03-31T11:00");
+        row("back over a day of 25 hours", "Europe/Berlin", "2024-10-27T12:00", 0, -1, 0, "2024-10-26T11:00");
+        row("into the gap", "Europe/Berlin", "2024-03-30T01:30:00.750", 0, 1, 0, "2024-03-31T01:00");
+        row("into the repeated hour: the first", "Europe/Berlin", "2024-10-26T00:30", 0, 1, 0,
+            "2024-10-27T00:30");
+        row("into a skipped midnight", "America/Sao_Paulo", "2018-11-03T03:00", 0, 1, 0, "2018-11-04T03:00");
+        row("months before days", "UTC", "2024-01-31T10:00", 1, 1, 0, "2024-03-01T10:00");
+        row("back a year from the leap day", "UTC", "2024-02-29T00:00", -12, 0, 0, "2023-02-28T00:00");
     }
     void addsFields()
     {
@@ -143,10 +138,8 @@ private Q_SLOTS:
     void countsWeekdaysFromSunday()
     {
         const ZELKEnvironmentScope scope(environmentIn("Asia/Tokyo"));
-        QCOMPARE(ZELKCalendar::weekday(utc(u"2024-03-09T15:00:00"_s)), 0);
+        QCOMPARE(ZELKCalendar::weekday(utc(u"2024-03-09T15:00"_s)), 0);
         QCOMPARE(ZELKCalendar::weekday(utc(u"2024-03-09T14:59:59"_s)), 6);
-        QCOMPARE(ZELKCalendar::year(utc(u"2023-12-31T15:00:00"_s)), 2024);
-        QCOMPARE(ZELKCalendar::month(utc(u"2023-12-31T15:00:00"_s)), 1);
     }
 
     void formats_data()
@@ -157,7 +150,7 @@ private Q_SLOTS:
             "Dienstag,  5. März 2024");
         row("numbers", english, "2024-03-05T13:02:11", "%d|%e|%m|%Y|%y|%j|%H|%I|%M|%S|%p",
             "05| 5|03|2024|24|065|14|02|02|11|PM");
-        row("midnight of twelve hours", english, "2024-03-04T23:00:00", "%I %p", "12 AM");
+        row("midnight of twelve hours", english, "2024-03-04T23:00", "%I %p", "12 AM");
         row("summer's zone", english, "2024-07-05T13:02:11", "%z %Z", "+0200 CEST");
         row("stands as it is", english, "2024-03-05T13:02:11", "100%% %Q %é %", "100% %Q %é %");
     }
@@ -166,18 +159,6 @@ private Q_SLOTS:
         const auto [locale, moment, format, text] = Rows<QLocale, QString, QString, QString>::fetch();
         const ZELKEnvironmentScope scope(environmentIn("Europe/Berlin", locale));
         QCOMPARE(ZELKCalendar::format(utc(moment), format), text);
-    }
-
-    void scopesNest()
-    {
-        const ZELKEnvironmentScope outer(environmentIn("UTC"));
-        {
-            const ZELKEnvironmentScope inner(ZELKEnvironment{});
-            QVERIFY(ZELKEnvironment::current().clock);
-            QVERIFY(ZELKEnvironment::current().mainBundle);
-            QVERIFY(!ZELKEnvironment::current().zone.isValid());
-        }
-        QCOMPARE(ZELKEnvironment::current().zone.id(), QByteArray("UTC"));
     }
 };
 

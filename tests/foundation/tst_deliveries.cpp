@@ -73,8 +73,8 @@ private Q_SLOTS:
         const ConsoleLines console;
         ZELKConsole::log(u"a\nb\r\t\x1b[31m\u2028 \"é\""_s);
         ZELKConsole::log(QString(3999, u'x') + u"😀 and more"_s);
-        QCOMPARE(console.lines(), QStringList({u"a\\nb\\r\\t\\u001b[31m\\u2028 \"é\""_s,
-                                               QString(3999, u'x') + u"…"_s}));
+        QCOMPARE(console.lines(),
+                 QStringList({u"a\\nb\\r\\t\\u001b[31m\\u2028 \"é\""_s, QString(3999, u'x') + u"…"_s}));
     }
 
     void queueCoalesces()

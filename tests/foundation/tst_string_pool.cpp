@@ -24,23 +24,14 @@ private Q_SLOTS:
         QCOMPARE(pool.find("\xc3\xa4"), 2U);
         QCOMPARE(pool.string(2), u"ä"_s);
         QCOMPARE(pool.size(), 2U);
-    }
 
-    void tellsNilFromEmpty()
-    {
-        ZELKStringPool pool;
         const auto empty = pool.intern(std::string_view());
         QVERIFY(empty != ZELKStringPool::nil);
         QCOMPARE(pool.intern(QString()), empty);
         QVERIFY(pool.string(ZELKStringPool::nil).isNull());
-        QVERIFY(pool.string(empty).isEmpty());
-        QVERIFY(!pool.string(empty).isNull());
+        QVERIFY(pool.string(empty).isEmpty() && !pool.string(empty).isNull());
         QVERIFY(pool.view(ZELKStringPool::nil).empty());
-    }
 
-    void tellsZerosFromNothing()
-    {
-        ZELKStringPool pool;
         const std::string zero(1, '\0');
         const std::string zeros(9, '\0');
         QVERIFY(pool.intern(""sv) != pool.intern(zero));
