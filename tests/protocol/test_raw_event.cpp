@@ -211,6 +211,12 @@ private Q_SLOTS:
     {
         Mutator mutator(42);
         ZELKRawEventReader reader;
+        const QByteArray sound = blobOf(ZELKMakeRawEvent(ZELKDate(1.5), u"e"_s, u"m"_s, u"p"_s));
+        for (qsizetype at = 0; at < sound.size(); ++at) {
+            QByteArray changed = sound;
+            ++changed.data()[at]; // a length, too: the last text then ends behind the texts
+            QVERIFY2(difference(reader, changed).isEmpty(), changed.toHex());
+        }
         for (int i = 0; i < 10000; ++i) {
             const QByteArray blob = mutator.event();
             QVERIFY2(difference(reader, blob).isEmpty(), blob.toHex());
