@@ -4,7 +4,6 @@
 
 #include <sqlite3.h>
 
-#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
@@ -19,9 +18,8 @@ public:
 
     ~ZELKFailingSQLitePort() override
     {
+        m_open.insert(m_freed.begin(), m_freed.end());
         for (sqlite3 *database : m_open)
-            ZELKSQLitePort::close(database);
-        for (sqlite3 *database : m_freed)
             ZELKSQLitePort::close(database);
     }
 
@@ -35,11 +33,7 @@ public:
         m_faults.clear();
         m_failed = false;
     }
-    int count(Call call) const
-    {
-        const auto found = m_counts.find(call);
-        return found == m_counts.end() ? 0 : found->second;
-    }
+    int count(Call call) { return m_counts[call]; }
     size_t connections() const { return m_open.size(); }
     size_t freedConnections() const { return m_freed.size(); }
     int statements() const { return m_statements; }
@@ -60,13 +54,11 @@ public:
     }
     void free(void *memory) override
     {
-        const auto database = std::find(m_open.begin(), m_open.end(), memory);
-        if (database == m_open.end()) {
+        auto *database = static_cast<sqlite3 *>(memory);
+        if (m_open.erase(database) != 0)
+            m_freed.insert(database);
+        else
             ZELKSQLitePort::free(memory);
-        } else {
-            m_freed.push_back(*database);
-            m_open.erase(database);
-        }
     }
     int exec(sqlite3 *database, const char *sql, char **error) override
     {
@@ -141,7 +133,7 @@ private:
     std::vector<Fault> m_faults;
     std::map<Call, int> m_counts;
     std::set<sqlite3 *> m_open;
-    std::vector<sqlite3 *> m_freed;
+    std::set<sqlite3 *> m_freed;
     int m_statements = 0;
     bool m_failed = false;
 };
