@@ -10,6 +10,8 @@
 
 #include <QTemporaryDir>
 
+using namespace Qt::StringLiterals;
+
 /// The real main bundle; Sunday, 2024-03-31, 10:00 in Berlin, the day on which summer time began.
 inline ZELKEnvironment applicationEnvironment()
 {
@@ -46,18 +48,15 @@ struct ApplicationFixture
     }
     ZELKApplicationSettings settings() const
     {
-        return {ZELKEnvironment::current().mainBundle, {}, folder.filePath(QStringLiteral("cache"))};
+        return {ZELKEnvironment::current().mainBundle, {}, folder.filePath(u"cache"_s)};
     }
-    ZELKApplicationSettings profile() const
-    {
-        return {ZELKEnvironment::current().mainBundle, QStringLiteral("test"), {}};
-    }
+    ZELKApplicationSettings profile() const { return {ZELKEnvironment::current().mainBundle, u"test"_s, {}}; }
     void letAgentRun(bool runs)
     {
-        const QString name = QStringLiteral("org.zelk.lullwatch.agent");
+        const QString name = u"org.zelk.lullwatch.agent"_s;
         workspace->instances[name] = runs ? 1 : 0;
-        lookup->serviceName = runs ? name + QStringLiteral("._service") : QString();
-        lookup->version = QStringLiteral("1");
+        lookup->serviceName = runs ? name + u"._service"_s : QString();
+        lookup->version = u"1"_s;
     }
 };
 
@@ -66,7 +65,7 @@ inline QList<ZELKRawEvent> eventEachDay(QDate from, QDate to)
 {
     QList<ZELKRawEvent> events;
     for (QDate day = from; day <= to; day = day.addDays(1))
-        events.append(ZELKMakeRawEvent(localDate(day.year(), day.month(), day.day()), QStringLiteral("noon"),
-                                       QStringLiteral("org.example")));
+        events.append(
+            ZELKMakeRawEvent(localDate(day.year(), day.month(), day.day()), u"noon"_s, u"org.example"_s));
     return events;
 }
