@@ -8,7 +8,7 @@ ZELKAgentRemoval::ZELKAgentRemoval(const QDBusConnection &bus, const ZELKInstall
                                    QObject *parent)
     : QObject(parent)
     , m_bus(bus)
-    , m_check(bus)
+    , m_check(bus, {})
     , m_files(place)
 {
 }

@@ -44,12 +44,11 @@ struct ZELKAuthorizationCheck::Request
     Handler done;
 };
 
-ZELKAuthorizationCheck::ZELKAuthorizationCheck(const QDBusConnection &bus, int timeoutMilliseconds,
-                                               const QString &procFolder, QObject *parent)
+ZELKAuthorizationCheck::ZELKAuthorizationCheck(const QDBusConnection &bus, const Surroundings &surroundings,
+                                               QObject *parent)
     : QObject(parent)
     , m_bus(bus)
-    , m_timeout(timeoutMilliseconds)
-    , m_procFolder(procFolder)
+    , m_surroundings(surroundings)
 {
 }
 
@@ -67,13 +66,14 @@ void ZELKAuthorizationCheck::check(const QByteArray &form, const QString &caller
         return;
     }
     const Request request{*decoded, action, mayAsk, done};
-    ask(m_bus, credentialsOf(caller), m_timeout, this, [this, request](const QDBusMessage &message) {
-        const QDBusReply<QVariantMap> reply = message;
-        if (reply.isValid())
-            compare(request, reply.value());
-        else
-            request.done(QStringLiteral("the bus does not know the caller: ") + reply.error().message());
-    });
+    ask(m_bus, credentialsOf(caller), m_surroundings.timeoutMilliseconds, this,
+        [this, request](const QDBusMessage &message) {
+            const QDBusReply<QVariantMap> reply = message;
+            if (reply.isValid())
+                compare(request, reply.value());
+            else
+                request.done(QStringLiteral("the bus does not know the caller: ") + reply.error().message());
+        });
 }
 
 /// The number of a process that has ended is given to another one some day; with its start it is the same
@@ -82,13 +82,13 @@ void ZELKAuthorizationCheck::compare(const Request &request, const QVariantMap &
 {
     const QVariant process = credentials.value(QStringLiteral("ProcessID"));
     const QVariant user = credentials.value(QStringLiteral("UnixUserID"));
-    const auto running = ZELKProcessTable(m_procFolder).process(request.form.processIdentifier);
+    const auto running = ZELKProcessTable(m_surroundings.procFolder).process(request.form.processIdentifier);
     const bool isCaller = process.isValid() && process.toUInt() == request.form.processIdentifier &&
                           user.isValid() && user.toUInt() == request.form.userIdentifier && running &&
                           running->startTime == request.form.startTime;
     if (!isCaller)
         request.done(QStringLiteral("the form is not the caller's"));
-    else if (user.toUInt() == 0)
+    else if (user.toUInt() == m_surroundings.administrator)
         accept(request);
     else
         askPolkit(request);
@@ -97,7 +97,7 @@ void ZELKAuthorizationCheck::compare(const Request &request, const QVariantMap &
 void ZELKAuthorizationCheck::askPolkit(const Request &request)
 {
     const QDBusMessage question = ZELKPolkit::question(request.form, request.action, request.mayAsk);
-    const int timeout = request.mayAsk ? millisecondsToAsk : m_timeout;
+    const int timeout = request.mayAsk ? millisecondsToAsk : m_surroundings.timeoutMilliseconds;
     ask(m_bus, question, timeout, this, [this, request](const QDBusMessage &reply) {
         const auto answer = ZELKPolkit::answer(reply);
         if (!answer)

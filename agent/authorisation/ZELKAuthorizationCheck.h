@@ -15,18 +15,21 @@ class ZELKAuthorizationCheck : public QObject
     Q_OBJECT
 
 public:
-    /// What the bus and polkit may take each.
-    static constexpr int usualTimeout = 1500;
+    struct Surroundings
+    {
+        int timeoutMilliseconds = 1500; ///< what the bus and polkit may take each
+        QString procFolder = QStringLiteral("/proc");
+        uint administrator = 0; ///< the user who may do everything
+    };
 
-    explicit ZELKAuthorizationCheck(const QDBusConnection &bus, int timeoutMilliseconds = usualTimeout,
-                                    const QString &procFolder = QStringLiteral("/proc"),
-                                    QObject *parent = nullptr);
+    ZELKAuthorizationCheck(const QDBusConnection &bus, const Surroundings &surroundings,
+                           QObject *parent = nullptr);
 
-    /// `problem` is empty when the caller may, otherwise it says why not.
     using Handler = std::function<void(const QString &problem)>;
     /// `caller` is the caller's unique name, `form` the external form. With `mayAsk` polkit may ask the user,
-    /// who then has as long as the bus gives the call. `done` is called once, later, unless this object is
-    /// destroyed before. A form is good for one check that succeeds. The administrator may do everything.
+    /// who then has some minutes. `done` is called once, later, unless this object is destroyed before; its
+    /// `problem` is empty when the caller may, otherwise it says why not. A form is good for one check that
+    /// succeeds.
     void check(const QByteArray &form, const QString &caller, const QString &action, bool mayAsk,
                const Handler &done);
 
@@ -37,7 +40,6 @@ private:
     void accept(const Request &request);
 
     QDBusConnection m_bus;
-    int m_timeout;
-    QString m_procFolder;
+    Surroundings m_surroundings;
     QSet<QByteArray> m_usedNonces;
 };

@@ -1,0 +1,244 @@
+#include "Files.h"
+#include "Rows.h"
+#include "ZELKAgentRemoval.h"
+#include "ZELKAuthorizationCheck.h"
+#include "ZELKPolkit.h"
+
+#include <QDBusContext>
+#include <QDBusPendingCallWatcher>
+#include <QDBusReply>
+#include <QDBusServiceWatcher>
+#include <QDir>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// polkit as the mock plays it: it allows what it is told to.
+class Polkit
+{
+public:
+    explicit Polkit(const QDBusConnection &bus)
+        : m_bus(bus)
+    {
+        QDBusServiceWatcher watcher(name, m_bus);
+        const QSignalSpy arrived(&watcher, &QDBusServiceWatcher::serviceRegistered);
+        m_process.start(u"/usr/bin/python3"_s,
+                        {u"-m"_s, u"dbusmock"_s, u"--system"_s, u"--template"_s, u"polkitd"_s});
+        isThere = QTest::qWaitFor([&] { return !arrived.isEmpty(); }, 10000);
+    }
+    ~Polkit()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    void allow(const QStringList &actions) { tell(u"SetAllowed"_s, actions); }
+    void hang() { tell(u"SimulateHang"_s, true); }
+
+    bool isThere = false;
+
+private:
+    void tell(const QString &method, const QVariant &argument)
+    {
+        QDBusMessage call = QDBusMessage::createMethodCall(name, u"/org/freedesktop/PolicyKit1/Authority"_s,
+                                                           u"org.freedesktop.DBus.Mock"_s, method);
+        call << argument;
+        m_bus.call(call);
+    }
+
+    static constexpr QLatin1String name{"org.freedesktop.PolicyKit1"};
+    QDBusConnection m_bus;
+    QProcess m_process;
+};
+
+constexpr uint somebodyElse = 12345;
+
+ZELKAuthorizationForm ownForm()
+{
+    return *ZELKAuthorizationForm::ofProcess(::getpid());
+}
+
+/// The removal as a service has it.
+class Service : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+
+public:
+    explicit Service(ZELKAgentRemoval &removal)
+        : m_removal(removal)
+    {
+    }
+
+public Q_SLOTS:
+    bool removeAgentFiles(const QByteArray &form)
+    {
+        setDelayedReply(true);
+        m_removal.removeAgentFiles(form, message());
+        return false;
+    }
+
+private:
+    ZELKAgentRemoval &m_removal;
+};
+
+} // namespace
+
+class Authorisation : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void formKeepsItsLayout()
+    {
+        const ZELKAuthorizationForm form{0x01020304, 0x05060708, 0x090A0B0C0D0E0F10, "abcdefghijkl"};
+        QCOMPARE(form.encode(), "LWA1\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10"
+                                "abcdefghijkl");
+        QVERIFY(ZELKAuthorizationForm::decode(form.encode()) == form);
+        QCOMPARE(ownForm().processIdentifier, quint32(::getpid()));
+        QVERIFY(ownForm().nonce != ownForm().nonce);
+        QVERIFY(!ZELKAuthorizationForm::ofProcess(0));
+        for (const QByteArray &bytes : {QByteArray(), form.encode().chopped(1), form.encode() + 'x',
+                                        QByteArray(ZELKAuthorizationForm::size, '\0')})
+            QVERIFY(!ZELKAuthorizationForm::decode(bytes));
+    }
+
+    void whoeverAsksIsWhoTheFormNames_data()
+    {
+        const Rows<ZELKAuthorizationForm, QString> row;
+        ZELKAuthorizationForm form = ownForm();
+        row("the administrator", form, QString());
+        form.processIdentifier = 1;
+        row("another process", form, "the form is not the caller's");
+        form = ownForm();
+        ++form.userIdentifier;
+        row("another user", form, "the form is not the caller's");
+        form = ownForm();
+        ++form.startTime;
+        row("a later process of that number", form, "the form is not the caller's");
+        row("no form", ZELKAuthorizationForm(), "the form is not the caller's");
+    }
+    void whoeverAsksIsWhoTheFormNames()
+    {
+        const auto [form, problem] = Rows<ZELKAuthorizationForm, QString>::fetch();
+        const QDBusConnection bus = QDBusConnection::systemBus();
+        ZELKAuthorizationCheck check(bus, {5000, u"/proc"_s, ::getuid()});
+        const QString answer = ask(check, form, bus.baseService());
+        QVERIFY2(problem.isEmpty() ? answer.isEmpty() : answer.startsWith(problem), qPrintable(answer));
+        QVERIFY(!ask(check, form, u":1.9999"_s).isEmpty());
+        QVERIFY(!ask(check, form, bus.baseService()).isEmpty()); // used, or never good
+    }
+
+    void polkitDecides()
+    {
+        QDBusConnection bus = QDBusConnection::systemBus();
+        ZELKAuthorizationCheck check(bus, {500, u"/proc"_s, somebodyElse});
+        const auto answer = [&] { return ask(check, ownForm(), bus.baseService()); };
+        QVERIFY(answer().startsWith("polkit does not answer: "_L1));
+        Polkit polkit(bus);
+        QVERIFY(polkit.isThere);
+        polkit.allow({ZELKPolkit::blessAction()});
+        QCOMPARE(answer(), u"polkit refuses org.zelk.lullwatch.modify"_s);
+        polkit.allow({ZELKPolkit::modifyAction()});
+        const ZELKAuthorizationForm form = ownForm();
+        QCOMPARE(ask(check, form, bus.baseService()), QString());
+        QCOMPARE(ask(check, form, bus.baseService()), u"the form was used before"_s);
+        polkit.hang();
+        QVERIFY(answer().startsWith("polkit does not answer: "_L1));
+    }
+
+    void filesAreRemovedOnRequest_data()
+    {
+        const Rows<bool, bool, bool> row; // the agent is an installed one, it is removed in time; the answer
+        row("removed", true, true, true);
+        row("not in time", true, false, false);
+        row("none of that kind", false, false, false);
+    }
+    void filesAreRemovedOnRequest()
+    {
+        const auto [isInstalled, isRemoved, expected] = Rows<bool, bool, bool>::fetch();
+        QTemporaryDir folder;
+        const ZELKInstalledAgent place(folder.path());
+        if (isInstalled)
+            install(place);
+        ZELKAgentFiles files(place, isRemoved ? 20000 : 50);
+        QList<bool> answers;
+        const auto take = [&](bool removed) { answers.append(removed); };
+        files.remove(take);
+        QCOMPARE(QFile::exists(place.request()), isInstalled);
+        if (isRemoved) {
+            files.remove(take); // one at a time
+            QTRY_COMPARE(answers, QList{false});
+            answers.clear();
+            QDir(place.bundle()).removeRecursively();
+            QCoreApplication::processEvents();
+            QVERIFY(answers.isEmpty());
+            QFile::remove(place.unit());
+        }
+        QTRY_COMPARE(answers, QList{expected});
+        QCOMPARE(QFile::exists(place.request()), expected); // it stands until the answer has gone out
+        files.finish();
+        QVERIFY(!QFile::exists(place.request()));
+    }
+
+    /// Over the bus: checked, asked for, answered, and only then withdrawn.
+    void callIsAnsweredWhenTheFilesAreGone()
+    {
+        if (::getuid() != 0)
+            QSKIP("Only the administrator is let through without polkit");
+        QTemporaryDir folder;
+        const ZELKInstalledAgent place(folder.path());
+        install(place);
+        QDBusConnection bus = QDBusConnection::systemBus();
+        ZELKAgentRemoval removal(bus, place);
+        QDBusConnection caller = QDBusConnection::connectToBus(QDBusConnection::SystemBus, u"caller"_s);
+        Service service(removal);
+        QVERIFY(bus.registerObject(u"/removal"_s, &service, QDBusConnection::ExportAllSlots));
+        QDBusMessage call = QDBusMessage::createMethodCall(bus.baseService(), u"/removal"_s, QString(),
+                                                           u"removeAgentFiles"_s);
+        const auto request = [&](const QByteArray &form) {
+            call.setArguments({form});
+            return std::make_unique<QDBusPendingCallWatcher>(caller.asyncCall(call));
+        };
+        QTest::ignoreMessage(QtInfoMsg,
+                             "The agent's files are not removed: not the form of an authorization.");
+        const auto refused = request("nonsense");
+        QTRY_VERIFY(refused->isFinished());
+        QCOMPARE(QDBusReply<bool>(refused->reply()).value(), false);
+
+        const auto answered = request(ownForm().encode());
+        QTRY_VERIFY(QFile::exists(place.request()));
+        QVERIFY(!answered->isFinished());
+        QDir(place.bundle()).removeRecursively();
+        QFile::remove(place.unit());
+        QTRY_VERIFY(answered->isFinished());
+        QCOMPARE(QDBusReply<bool>(answered->reply()).value(), true);
+        QVERIFY(!QFile::exists(place.request()));
+        QDBusConnection::disconnectFromBus(u"caller"_s);
+    }
+
+private:
+    static QString ask(ZELKAuthorizationCheck &check, const ZELKAuthorizationForm &form,
+                       const QString &caller)
+    {
+        std::optional<QString> answer;
+        check.check(form.encode(), caller, ZELKPolkit::modifyAction(), false,
+                    [&](const QString &problem) { answer = problem; });
+        return QTest::qWaitFor([&] { return answer.has_value(); }) ? *answer : u"no answer"_s;
+    }
+
+    static void install(const ZELKInstalledAgent &place)
+    {
+        writeFile(place.bundle() + u"/agent"_s, "");
+        writeFile(place.unit(), "");
+        QDir().mkpath(place.runtimeFolder());
+    }
+};
+
+QTEST_GUILESS_MAIN(Authorisation)
+#include "tst_authorisation.moc"
