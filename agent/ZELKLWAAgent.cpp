@@ -6,26 +6,27 @@
 #include "ZELKConsole.h"
 #include "ZELKEnvironment.h"
 #include "ZELKFormat.h"
-#include "ZELKLWAPowerSupplyWatcher.h"
 #include "ZELKLWAServiceProtocolAdaptor.h"
-#include "ZELKLWASystemAccountingWatcher.h"
 #include "ZELKSQLitePort.h"
 #include "ZELKServiceNames.h"
 
 #include <QDBusError>
 
-ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const QDBusConnection &bus,
+ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const Buses &buses,
                            const ZELKLWAOptions &options, QObject *parent)
     : QObject(parent)
     , m_bundle(std::move(bundle))
-    , m_bus(bus)
+    , m_bus(buses.serving)
     , m_settings(options.settings)
     , m_defaults(m_settings)
     , m_store(options.database, m_bundle, std::make_shared<ZELKSQLitePort>())
     , m_settler(m_store)
     , m_announcer(m_bus)
     , m_service(version(), m_store, m_announcer)
-    , m_controlService(version(), m_defaults)
+    , m_controlService(version(), m_defaults, m_bus, options.forAllUsers)
+    , m_watchers(buses.system, options, m_settings, m_defaults,
+                 [this](const std::vector<ZELKLWAEvent> &events) { m_store.record(events); })
+    , m_pastPlaces(options.past())
 {
     connect(&m_store, &ZELKLWAEventStore::settled, &m_announcer, [this] {
         if (m_phase == Phase::Recording)
@@ -33,21 +34,10 @@ ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const QDBus
     });
     m_lastFetch.setSingleShot(true);
     connect(&m_lastFetch, &QTimer::timeout, this, [this] { zelkGuard([&] { finish(); }); });
-    makeWatchers(options);
+    connect(&m_service, &ZELKLWAService::streamAsked, &m_watchers, &ZELKLWAWatchers::checkClocks);
 }
 
 ZELKLWAAgent::~ZELKLWAAgent() = default;
-
-void ZELKLWAAgent::makeWatchers(const ZELKLWAOptions &options)
-{
-    const auto sink = [this](const std::vector<ZELKLWAEvent> &events) { m_store.record(events); };
-    auto powerSupply = std::make_unique<ZELKLWAPowerSupplyWatcher>(options.powerSupply, sink);
-    powerSupply->setInterval(m_defaults.powerSupplyInterval());
-    connect(&m_defaults, &ZELKLWADefaults::powerSupplyIntervalChanged, powerSupply.get(),
-            &ZELKLWAPowerSupplyWatcher::setInterval);
-    m_watchers.push_back(std::make_unique<ZELKLWASystemAccountingWatcher>(options.wtmp, sink));
-    m_watchers.push_back(std::move(powerSupply));
-}
 
 QString ZELKLWAAgent::version() const
 {
@@ -60,8 +50,8 @@ bool ZELKLWAAgent::start()
         return false;
     m_phase = Phase::Recording;
     recordStart();
-    for (const auto &watcher : m_watchers)
-        watcher->start();
+    m_watchers.start();
+    readPast();
     return true;
 }
 
@@ -78,7 +68,7 @@ bool ZELKLWAAgent::serve()
                         m_bus.registerObject(ZELKServiceNames::controlServicePath(), &m_controlService,
                                              QDBusConnection::ExportAdaptors);
     if (!served)
-        ZELKConsole::log(ZELKFormat("The session bus can not be used: %@", {m_bus.lastError().message()}));
+        ZELKConsole::log(ZELKFormat("The bus can not be used: %@", {m_bus.lastError().message()}));
     return served;
 }
 
@@ -92,7 +82,7 @@ bool ZELKLWAAgent::takeNames()
             continue;
         }
         ZELKConsole::log(
-            ZELKFormat("'%@' could not be had on the session bus; another agent may be running.", {wanted}));
+            ZELKFormat("'%@' could not be had on the bus; another agent may be running.", {wanted}));
         for (const QString &other : taken)
             m_bus.unregisterService(other);
         return false;
@@ -108,6 +98,23 @@ void ZELKLWAAgent::recordStart()
     recordOwn(ZELKEventStartingMonitor, ZELKEnvironment::current().clock->now());
 }
 
+void ZELKLWAAgent::readPast()
+{
+    const auto until = m_store.unreadPast();
+    if (!until)
+        return;
+    m_past = std::make_unique<ZELKLWABackfill>(
+        m_pastPlaces, *until, [this](const std::vector<ZELKLWAEvent> &events) { m_store.record(events); });
+    connect(m_past.get(), &ZELKLWABackfill::finished, this, [this](bool complete) {
+        zelkGuard([&] {
+            if (complete)
+                m_store.pastWasRead();
+            m_past.release()->deleteLater();
+        });
+    });
+    m_past->start();
+}
+
 void ZELKLWAAgent::recordOwn(QLatin1String event, ZELKDate date)
 {
     m_store.record({{date, event, ZELKMonitorLullwatch, ZELKEventNoProperties}});
@@ -115,8 +122,8 @@ void ZELKLWAAgent::recordOwn(QLatin1String event, ZELKDate date)
 
 void ZELKLWAAgent::stopRecording()
 {
-    for (const auto &watcher : m_watchers)
-        watcher->stop();
+    m_watchers.stop();
+    m_past.reset(); // the next agent begins it anew
     m_phase = Phase::Ending;
     recordOwn(ZELKEventStoppingMonitor, ZELKEnvironment::current().clock->now());
     m_settler.settleNow(); // nothing will follow

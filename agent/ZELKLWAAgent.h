@@ -1,12 +1,13 @@
 #pragma once
 
+#include "ZELKLWABackfill.h"
 #include "ZELKLWAControlService.h"
 #include "ZELKLWAEventStore.h"
 #include "ZELKLWAOptions.h"
 #include "ZELKLWAService.h"
 #include "ZELKLWASettler.h"
 #include "ZELKLWAUpdateAnnouncer.h"
-#include "ZELKLWAWatcher.h"
+#include "ZELKLWAWatchers.h"
 #include "ZELKUserDefaults.h"
 
 #include <QDBusConnection>
@@ -14,10 +15,10 @@
 #include <QTimer>
 
 #include <memory>
-#include <vector>
 
-/// The agent of a session: records what its watchers see, and serves it on the session bus under the bundle's
-/// identifier. "Starting monitor" and "Stopping monitor" frame the time in which it does.
+/// The agent: records what its watchers see, and serves it on a bus under the bundle's identifier. "Starting
+/// monitor" and "Stopping monitor" frame the time in which it does. When its records begin, it also reads
+/// what the system kept of the time before.
 class ZELKLWAAgent : public QObject
 {
     Q_OBJECT
@@ -26,9 +27,16 @@ public:
     /// How long a client that was told of the end may take to fetch it.
     static constexpr int millisecondsToFetchTheEnd = 1000;
 
+    /// Where it serves, and where the system's services are: for all users' agent the same.
+    struct Buses
+    {
+        QDBusConnection serving;
+        QDBusConnection system;
+    };
+
     /// `bundle` is the agent's own.
-    ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const QDBusConnection &bus,
-                 const ZELKLWAOptions &options, QObject *parent = nullptr);
+    ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const Buses &buses, const ZELKLWAOptions &options,
+                 QObject *parent = nullptr);
     ~ZELKLWAAgent() override;
 
     /// Takes the two bus names, then records. False, with one console line and nothing recorded, when the bus
@@ -47,12 +55,12 @@ private Q_SLOTS:
     void busDidDisconnect();
 
 private:
-    void makeWatchers(const ZELKLWAOptions &options);
     bool serve();
     bool takeNames();
     QString version() const;
     void recordOwn(QLatin1String event, ZELKDate date);
     void recordStart();
+    void readPast();
     void stopRecording();
     void finish();
 
@@ -65,7 +73,9 @@ private:
     ZELKLWAUpdateAnnouncer m_announcer;
     ZELKLWAService m_service;
     ZELKLWAControlService m_controlService;
-    std::vector<std::unique_ptr<ZELKLWAWatcher>> m_watchers;
+    ZELKLWAWatchers m_watchers;
+    ZELKLWABackfillPlaces m_pastPlaces;
+    std::unique_ptr<ZELKLWABackfill> m_past;
     QTimer m_lastFetch;
     enum class Phase { Made, Recording, Ending, Finished } m_phase = Phase::Made;
 };

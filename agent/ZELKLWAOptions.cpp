@@ -20,6 +20,17 @@ struct Choices
     QCommandLineOption powerSupply{QStringLiteral("power-supply"),
                                    QStringLiteral("The folder in which the kernel describes power supplies."),
                                    QStringLiteral("DIR")};
+    QCommandLineOption system{QStringLiteral("system"),
+                              QStringLiteral("Record for all users: serve on the system bus.")};
+    QCommandLineOption pastAccounting{QStringLiteral("backfill-wtmp"),
+                                      QStringLiteral("Add the boots of an accounting file, and end."),
+                                      QStringLiteral("FILE")};
+    QCommandLineOption pastJournals{QStringLiteral("backfill-journal"),
+                                    QStringLiteral("Add the sleeps of a journal, and end."),
+                                    QStringLiteral("FILE-OR-DIR")};
+    QCommandLineOption pastCharges{QStringLiteral("backfill-upower"),
+                                   QStringLiteral("Add the charges of UPower's history, and end."),
+                                   QStringLiteral("DIR")};
 };
 
 /// False when the option was given without a name.
@@ -30,14 +41,42 @@ bool take(const QCommandLineParser &parser, const QCommandLineOption &option, QS
     return !place.isEmpty();
 }
 
+bool takeAll(const QCommandLineParser &parser, const QCommandLineOption &option, QStringList &places)
+{
+    places = parser.values(option);
+    return !places.contains(QString());
+}
+
 } // namespace
 
-ZELKLWAOptions ZELKLWAOptions::usual()
+ZELKLWAOptions ZELKLWAOptions::usual(bool forAllUsers)
 {
     ZELKLWAOptions options;
+    options.forAllUsers = forAllUsers;
+    if (forAllUsers) {
+        const QString folder = qEnvironmentVariable("STATE_DIRECTORY", QStringLiteral("/var/lib/lullwatch"));
+        options.database = folder + QStringLiteral("/events.db");
+        options.settings = folder + QStringLiteral("/settings.ini");
+        return options;
+    }
     options.database = placeIn(QStandardPaths::GenericDataLocation, "events.db");
     options.settings = placeIn(QStandardPaths::GenericConfigLocation, "settings.ini");
     return options;
+}
+
+ZELKLWABackfillPlaces ZELKLWAOptions::past() const
+{
+    ZELKLWABackfillPlaces places;
+    if (!readsPastOnly()) {
+        places = ZELKLWABackfillPlaces::ofSystem();
+        places.wtmp = QStringList{wtmp};
+    } else {
+        places.wtmp = pastAccounting;
+        places.journals = pastJournals;
+        places.upower = pastCharges;
+    }
+    places.powerSupply = powerSupply;
+    return places;
 }
 
 ZELKLWAOptions::Parsed ZELKLWAOptions::parse(const QStringList &arguments, const QString &version)
@@ -47,7 +86,8 @@ ZELKLWAOptions::Parsed ZELKLWAOptions::parse(const QStringList &arguments, const
     parser.setApplicationDescription(QStringLiteral("Records this computer's power events for Lullwatch."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption tellVersion = parser.addVersionOption();
-    parser.addOptions({choices.database, choices.wtmp, choices.powerSupply});
+    parser.addOptions({choices.database, choices.wtmp, choices.powerSupply, choices.system,
+                       choices.pastAccounting, choices.pastJournals, choices.pastCharges});
 
     Parsed parsed;
     if (!parser.parse(arguments)) {
@@ -64,10 +104,13 @@ ZELKLWAOptions::Parsed ZELKLWAOptions::parse(const QStringList &arguments, const
         parsed.text =
             QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst());
     }
-    parsed.options = usual();
+    parsed.options = usual(parser.isSet(choices.system));
     const bool named = take(parser, choices.database, parsed.options.database) &&
                        take(parser, choices.wtmp, parsed.options.wtmp) &&
-                       take(parser, choices.powerSupply, parsed.options.powerSupply);
+                       take(parser, choices.powerSupply, parsed.options.powerSupply) &&
+                       takeAll(parser, choices.pastAccounting, parsed.options.pastAccounting) &&
+                       takeAll(parser, choices.pastJournals, parsed.options.pastJournals) &&
+                       takeAll(parser, choices.pastCharges, parsed.options.pastCharges);
     if (parsed.outcome == Outcome::Run && !named) {
         parsed.outcome = Outcome::Wrong;
         parsed.text = QStringLiteral("A file or folder needs a name.");

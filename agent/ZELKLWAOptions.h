@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZELKLWABackfill.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -10,9 +12,24 @@ struct ZELKLWAOptions
     QString settings;
     QString wtmp = QStringLiteral("/var/log/wtmp");
     QString powerSupply = QStringLiteral("/sys/class/power_supply");
+    /// Serves everybody on the system bus, not one user on the session bus.
+    bool forAllUsers = false;
+    /// Past events to be read from files, which is then all the program does.
+    QStringList pastAccounting;
+    QStringList pastJournals;
+    QStringList pastCharges;
 
-    /// The user's folders ($XDG_DATA_HOME, $XDG_CONFIG_HOME) and the system's.
-    static ZELKLWAOptions usual();
+    bool readsPastOnly() const
+    {
+        return !pastAccounting.isEmpty() || !pastJournals.isEmpty() || !pastCharges.isEmpty();
+    }
+
+    /// Where the past is read: the files that were named, else the system's.
+    ZELKLWABackfillPlaces past() const;
+
+    /// A user's folders ($XDG_DATA_HOME, $XDG_CONFIG_HOME), or the one that the service manager made for all
+    /// users' agent ($STATE_DIRECTORY).
+    static ZELKLWAOptions usual(bool forAllUsers = false);
 
     enum class Outcome {
         Run,

@@ -1,7 +1,9 @@
 #include "ZELKBundle.h"
 #include "ZELKConsole.h"
+#include "ZELKJournalReader.h"
 #include "ZELKLWAAgent.h"
 #include "ZELKLWAOptions.h"
+#include "ZELKLWAPast.h"
 #include "ZELKTerminationSignals.h"
 
 #include <QCoreApplication>
@@ -9,24 +11,45 @@
 #include <QDBusError>
 
 #include <cstdio>
+#include <optional>
 
 namespace {
 
 constexpr int failure = 1;
 constexpr int wrongArguments = 2;
 
-int run(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &options)
+std::optional<QDBusConnection> connected(const QDBusConnection &bus, const char *kind)
+{
+    if (bus.isConnected())
+        return bus;
+    ZELKConsole::log(
+        QStringLiteral("There is no %1 bus: %2").arg(QString::fromLatin1(kind), bus.lastError().message()));
+    return std::nullopt;
+}
+
+int record(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &options)
 {
     ZELKTerminationSignals termination;
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected()) {
-        ZELKConsole::log(QStringLiteral("There is no session bus: %1").arg(bus.lastError().message()));
+    const QDBusConnection system = QDBusConnection::systemBus(); // a session can do without
+    const auto bus = options.forAllUsers ? connected(system, "system")
+                                         : connected(QDBusConnection::sessionBus(), "session");
+    if (!bus)
         return failure;
-    }
-    ZELKLWAAgent agent(bundle, bus, options);
+    ZELKLWAAgent agent(bundle, {*bus, system}, options);
     QObject::connect(&termination, &ZELKTerminationSignals::received, &agent, &ZELKLWAAgent::terminate);
     QObject::connect(&agent, &ZELKLWAAgent::finished, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
     return agent.start() ? QCoreApplication::exec() : failure;
+}
+
+int readPast(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &options)
+{
+    ZELKLWAPast past(bundle, options);
+    QObject::connect(&past, &ZELKLWAPast::finished, qApp, [](int told, bool complete) {
+        std::printf("%d events of the past\n", told);
+        QCoreApplication::exit(complete ? 0 : failure);
+    });
+    past.start();
+    return QCoreApplication::exec();
 }
 
 } // namespace
@@ -34,12 +57,15 @@ int run(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &o
 int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.value(1) == QLatin1String(ZELKJournalReader::option))
+        return ZELKJournalReader::run(arguments.mid(2));
     const auto bundle = std::make_shared<const ZELKBundle>(QCoreApplication::applicationDirPath());
     const auto parsed = ZELKLWAOptions::parse(
-        QCoreApplication::arguments(),
-        bundle->objectForInfoDictionaryKey(QStringLiteral("CFBundleVersion")).toString());
+        arguments, bundle->objectForInfoDictionaryKey(QStringLiteral("CFBundleVersion")).toString());
     if (parsed.outcome == ZELKLWAOptions::Outcome::Run)
-        return run(bundle, parsed.options);
+        return parsed.options.readsPastOnly() ? readPast(bundle, parsed.options)
+                                              : record(bundle, parsed.options);
     const bool wrong = parsed.outcome == ZELKLWAOptions::Outcome::Wrong;
     std::fputs(qPrintable(wrong ? parsed.text + QLatin1Char('\n') : parsed.text), wrong ? stderr : stdout);
     return wrong ? wrongArguments : 0;

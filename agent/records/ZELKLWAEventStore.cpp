@@ -40,6 +40,8 @@ constexpr QLatin1String rollbackKey("ZELKLWAEventStoreSQLRollback");
 /// Settings.
 constexpr QLatin1String aliveSetting("alive");
 constexpr QLatin1String servedSetting("served");
+constexpr QLatin1String beginningSetting("beginning");
+constexpr QLatin1String pastSetting("past");
 
 qint64 now()
 {
@@ -240,6 +242,33 @@ std::optional<ZELKDate> ZELKLWAEventStore::unrecordedEnd()
             end = ZELKDate(double(std::min(alive->toLongLong(), now())) / 1e6);
     });
     return end;
+}
+
+std::optional<ZELKDate> ZELKLWAEventStore::beginning()
+{
+    std::optional<QString> kept;
+    attempt([&] {
+        kept = stringForSetting(beginningSetting);
+        require(lastResult());
+    });
+    return kept ? std::optional(ZELKDate(double(kept->toLongLong()) / 1e6)) : std::nullopt;
+}
+
+std::optional<ZELKDate> ZELKLWAEventStore::unreadPast()
+{
+    bool isRead = false;
+    const bool known = attempt([&] {
+        isRead = stringForSetting(pastSetting).has_value();
+        require(lastResult());
+        if (!stringForSetting(beginningSetting))
+            write([&] { setString(QString::number(now()), beginningSetting); });
+    });
+    return known && !isRead ? beginning() : std::nullopt;
+}
+
+void ZELKLWAEventStore::pastWasRead()
+{
+    attempt([&] { write([&] { setString(QStringLiteral("read"), pastSetting); }); });
 }
 
 void ZELKLWAEventStore::require(const ZELKDatabaseResult &result)

@@ -2,7 +2,7 @@
 
 #include "ZELKDatabaseController.h"
 #include "ZELKLWAEventPage.h"
-#include "ZELKLWASettling.h"
+#include "ZELKLWASettlingClock.h"
 #include "ZELKLWAWaitingEvents.h"
 
 #include <QObject>
@@ -57,6 +57,13 @@ public:
 
     /// When the agent before this one was last known to live, if it left without its "Stopping monitor".
     std::optional<ZELKDate> unrecordedEnd();
+
+    /// When an agent first recorded here; nothing before, and while the file can not be used.
+    std::optional<ZELKDate> beginning();
+    /// The same, which is now when no agent recorded here before; nothing once pastWasRead() has noted that
+    /// what the system kept of the time before is among the records.
+    std::optional<ZELKDate> unreadPast();
+    void pastWasRead();
 
 Q_SIGNALS:
     /// Events were taken up that were not there before.

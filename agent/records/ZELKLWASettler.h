@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ZELKLWASettling.h"
+#include "ZELKLWABurst.h"
 
 #include <QElapsedTimer>
 #include <QObject>

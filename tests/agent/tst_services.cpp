@@ -270,7 +270,8 @@ private:
     }
     bool start()
     {
-        m_agent = std::make_unique<ZELKLWAAgent>(agentBundle(), m_agentBus->bus, options());
+        m_agent = std::make_unique<ZELKLWAAgent>(
+            agentBundle(), ZELKLWAAgent::Buses{m_agentBus->bus, QDBusConnection(u"none"_s)}, options());
         return m_agent->start();
     }
     QDBusUnixFileDescriptor ask(double from = 0, double to = 1e9)

@@ -1,6 +1,7 @@
 #include "AgentFixture.h"
 #include "ZELKEnvironment.h"
 #include "ZELKFailingSQLitePort.h"
+#include "ZELKLWABurst.h"
 #include "ZELKLWAEventStore.h"
 
 #include <QSignalSpy>

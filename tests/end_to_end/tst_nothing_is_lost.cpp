@@ -6,6 +6,7 @@
 #include "ZELKAgentController.h"
 #include "ZELKBundle.h"
 #include "ZELKEnvironment.h"
+#include "ZELKLWABurst.h"
 #include "ZELKLWAEventStore.h"
 #include "ZELKLWAService.h"
 #include "ZELKLWAServiceProtocolAdaptor.h"
