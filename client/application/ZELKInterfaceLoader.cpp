@@ -39,9 +39,10 @@ std::unique_ptr<QWidget> ZELKInterfaceLoader::loadIfSound(const ZELKBundle &main
 {
     ZELKInterfaceLoader loader;
     loader.setTranslationEnabled(false);
-    QFile file(mainBundle.pathForResource(className, QStringLiteral("ui")));
+    const QString path = mainBundle.pathForResource(className, QStringLiteral("ui"));
+    QFile file(path);
     std::unique_ptr<QWidget> root;
-    if (file.open(QIODevice::ReadOnly))
+    if (!path.isEmpty() && file.open(QIODevice::ReadOnly))
         root.reset(loader.load(&file));
     if (root)
         localise(*root, className);

@@ -80,7 +80,10 @@ void ZELKStatusLine::updateState()
                                                 : ZELKFormat(text("profile"), {settings.profile}));
     const QString version = agent.agentVersion();
     const bool isKnown = !version.isEmpty() && version != QLatin1String("0");
-    m_stateLabel->setToolTip(isKnown ? ZELKFormat(text("version"), {version}) : QString());
+    QString hint = isKnown ? ZELKFormat(text("version"), {version}) : QString();
+    if (!agent.enabled())
+        hint = text("remains");
+    m_stateLabel->setToolTip(hint.isEmpty() ? hint : Qt::convertFromPlainText(hint));
 }
 
 void ZELKStatusLine::updateCount()

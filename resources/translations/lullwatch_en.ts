@@ -1071,6 +1071,10 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>Recording agent, version %@</translation>
     </message>
     <message>
+        <source>ZELKLWCMainWindowController.remains</source>
+        <translation>The recording agent is there only in part: it does not answer, or nothing says who started it. “lullwatch agent remove” takes away what is left of it.</translation>
+    </message>
+    <message>
         <source>ZELKLWCMainWindowController.table.accessibleName</source>
         <translation>Events</translation>
     </message>
