@@ -1,4 +1,5 @@
 #include "ApplicationFixture.h"
+#include "Program.h"
 #include "Rows.h"
 #include "ZELKCommandLine.h"
 #include "ZELKTextOutput.h"
@@ -6,57 +7,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QTemporaryFile>
 
 #include <unistd.h>
 
 namespace {
-
-struct Outcome
-{
-    int status = -1;
-    QString output;
-    QString complaints;
-    /// What was complained of, without the console's own lines.
-    QStringList complaintLines() const { return complaints.split(u'\n').filter(u"lullwatch: "_s); }
-};
-
-/// Runs the built program with a home of its own, in Berlin, without display and buses.
-class Program
-{
-public:
-    Outcome run(const char *words, const QByteArray &input = {}) const
-    {
-        return runScript(u"$LULLWATCH "_s + QString::fromUtf8(words), input);
-    }
-    Outcome runScript(const QString &script, const QByteArray &input = {}) const
-    {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        for (const QString &unset : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s})
-            environment.remove(unset);
-        for (const QString &folder :
-             {u"HOME"_s, u"XDG_CONFIG_HOME"_s, u"XDG_DATA_HOME"_s, u"XDG_RUNTIME_DIR"_s})
-            environment.insert(folder, m_home.path());
-        for (const QString &bus : {u"DBUS_SESSION_BUS_ADDRESS"_s, u"DBUS_SYSTEM_BUS_ADDRESS"_s})
-            environment.insert(bus, u"unix:path=/nowhere/at/all"_s);
-        environment.insert(u"TZ"_s, u"Europe/Berlin"_s);
-        environment.insert(u"LULLWATCH"_s, QStringLiteral(LULLWATCH));
-        process.setProcessEnvironment(environment);
-        process.start(u"/bin/bash"_s, {u"-c"_s, script});
-        process.write(input);
-        process.closeWriteChannel();
-        if (!process.waitForFinished(100000) || process.exitStatus() != QProcess::NormalExit)
-            return {};
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
-    }
-    QString path(const QString &name) const { return m_home.filePath(name); }
-
-private:
-    QTemporaryDir m_home;
-};
 
 QByteArray line(double date, const char *description,
                 const char *monitor = "org.zelk.monitor.watcher.powerevents", const char *properties = "NULL")
@@ -100,9 +55,6 @@ private Q_SLOTS:
         row("echo '{\"date\":1,\"description\":\"e\",\"monitor\":\"m\",\"properties\":\"NULL\"}' | "
             "$LULLWATCH import - --database /dev/null/x",
             1, "The events cannot be kept");
-        row("echo 'not a database, but long enough to be taken for one' >$HOME/damaged; "
-            "$LULLWATCH list --database $HOME/damaged",
-            1, "is no database.");
         row("$LULLWATCH list >/dev/full", 1, "The output cannot be written: No space left on device");
         row("$LULLWATCH snapshot --picture /dev/null/x", 1, "The picture cannot be written");
         row("ZELK_MAIN_BUNDLE=/nowhere $LULLWATCH list", 1, "is missing or damaged.");

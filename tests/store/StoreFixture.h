@@ -52,6 +52,7 @@ struct StoreFixture
     ZELKLWCLog log;
     QDBusConnection bus;
     int agentLimit = ZELKServiceNames::callTimeoutMilliseconds;
+    bool servesUpdates = true;
     std::shared_ptr<ZELKFailingSQLitePort> port = std::make_shared<ZELKFailingSQLitePort>();
     std::shared_ptr<ZELKSQLitePort> sqlite = port; ///< what a store that is made gets
     std::unique_ptr<ZELKLWCStore> store;
@@ -80,7 +81,8 @@ struct StoreFixture
     QString file() const { return folder.filePath(u"cache.lullwatch-events"_s); }
     std::unique_ptr<ZELKLWCStore> bareStore() const
     {
-        return std::make_unique<ZELKLWCStore>(ZELKLWCStore::World{bundle, sqlite, bus, file(), agentLimit});
+        return std::make_unique<ZELKLWCStore>(
+            ZELKLWCStore::World{bundle, sqlite, bus, file(), agentLimit, servesUpdates});
     }
     /// One that is told of agent and log, in the place of the one before.
     void renewStore()
