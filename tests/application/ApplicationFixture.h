@@ -3,11 +3,13 @@
 #include "FakeAgentLookup.h"
 #include "FakeServiceManagement.h"
 #include "FakeWorkspace.h"
+#include "ZELKAgentAlertDialog.h"
 #include "ZELKApplicationWiring.h"
 #include "ZELKEnvironment.h"
 #include "ZELKNoAgent.h"
 #include "ZELKSQLitePort.h"
 
+#include <QPushButton>
 #include <QTemporaryDir>
 
 using namespace Qt::StringLiterals;
@@ -68,4 +70,13 @@ inline QList<ZELKRawEvent> eventEachDay(QDate from, QDate to)
         events.append(
             ZELKMakeRawEvent(localDate(day.year(), day.month(), day.day()), u"noon"_s, u"org.example"_s));
     return events;
+}
+
+/// Presses a button, counted from 0, of the sheet that stands on the window.
+inline void answerSheet(const QWidget &window, int button)
+{
+    const auto *sheet = window.findChild<ZELKAgentAlertDialog *>();
+    if (!sheet)
+        qFatal("there is no sheet");
+    sheet->findChildren<QPushButton *>(QString(), Qt::FindDirectChildrenOnly).at(button)->click();
 }

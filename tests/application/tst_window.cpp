@@ -176,6 +176,7 @@ private Q_SLOTS:
         QCOMPARE(button.text(), u"Start Recording…"_s);
         QCOMPARE(session.text("stateLabel"), u"Not installed"_s);
         QTest::mouseClick(&button, Qt::LeftButton);
+        answerSheet(session.window, 1);
         QCOMPARE(fixture.workspace->launches, QStringList{u"org.zelk.lullwatch.agent"_s});
         fixture.letAgentRun(true);
         QTRY_COMPARE(session.text("stateLabel"), u"Recording in this session"_s);
@@ -195,6 +196,7 @@ private Q_SLOTS:
         fixture.workspace->launchError = ZELKAgentError(u"test"_s, 1, u"<b>It</b> will not"_s, u"because"_s);
         const Session session(fixture);
         session.find<QPushButton>("startStopButton").click();
+        answerSheet(session.window, 1);
         const auto *box = session.window.findChild<QMessageBox *>();
         QVERIFY(box && box->isVisible());
         QCOMPARE(box->windowModality(), Qt::WindowModal);

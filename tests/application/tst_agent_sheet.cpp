@@ -1,0 +1,237 @@
+#include "AgentBed.h"
+#include "Files.h"
+#include "Raised.h"
+#include "Rows.h"
+#include "ZELKAgentAlertSheet.h"
+#include "ZELKWindowSession.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QSignalSpy>
+#include <QStandardItemModel>
+#include <QTextDocument>
+
+namespace {
+
+/// A window with the alerts of a controller on it.
+struct SheetBed : AgentBed
+{
+    explicit SheetBed(bool hasSystem = true, bool hasUser = true)
+    {
+        services->hasSystem = hasSystem;
+        services->hasUser = hasUser;
+        agent.emplace(world.ports);
+        sheet.emplace(window, *agent);
+        agent->setAlerts(&*sheet);
+        window.show();
+    }
+    void ask() { agent->startStop(); }
+    ZELKAgentAlertDialog *dialog() const { return window.findChild<ZELKAgentAlertDialog *>(); }
+    template <typename Type>
+    Type *find(const char *name) const
+    {
+        return dialog()->findChild<Type *>(QString::fromLatin1(name));
+    }
+    QList<QPushButton *> buttons() const
+    {
+        return dialog()->findChildren<QPushButton *>(QString(), Qt::FindDirectChildrenOnly);
+    }
+    QComboBox &popUp() const { return *find<QComboBox>("installAlertLocationButton"); }
+
+    QWidget window;
+    std::optional<ZELKAgentController> agent;
+    std::optional<ZELKAgentAlertSheet> sheet;
+};
+
+using Act = void (*)(const SheetBed &);
+
+void press(const SheetBed &bed, int index)
+{
+    QTest::mouseClick(bed.buttons().at(index), Qt::LeftButton);
+}
+
+QByteArray interface(const char *rootName, const char *content)
+{
+    return "<ui version=\"4.0\"><class>A</class><widget class=\"QWidget\" name=\"" + QByteArray(rootName) +
+           "\">" + content + "</widget></ui>";
+}
+
+class AgentSheetTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QGuiApplication::setApplicationDisplayName(u"Lullwatch"_s); }
+
+    void installAlert()
+    {
+        SheetBed bed;
+        bed.ask();
+        QVERIFY(bed.dialog() && bed.dialog()->isVisible());
+        QCOMPARE(bed.dialog()->windowModality(), Qt::WindowModal);
+        QVERIFY(bed.find<QLabel>("informative")->text().startsWith(u"Lullwatch shows "_s));
+        QStringList titles;
+        for (const QPushButton *button : bed.buttons())
+            titles.append(button->text().remove(u'&'));
+        QCOMPARE(titles, QStringList({u"Install"_s, u"Record This Session Only"_s, u"Cancel"_s}));
+        QVERIFY(bed.buttons().constFirst()->isDefault());
+        QCOMPARE(bed.popUp().itemData(0).toInt(), 1);
+        QCOMPARE(bed.popUp().itemData(1).toInt(), 2);
+        const auto meaning = [&] { return bed.find<QLabel>("installAlertMeaningLabel")->text(); };
+        const QString forAll = meaning();
+        bed.popUp().setCurrentIndex(1);
+        QVERIFY(meaning() != forAll && !meaning().startsWith("ZELK"_L1));
+        QCOMPARE(bed.popUp().accessibleDescription(), meaning());
+        QCOMPARE(bed.find<QLabel>("installAlertLocationLabel")->buddy(), &bed.popUp());
+        bed.ask(); // stands already
+        QCOMPARE(bed.window.findChildren<ZELKAgentAlertDialog *>().size(), 1);
+    }
+
+    void returnCodes_data()
+    {
+        const Rows<int, int, Act> row; // return code, tag
+        row("first", 1000, 1, Act([](const SheetBed &bed) { press(bed, 0); }));
+        row("first, elsewhere", 1000, 2, Act([](const SheetBed &bed) {
+                bed.popUp().setCurrentIndex(1);
+                QTest::keyClick(bed.dialog(), Qt::Key_Return);
+            }));
+        row("second", 1001, 1, Act([](const SheetBed &bed) { press(bed, 1); }));
+        row("third", 1002, 1, Act([](const SheetBed &bed) { press(bed, 2); }));
+        row("Escape", 1002, 1,
+            Act([](const SheetBed &bed) { QTest::keyClick(bed.dialog(), Qt::Key_Escape); }));
+        row("closed", 1002, 1, Act([](const SheetBed &bed) { bed.dialog()->close(); }));
+    }
+    void returnCodes()
+    {
+        const auto [code, tag, act] = Rows<int, int, Act>::fetch();
+        SheetBed bed;
+        QList<std::pair<int, int>> ends;
+        ZELKAgentAlert alert;
+        alert.message = u"?"_s;
+        alert.buttons = {u"A"_s, u"B"_s, u"C"_s};
+        alert.accessoryInterface = u"ZELKAgentController"_s;
+        bed.sheet->beginSheet(alert, [&](int returnCode, int locationTag) {
+            QVERIFY(!bed.dialog()->isVisible());
+            ends.append({returnCode, locationTag});
+        });
+        QVERIFY(ends.isEmpty());
+        act(bed);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(!bed.dialog());
+        QCOMPARE(ends, (QList<std::pair<int, int>>{{code, tag}}));
+    }
+
+    void offers_data()
+    {
+        // system, user; tags offered, tag chosen, what is said
+        const Rows<bool, bool, QList<int>, int, QString> row;
+        row("both", true, true, QList<int>{1, 2}, 1, "");
+        row("no system", false, true, QList<int>{2}, 2, "Installing for all users is not possible");
+        row("no user", true, false, QList<int>{1}, 1, "Installing for you only is not possible");
+        row("none", false, false, QList<int>{}, 0, "systemd does not run here, so nothing can be installed.");
+    }
+    void offers()
+    {
+        const auto [system, user, tags, chosen, words] = Rows<bool, bool, QList<int>, int, QString>::fetch();
+        SheetBed bed(system, user);
+        bed.ask();
+        QList<int> offered;
+        const auto *items = qobject_cast<QStandardItemModel *>(bed.popUp().model());
+        for (int i = 0; i < items->rowCount(); ++i)
+            if (items->item(i)->isEnabled())
+                offered.append(bed.popUp().itemData(i).toInt());
+        QCOMPARE(offered, tags);
+        QCOMPARE(bed.popUp().currentData().toInt(), chosen);
+        const auto *absence = bed.find<QLabel>("installAlertAbsenceLabel");
+        QCOMPARE(absence->isVisible(), !words.isEmpty());
+        QCOMPARE(absence->text().left(words.size()), words);
+        QCOMPARE(bed.buttons().at(0)->isEnabled(), !tags.isEmpty());
+        QVERIFY(bed.buttons().at(tags.isEmpty() ? 1 : 0)->isDefault());
+    }
+
+    void updateAlertWithHelp()
+    {
+        SheetBed bed;
+        ZELKAgentAlert alert;
+        alert.buttons = {u"Update"_s, u"Not Now"_s};
+        alert.helpAnchor = u"updating"_s;
+        QSignalSpy help(&*bed.sheet, &ZELKAgentAlertSheet::helpRequested);
+        int ended = 0;
+        bed.sheet->beginSheet(alert, [&](int returnCode, int tag) { ended = returnCode + tag; });
+        bed.find<QPushButton>("helpButton")->click();
+        QCOMPARE(help.value(0).value(0).toString(), u"updating"_s);
+        QVERIFY(bed.dialog()->isVisible());
+        bed.dialog()->close();
+        QCOMPARE(ended, 1001);
+    }
+
+    void faults_data()
+    {
+        const Rows<QByteArray, QString> row;
+        row("missing", QByteArray(), "ZELKAgentController nib is missing or malformed");
+        row("malformed", QByteArray("<ui"), "ZELKAgentController nib is missing or malformed");
+        row("no view", interface("other", ""), "ZELKAgentController nib view is not connected");
+        row("no choice", interface("installAlertAccessoryView", ""),
+            "ZELKAgentController nib choice is not connected");
+    }
+    void faults()
+    {
+        const auto [bytes, message] = Rows<QByteArray, QString>::fetch();
+        SheetBed bed;
+        const QTemporaryDir bundle;
+        if (!bytes.isEmpty())
+            writeFile(bundle.filePath(u"Alert.ui"_s), bytes);
+        ZELKEnvironment environment = applicationEnvironment();
+        environment.mainBundle = std::make_shared<ZELKBundle>(bundle.path());
+        const ZELKEnvironmentScope scope(environment);
+        ZELKAgentAlert alert;
+        alert.buttons = {u"A"_s};
+        alert.accessoryInterface = u"Alert"_s;
+        const auto begin = [&] { bed.sheet->beginSheet(alert, [](int, int) { QFAIL("nothing to end"); }); };
+        QCOMPARE(raised(begin), message);
+        QVERIFY(!bed.dialog());
+        alert.accessoryInterface.clear();
+        alert.buttons = {u"A"_s, QString()};
+        QCOMPARE(raised(begin), u"ZELKAgentController failed to add '(null)' button"_s);
+        QVERIFY(!bed.dialog());
+    }
+
+    /// An agent of another version: one offer, and a menu item that needs none.
+    void windowUpdates()
+    {
+        AgentBed bed;
+        bed.services->jobs[1].insert(AgentBed::agentName());
+        bed.letServiceAnswer(true, u"0.0.1"_s);
+        ZELKWindowSession session(bed.settings(), bed.world);
+        session.start(false);
+        QCoreApplication::processEvents();
+        const QMainWindow &window = *session.mainWindow().window();
+        auto &agent = session.wiring().agentController();
+        const auto *item = window.findChild<QAction *>(u"actionUpdateAgent"_s);
+        QVERIFY(item->isEnabled());
+        agent.updateState(); // the next turn, instead of a second after launching
+        QTRY_VERIFY(window.findChild<ZELKAgentAlertDialog *>());
+        answerSheet(window, 1);
+        QCOMPARE(agent.updateNotifications(), 0U);
+        window.findChild<QAction *>(u"actionUpdateAgent"_s)->trigger();
+        QTRY_COMPARE(agent.agentVersion(), AgentBed::version());
+        QCOMPARE(agent.state(), int(ZELKAgentController::UserJob));
+        QVERIFY(!item->isEnabled());
+        QCOMPARE(window.findChild<QLabel *>(u"stateLabel"_s)->toolTip(),
+                 Qt::convertFromPlainText(u"Recording agent, version "_s + AgentBed::version()));
+        // Its files stay, though the job goes: told all the same.
+        Q_EMIT agent.errorPresented(ZELKAgentError::withCode(ZELKAgentError::FilesNotRemoved, u"busy"_s));
+        const auto *box = window.findChild<QMessageBox *>();
+        QVERIFY(box && box->text().contains("files could not be deleted"_L1));
+        QCOMPARE(box->informativeText(), u"busy"_s);
+    }
+};
+
+} // namespace
+
+QTEST_MAIN(AgentSheetTest)
+
+#include "tst_agent_sheet.moc"
