@@ -1,7 +1,7 @@
 #pragma once
 
 #include "LogDump.h"
-#include "Rows.h"
+#include "NamedRows.h"
 #include "ZELKEnvironment.h"
 #include "ZELKEventVocabulary.h"
 #include "ZELKLWCDateRangeController.h"

@@ -5,7 +5,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using MergeRows = Rows<Events, bool>;
+using MergeRows = NamedRows<Events, bool>;
 
 /// The kinds whose events repeat when they come soon.
 void addRepeats(const MergeRows &row)

@@ -9,7 +9,7 @@ const QString vetoEvent = ZELKEventSystemWillNotSleep;
 const QString idleKey = ZELKPropertyIdleSeconds;
 
 /// Summary, word, place of the pair, attributes.
-using AwakeRows = Rows<Events, const char *, const char *, const char *, const char *>;
+using AwakeRows = NamedRows<Events, const char *, const char *, const char *, const char *>;
 
 void addPowerStates(const AwakeRows &row)
 {

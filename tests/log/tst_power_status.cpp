@@ -21,7 +21,7 @@ class TestPowerStatus : public QObject
 private Q_SLOTS:
     void classifies_data()
     {
-        const Rows<QList<ZELKDictionary>, int, const char *> row("readings", "change", "summary");
+        const NamedRows<QList<ZELKDictionary>, int, const char *> row("readings", "change", "summary");
         const ZELKDictionary fifty = reading(50);
         row("the first, there", {fifty}, 2, "'BAT0' connected");
         row("the first says nothing of it", {reading(50, {{present, {}}})}, 2, "'BAT0' removed");
@@ -140,7 +140,7 @@ private Q_SLOTS:
 
     void tellsOfTheDevice_data()
     {
-        const Rows<ZELKDictionary, const char *> row("properties", "device");
+        const NamedRows<ZELKDictionary, const char *> row("properties", "device");
         const QString toFull = ZELKPropertyTimeToFullCharge;
         row("nothing", {}, "Current Capacity:0%");
         row("all, in an order of its own",

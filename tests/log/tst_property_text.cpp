@@ -1,7 +1,7 @@
 // The reader of property texts has three ways, and all must come to what the property-list reader says.
 #include "LogDump.h"
+#include "NamedRows.h"
 #include "PropertyTexts.h"
-#include "Rows.h"
 #include "ZELKPropertyList.h"
 #include "ZELKPropertyTextReader.h"
 
@@ -52,7 +52,7 @@ private Q_SLOTS:
     /// One text after another through one reader, so that each meets what the earlier ones left behind.
     void readsAsTheWholeReaderDoes_data()
     {
-        const Rows<std::vector<std::string>> row("texts");
+        const NamedRows<std::vector<std::string>> row("texts");
         row("an empty text where one was", {text("a"), text("b"), text(""), text("c"), text("")});
         row("an empty text in a fresh template", {text("a"), text("")});
         row("wider numbers", {number("1"), number("2"), number("70000"), number("-3"), number("5000000000")});
@@ -99,7 +99,7 @@ private Q_SLOTS:
 
     void readsChangedTextsAsTheWholeReaderDoes_data()
     {
-        const Rows<int> row("oddness");
+        const NamedRows<int> row("oddness");
         for (const int oddness : {0, 2, 10, 40})
             row(qPrintable(u"%1 of a hundred odd"_s.arg(oddness)), oddness);
     }

@@ -95,7 +95,7 @@ class TestSameLog : public QObject
 private Q_SLOTS:
     void bothWaysMakeTheSameLog_data()
     {
-        const Rows<int, int> row("oddness", "seed");
+        const NamedRows<int, int> row("oddness", "seed");
         for (const int oddness : {0, 1, 10, 40})
             for (int seed = 1; seed <= 3; ++seed)
                 row(qPrintable(u"%1 of a hundred odd, %2"_s.arg(oddness).arg(seed)), oddness, seed);

@@ -83,7 +83,7 @@ private Q_SLOTS:
     /// In order and out of order, searches find what a walk finds.
     void findWhatAWalkFinds_data()
     {
-        const Rows<int> row("disorder"); // of ten events, so many are put anywhere
+        const NamedRows<int> row("disorder"); // of ten events, so many are put anywhere
         for (const int disorder : {0, 1, 5, 10})
             row(qPrintable(u"%1 of ten"_s.arg(disorder)), disorder);
     }

@@ -1,4 +1,4 @@
-#include "../log/Rows.h"
+#include "NamedRows.h"
 #include "ZELKBundle.h"
 #include "ZELKEnvironment.h"
 #include "ZELKLWCDateRangeController.h"
@@ -120,7 +120,7 @@ private Q_SLOTS:
 
     void keepsRowsThatStay_data()
     {
-        const Rows<int, int, const char *> row("firstDay", "days", "story");
+        const NamedRows<int, int, const char *> row("firstDay", "days", "story");
         row("grows behind", 10, 8, "+20-31");
         row("grows before", 7, 8, "+0-11");
         row("shrinks behind", 10, 3, "-12-19");
@@ -162,7 +162,7 @@ private Q_SLOTS:
 
     void timeFormats_data()
     {
-        const Rows<QLocale, const char *> row("locale", "text");
+        const NamedRows<QLocale, const char *> row("locale", "text");
         row("C has seconds", QLocale::c(), "14:02:11");
         row("American", QLocale(QLocale::English), "2:02:11 PM");
         row("Finnish divides by points", QLocale(QLocale::Finnish), "14.02.11");

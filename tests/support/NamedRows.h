@@ -7,7 +7,7 @@
 /// The data of a test function: made with the names of the columns, then called for each row. A column of
 /// `const char *` holds a QString, null for a row without it.
 template <typename... Values>
-class Rows
+class NamedRows
 {
     template <typename>
     using Name = const char *;
@@ -15,7 +15,7 @@ class Rows
     using Held = std::conditional_t<std::is_same_v<Value, const char *>, QString, Value>;
 
 public:
-    explicit Rows(Name<Values>... names) { (QTest::addColumn<Held<Values>>(names), ...); }
+    explicit NamedRows(Name<Values>... names) { (QTest::addColumn<Held<Values>>(names), ...); }
     void operator()(const char *title, const Values &...values) const
     {
         (QTest::newRow(title) << ... << Held<Values>(held(values)));
