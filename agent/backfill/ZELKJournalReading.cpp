@@ -112,7 +112,9 @@ void ZELKJournalReading::take(const QByteArray &line)
     constexpr char fault[] = "fault ";
     if (line.startsWith(fault))
         m_fault = QString::fromLocal8Bit(line.mid(sizeof fault - 1).trimmed());
-    else if (const auto mark = ZELKSleepMark::fromLine(line); mark && m_marks.size() < mostMarks)
+    else if (m_marks.size() >= mostMarks)
+        m_fault = QStringLiteral("it tells of too many sleeps");
+    else if (const auto mark = ZELKSleepMark::fromLine(line))
         m_marks.push_back(*mark);
 }
 

@@ -16,7 +16,7 @@ class ZELKJournalReading : public QObject
 
 public:
     static constexpr int mostSecondsAFile = 120;
-    static constexpr std::size_t mostMarks = 500000;
+    static constexpr std::size_t mostMarks = 100000;
 
     /// `program` knows ZELKJournalReader::option.
     explicit ZELKJournalReading(const QString &program, QObject *parent = nullptr);

@@ -27,6 +27,33 @@ void appendExisting(QStringList &places, const QString &path)
         places.append(path);
 }
 
+/// One battery's readings, which are small, as events, which are not.
+class UPowerSource
+{
+public:
+    UPowerSource(std::shared_ptr<const ZELKUPowerFolder> folder, const QString &battery)
+        : m_folder(std::move(folder))
+        , m_battery(battery)
+    {
+    }
+
+    bool operator()(std::vector<ZELKLWAEvent> &events)
+    {
+        if (m_told == 0)
+            m_readings = m_folder->readings(m_battery);
+        const QString name = m_folder->nameOf(m_battery);
+        for (; m_told < m_readings.size() && events.size() < ZELKLWABackfill::eventsABatch; ++m_told)
+            events.push_back(m_readings[m_told].event(name));
+        return m_told < m_readings.size();
+    }
+
+private:
+    std::shared_ptr<const ZELKUPowerFolder> m_folder;
+    QString m_battery;
+    std::vector<ZELKUPowerReading> m_readings;
+    std::size_t m_told = 0;
+};
+
 } // namespace
 
 ZELKLWABackfillPlaces ZELKLWABackfillPlaces::ofSystem(const QString &root)
@@ -84,18 +111,14 @@ void ZELKLWABackfill::stop()
 void ZELKLWABackfill::addSources()
 {
     for (const QString &path : m_places.wtmp)
-        for (const QString &file : ZELKAccountingHistory::files(path)) {
-            const auto history = std::make_shared<ZELKAccountingHistory>(file);
-            m_sources.push_back(
-                [history](std::vector<ZELKLWAEvent> &events) { return history->readSome(events); });
-        }
+        for (const QString &file : ZELKAccountingHistory::files(path))
+            m_sources.push_back([history = std::make_shared<ZELKAccountingHistory>(file)](auto &events) {
+                return history->readSome(events);
+            });
     for (const QString &path : m_places.upower) {
         const auto folder = std::make_shared<const ZELKUPowerFolder>(path, m_places.powerSupply);
         for (const QString &battery : folder->batteries())
-            m_sources.push_back([folder, battery](std::vector<ZELKLWAEvent> &events) {
-                events = folder->events(battery);
-                return false;
-            });
+            m_sources.push_back(UPowerSource(folder, battery));
     }
 }
 

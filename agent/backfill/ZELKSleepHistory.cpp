@@ -14,7 +14,7 @@ constexpr qint64 latest = 7258118400LL * 1000000;  // 2200-01-01 UTC
 constexpr qint64 longestBoot = 4000000000LL * 1000000;
 
 /// How far apart the service manager's and the kernel's lines of one moment may come into the journal.
-constexpr qint64 spread = 10 * 1000000;
+constexpr qint64 spread = 10 * 1000000LL;
 
 /// A stretch of a boot in which the service manager tells of the sleep.
 struct Told

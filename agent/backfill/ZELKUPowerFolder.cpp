@@ -5,7 +5,6 @@
 #include "ZELKKernelAttributes.h"
 #include "ZELKKernelPowerSupplies.h"
 #include "ZELKPowerSourceNames.h"
-#include "ZELKUPowerHistory.h"
 
 #include <QDir>
 #include <QFile>
@@ -83,15 +82,16 @@ QString ZELKUPowerFolder::nameOf(const QString &battery) const
     return model.isEmpty() ? battery : model;
 }
 
-std::vector<ZELKLWAEvent> ZELKUPowerFolder::events(const QString &battery) const
+std::vector<ZELKUPowerReading> ZELKUPowerFolder::readings(const QString &battery) const
 {
     const ZELKUPowerHistory history{file("charge", battery), file("rate", battery),
                                     file("time-empty", battery), file("time-full", battery)};
-    ZELKUPowerHistory::Told told = history.told(nameOf(battery));
-    if (told.garbage > 0)
+    std::size_t garbage = 0;
+    std::vector<ZELKUPowerReading> readings = history.readings(garbage);
+    if (garbage > 0)
         ZELKConsole::log(ZELKFormat("Skipped %lu lines that can not be read in the history of '%@' in %@.",
-                                    {told.garbage, battery, m_path}));
-    return std::move(told.events);
+                                    {garbage, battery, m_path}));
+    return readings;
 }
 
 QByteArray ZELKUPowerFolder::file(const char *kind, const QString &battery) const
@@ -101,6 +101,7 @@ QByteArray ZELKUPowerFolder::file(const char *kind, const QString &battery) cons
         return {};
     if (file.size() <= longestFile)
         return file.read(longestFile);
-    ZELKConsole::log(ZELKFormat("Skipped %@: it is too long.", {file.fileName()}));
-    return {};
+    file.seek(file.size() - longestFile);
+    const QByteArray end = file.read(longestFile);
+    return end.mid(end.indexOf('\n') + 1); // half a line may be read as another
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ZELKLWAEvent.h"
+#include "ZELKUPowerHistory.h"
 
 #include <QStringList>
 
@@ -10,7 +10,7 @@
 class ZELKUPowerFolder
 {
 public:
-    static constexpr qint64 longestFile = 16 << 20;
+    static constexpr qint64 longestFile = 1 << 20;
 
     /// `powerSupply` is the kernel's /sys/class/power_supply: a battery that is there goes by the model that
     /// the kernel tells, a second one of the model with its device, as the watcher names them. Others go by
@@ -20,9 +20,9 @@ public:
     /// As the files' names have them, in their order.
     QStringList batteries() const;
     QString nameOf(const QString &battery) const;
-    /// The history of one battery. Lines that are none of UPower's, and files that are too long, are one
-    /// console line.
-    std::vector<ZELKLWAEvent> events(const QString &battery) const;
+    /// The history of one battery, of files that are too long their end. Lines that are none of UPower's are
+    /// one console line.
+    std::vector<ZELKUPowerReading> readings(const QString &battery) const;
 
 private:
     struct Known

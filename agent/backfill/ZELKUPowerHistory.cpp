@@ -7,7 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <map>
-#include <optional>
+#include <string_view>
 
 namespace {
 
@@ -16,7 +16,8 @@ constexpr qint64 latest = 7258118400;  // 2200-01-01 UTC
 constexpr double fullest = 150.0;      // worn batteries with an old idea of themselves tell of more than 100
 constexpr double longestEstimate = 7.0 * 24.0 * 3600.0;
 
-enum class State { Unknown, Charging, Discharging, Empty, Full, PendingCharge, PendingDischarge };
+using State = ZELKUPowerReading::State;
+
 constexpr std::array<std::string_view, 7> states = {
     "unknown", "charging", "discharging", "empty", "fully-charged", "pending-charge", "pending-discharge"};
 
@@ -84,30 +85,23 @@ QLatin1String sourceState(State state)
 }
 
 /// Minutes by the second at which they were estimated.
-using Estimates = std::map<qint64, qlonglong>;
+using Estimates = std::map<qint64, int>;
 
 Estimates estimatesIn(const std::vector<Line> &lines, State state)
 {
     Estimates estimates;
     for (const Line &line : lines)
         if (line.state == state && line.value > 0.0 && line.value <= longestEstimate)
-            estimates[line.seconds] = std::llround(line.value / 60.0);
+            estimates[line.seconds] = int(std::lround(line.value / 60.0));
     return estimates;
-}
-
-void insert(ZELKDictionary &properties, QLatin1String key, const Estimates &estimates, qint64 seconds)
-{
-    if (const auto estimate = estimates.find(seconds); estimate != estimates.end())
-        properties.insert(key, estimate->second);
 }
 
 /// Takes all lines in the order of their dates.
 class Teller
 {
 public:
-    Teller(const QString &name, const std::vector<Line> &toEmpty, const std::vector<Line> &toFull)
-        : m_name(name)
-        , m_toEmpty(estimatesIn(toEmpty, State::Discharging))
+    Teller(const std::vector<Line> &toEmpty, const std::vector<Line> &toFull)
+        : m_toEmpty(estimatesIn(toEmpty, State::Discharging))
         , m_toFull(estimatesIn(toFull, State::Charging))
     {
     }
@@ -120,7 +114,7 @@ public:
                  line.state != m_state)
             tell(line);
     }
-    std::vector<ZELKLWAEvent> events;
+    std::vector<ZELKUPowerReading> readings;
     std::size_t garbage = 0;
 
 private:
@@ -134,30 +128,24 @@ private:
             ++garbage;
             return;
         }
-        m_percent = std::llround(std::min(line.value, 100.0));
+        m_percent = int(std::lround(std::min(line.value, 100.0)));
         tell(line);
     }
     void tell(const Line &line)
     {
         m_state = line.state;
-        ZELKDictionary properties{{ZELKPropertyName, m_name},
-                                  {ZELKPropertyIsPresent, true},
-                                  {ZELKPropertyIsCharging, m_state == State::Charging},
-                                  {ZELKPropertyCurrentCapacity, qlonglong(*m_percent)},
-                                  {ZELKPropertyMaxCapacity, qlonglong(100)}};
-        if (m_state == State::Discharging)
-            insert(properties, ZELKPropertyTimeToEmpty, m_toEmpty, line.seconds);
-        if (m_state == State::Charging)
-            insert(properties, ZELKPropertyTimeToFullCharge, m_toFull, line.seconds);
-        properties.insert(ZELKPropertyPowerSourceState, QString(sourceState(m_state)));
-        events.push_back({ZELKDate::fromSecondsSince1970(double(line.seconds)), ZELKEventPowerStateChanged,
-                          ZELKMonitorPowerSource, ZELKPropertiesText(properties)});
+        ZELKUPowerReading reading{line.seconds, *m_percent, m_state, std::nullopt};
+        if (m_state == State::Discharging || m_state == State::Charging) {
+            const Estimates &estimates = m_state == State::Charging ? m_toFull : m_toEmpty;
+            if (const auto estimate = estimates.find(line.seconds); estimate != estimates.end())
+                reading.minutes = estimate->second;
+        }
+        readings.push_back(reading);
     }
 
-    QString m_name;
     Estimates m_toEmpty;
     Estimates m_toFull;
-    std::optional<qlonglong> m_percent;
+    std::optional<int> m_percent;
     qint64 m_chargeAt = 0;
     State m_state = State::Unknown;
 };
@@ -169,9 +157,23 @@ std::string_view view(const QByteArray &bytes)
 
 } // namespace
 
-ZELKUPowerHistory::Told ZELKUPowerHistory::told(const QString &name) const
+ZELKLWAEvent ZELKUPowerReading::event(const QString &name) const
 {
-    std::size_t garbage = 0;
+    ZELKDictionary properties{{ZELKPropertyName, name},
+                              {ZELKPropertyIsPresent, true},
+                              {ZELKPropertyIsCharging, state == State::Charging},
+                              {ZELKPropertyCurrentCapacity, qlonglong(percent)},
+                              {ZELKPropertyMaxCapacity, qlonglong(100)}};
+    if (minutes)
+        properties.insert(state == State::Charging ? ZELKPropertyTimeToFullCharge : ZELKPropertyTimeToEmpty,
+                          qlonglong(*minutes));
+    properties.insert(ZELKPropertyPowerSourceState, QString(sourceState(state)));
+    return {ZELKDate::fromSecondsSince1970(double(seconds)), ZELKEventPowerStateChanged,
+            ZELKMonitorPowerSource, ZELKPropertiesText(properties)};
+}
+
+std::vector<ZELKUPowerReading> ZELKUPowerHistory::readings(std::size_t &garbage) const
+{
     std::vector<Line> lines = linesIn(view(charge), garbage);
     for (Line &line : lines)
         line.isCharge = true;
@@ -182,8 +184,9 @@ ZELKUPowerHistory::Told ZELKUPowerHistory::told(const QString &name) const
     // Within a second the charge comes first, and its state is the one that counts.
     std::stable_sort(lines.begin(), lines.end(),
                      [](const Line &a, const Line &b) { return a.seconds < b.seconds; });
-    Teller teller(name, toEmpty, toFull);
+    Teller teller(toEmpty, toFull);
     for (const Line &line : lines)
         teller.take(line);
-    return {std::move(teller.events), garbage + teller.garbage};
+    garbage += teller.garbage;
+    return std::move(teller.readings);
 }

@@ -69,7 +69,7 @@ inline void writePacked(const QString &path, const QByteArray &bytes)
         qFatal("%s cannot be written", qPrintable(path));
 }
 
-/// A journal that a real system wrote.
+/// A journal of the tests' data.
 inline QByteArray journal(const char *name)
 {
     const QByteArray path = QByteArray(ZELK_TEST_DATA "/") + name + ".journal.gz";

@@ -109,25 +109,6 @@ private Q_SLOTS:
         QCOMPARE(linesOf(ZELKSleepHistory::events(marks)), told);
     }
 
-    void refusesLines_data()
-    {
-        const Rows<QByteArray> row;
-        const QByteArray boot(32, 'a');
-        row("nothing", "");
-        row("another word", "slept " + boot + " 1 1700000000000000");
-        row("half a line", "start " + boot + " 1");
-        row("a short boot", "start aaaa 1 1700000000000000");
-        row("no number", "start " + boot + " x 1700000000000000");
-        row("before its boot", "start " + boot + " -1 1700000000000000");
-        row("before 1990", "start " + boot + " 1 1700000000");
-        row("after 2200", "start " + boot + " 1 9000000000000000");
-    }
-    void refusesLines()
-    {
-        const auto [line] = Rows<QByteArray>::fetch();
-        QVERIFY(!ZELKSleepMark::fromLine(line));
-    }
-
     void readsRealJournals()
     {
         const QTemporaryDir folder;
@@ -142,6 +123,19 @@ private Q_SLOTS:
         QCOMPARE(both.events, longSleep + threeSleeps);
         QVERIFY(both.complete);
         QCOMPARE(both.console, QStringList());
+    }
+
+    /// The kernel's own sleeps, a line that came in late, and what is none of theirs: a user's lines, other
+    /// lines of the kernel's.
+    void believesTheKernelAndRoot()
+    {
+        const QTemporaryDir folder;
+        writeFile(folder.filePath(u"some.journal"_s), journal("kernel-sleeps"));
+        const QStringList expected{
+            u"1710000100.000000 System will sleep"_s,     u"1710003700.250000 System has powered on"_s,
+            u"1710004000.000000 System will sleep"_s,     u"1710005000.500000 System will sleep"_s,
+            u"1710009000.300000 System has powered on"_s, u"1710009101.000000 System will not sleep"_s};
+        QCOMPARE(read({folder.path()}).events, expected);
     }
 
     /// Each costs a line at the most, and never another file's sleeps.
