@@ -84,6 +84,8 @@ std::optional<QString> ZELKInstaller::install(const QString &bundle, const QStri
         return problem;
     Problem problem = copyAgent(bundle, installer);
     if (!problem)
+        problem = makeUser();
+    if (!problem)
         problem = writeFiles(ZELKBundle(m_place.bundle()).executablePath());
     if (!problem)
         problem = startJob();
@@ -141,15 +143,17 @@ std::optional<QString> ZELKInstaller::writeFiles(const QString &program) const
     return std::nullopt;
 }
 
-/// The user has to be there before the bus reads its policy.
+/// Has to be there before the bus reads its policy.
+std::optional<QString> ZELKInstaller::makeUser() const
+{
+    const QString user = QStringLiteral("u %1 - \"Lullwatch recording agent\" /var/lib/lullwatch")
+                             .arg(ZELKInstalledAgent::user());
+    return execute({QStringLiteral("systemd-sysusers"), QStringLiteral("--inline"), user});
+}
+
 std::optional<QString> ZELKInstaller::startJob() const
 {
     const QString systemctl = QStringLiteral("systemctl");
-    const QString user = QStringLiteral("u %1 - \"Lullwatch recording agent\" /var/lib/lullwatch")
-                             .arg(ZELKInstalledAgent::user());
-    if (const Problem problem =
-            execute({QStringLiteral("systemd-sysusers"), QStringLiteral("--inline"), user}))
-        return problem;
     if (const Problem problem = reload())
         return problem;
     for (const QString &unit : {ZELKInstalledAgent::removalPathName(), ZELKInstalledAgent::unitName()}) {

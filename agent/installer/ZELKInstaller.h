@@ -38,6 +38,7 @@ public:
 private:
     std::optional<QString> checkBundle(const QString &bundle) const;
     std::optional<QString> copyAgent(const QString &bundle, const QString &installer) const;
+    std::optional<QString> makeUser() const;
     std::optional<QString> writeFiles(const QString &program) const;
     std::optional<QString> startJob() const;
     std::optional<QString> execute(const QStringList &command) const;

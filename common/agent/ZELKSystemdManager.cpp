@@ -97,7 +97,8 @@ std::optional<QString> ZELKSystemdManager::start(const QString &unit) const
     if (const auto problem = runJob(QStringLiteral("StartUnit"), unit))
         return problem;
     const QString state = unitProperties(unit).value(QStringLiteral("ActiveState")).toString();
-    if (state == QLatin1String("failed") || state == QLatin1String("inactive"))
+    // One that is to be started again after a failure is "activating" meanwhile.
+    if (state != QLatin1String("active"))
         return QStringLiteral("%1 did not start (%2); see: journalctl -u %1").arg(unit, state);
     return std::nullopt;
 }

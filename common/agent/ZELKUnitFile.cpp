@@ -150,8 +150,8 @@ QString ZELKUnitFile::text(const ZELKDictionary &ticket, const Surroundings &sur
 {
     QString text = QStringLiteral("# Written by Lullwatch, and removed by it.\n[Unit]\n") +
                    line("Description", plain(ticket.string(QStringLiteral("Label")))) +
-                   QLatin1String(startLimit) +
-                   QStringLiteral("\n[Service]\n") + serviceLines(ticket) + sandboxLines(surroundings);
+                   QLatin1String(startLimit) + QStringLiteral("\n[Service]\n") + serviceLines(ticket) +
+                   sandboxLines(surroundings);
     if (isTrue(ticket.value(QStringLiteral("RunAtLoad"))))
         text += QStringLiteral("\n[Install]\nWantedBy=default.target\n");
     return text;

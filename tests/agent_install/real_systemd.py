@@ -1,0 +1,228 @@
+"""Installs and removes the agent in all forms where a real systemd, bus and polkit run: in a container of this
+machine's own root, over which a temporary file system takes what is written.
+
+usage: real_systemd.py BUNDLE POLICY AGENT DRIVER
+
+BUNDLE is the main bundle with the installer, POLICY polkit's, AGENT an agent's program, DRIVER the controller's.
+Where a container cannot be made, the exit status is 77 and the reason is said.
+"""
+import contextlib
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import time
+import unittest
+
+SKIPPED = 77
+SECONDS_TO_BOOT = 40
+LABEL = "org.zelk.lullwatch.agent"
+HOME = "/usr/share/lullwatch"
+RULE = """polkit.addRule(function(action, subject) {
+    if (action.id.startsWith("org.zelk.lullwatch.") && subject.user == "may") { return polkit.Result.YES; }
+});
+"""
+SERVED = ["dbus-send", "--system", "--print-reply", f"--dest={LABEL}._service", "/org/zelk/lullwatch/agent/service"]
+
+
+class Unable(Exception):
+    """No container can be made here."""
+
+
+def run(*command, **options):
+    return subprocess.run(command, text=True, capture_output=True, check=False, **options)
+
+
+def reason_to_skip():
+    if os.geteuid() != 0:
+        return "only the administrator can make containers"
+    for program in ("systemd-nspawn", "nsenter", "pkexec", "dbus-daemon", "unshare"):
+        if not shutil.which(program):
+            return f"{program} is not installed"
+    if not pathlib.Path("/usr/lib/polkit-1/polkitd").exists():
+        return "polkitd is not installed"
+    return None
+
+
+def skip(why):
+    print(f"SKIP: {why}", flush=True)
+    return SKIPPED
+
+
+class Container:
+    """Boots in its constructor; close() ends it and takes everything away."""
+
+    def __init__(self, prepare):
+        self.stack = contextlib.ExitStack()
+        try:
+            self.boot(prepare)
+        except BaseException:
+            self.close()
+            raise
+
+    def close(self):
+        self.stack.close()
+
+    def boot(self, prepare):
+        folder = pathlib.Path("/tmp") / f"lullwatch-{os.getpid()}"
+        folder.mkdir()
+        self.stack.callback(shutil.rmtree, folder, ignore_errors=True)
+        self.mount(folder, "tmpfs", "size=1g")
+        for name in ("up", "work", "root"):
+            (folder / name).mkdir()
+        self.root = folder / "root"
+        self.mount(self.root, "overlay", f"lowerdir=/,upperdir={folder}/up,workdir={folder}/work")
+        prepare(self.root)
+        groups = self.make_groups(folder.name)
+        words = open(folder / "console", "wb")
+        self.stack.callback(words.close)
+        self.process = subprocess.Popen(
+            ["systemd-nspawn", "-D", self.root, f"--machine={folder.name}", "--register=no", "--keep-unit",
+             "--console=pipe", "--link-journal=no", "-b", "systemd.mask=postgresql.service"],
+            stdin=subprocess.DEVNULL, stdout=words, stderr=words, start_new_session=True,
+            preexec_fn=lambda: [(group / "cgroup.procs").write_text("0") for group in groups])
+        self.stack.callback(self.end)
+        self.wait(folder / "console")
+
+    def mount(self, place, kind, options):
+        if run("mount", "-t", kind, kind, place, "-o", options).returncode != 0:
+            raise Unable(f"{kind} cannot be mounted")
+        self.stack.callback(run, "umount", "-l", place)
+
+    def make_groups(self, name):
+        groups = []
+        for hierarchy in sorted(pathlib.Path("/sys/fs/cgroup").iterdir()):
+            if not hierarchy.is_symlink() and (hierarchy / "cgroup.procs").exists():
+                group = hierarchy / name
+                with contextlib.suppress(OSError):
+                    group.mkdir()
+                    if hierarchy.name == "cpuset":
+                        for setting in ("cpuset.cpus", "cpuset.mems"):
+                            (group / setting).write_text((hierarchy / setting).read_text())
+                    groups.append(group)
+                    self.stack.callback(self.remove_group, group)
+        return groups
+
+    @staticmethod
+    def remove_group(group):
+        for folder, _folders, _files in os.walk(group, topdown=False):
+            with contextlib.suppress(OSError):
+                os.rmdir(folder)
+
+    def wait(self, console):
+        end = time.monotonic() + SECONDS_TO_BOOT
+        while time.monotonic() < end and self.process.poll() is None:
+            children = pathlib.Path(f"/proc/{self.process.pid}/task/{self.process.pid}/children").read_text().split()
+            if children:
+                self.leader = children[0]
+                if self.root_run("systemctl", "is-system-running").stdout.strip() in ("running", "degraded"):
+                    return
+            time.sleep(0.1)
+        raise Unable("systemd does not start in a container here: " + console.read_text(errors="replace")[-500:])
+
+    def end(self):
+        if self.process.poll() is None and hasattr(self, "leader"):
+            self.root_run("systemctl", "poweroff")
+        try:
+            self.process.wait(10)
+        except subprocess.TimeoutExpired:
+            os.killpg(self.process.pid, signal.SIGKILL)
+            self.process.wait()
+
+    def root_run(self, *command):
+        return run("nsenter", "-t", self.leader, "-a", *command)
+
+    def user_run(self, user, *command):
+        uid = self.root_run("id", "-u", user).stdout.strip()
+        return self.root_run("runuser", "-u", user, "--", "env", "-u", "XDG_CONFIG_HOME",
+                             "-u", "XDG_DATA_HOME", f"XDG_RUNTIME_DIR=/run/user/{uid}",
+                             f"DBUS_SESSION_BUS_ADDRESS=unix:path=/run/user/{uid}/bus",
+                             f"HOME=/home/{user}", f"ZELK_MAIN_BUNDLE={HOME}", *command)
+
+
+def prepare(root):
+    bundle, policy, agent, driver = map(pathlib.Path, sys.argv[1:5])
+    home = root / HOME[1:]
+    shutil.rmtree(home, ignore_errors=True)
+    shutil.copytree(bundle, home)
+    shutil.copy(agent, home / "agents" / f"{LABEL}.app" / "lullwatch-agent")
+    shutil.copy(driver, root / "usr/bin/controller-driver")
+    actions = root / "usr/share/polkit-1/actions/org.zelk.lullwatch.policy"
+    actions.write_text(policy.read_text().replace("/usr/local/share/lullwatch", HOME))
+    rules = root / "etc/polkit-1/rules.d/10-test.rules"
+    rules.parent.mkdir(parents=True, exist_ok=True)
+    rules.write_text(RULE)
+
+
+class RealSystemd(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        try:
+            cls.container = Container(prepare)
+        except Unable as unable:
+            sys.exit(skip(unable))
+        cls.addClassCleanup(cls.container.close)
+        for user in ("may", "maynot"):
+            cls.container.root_run("useradd", "-m", user)
+            cls.container.root_run("loginctl", "enable-linger", user)
+            cls.container.root_run("systemctl", "start", f"user@{cls.uid(user)}.service")
+
+    @classmethod
+    def uid(cls, user):
+        return cls.container.root_run("id", "-u", user).stdout.strip()
+
+    def drive(self, user, *words):
+        result = self.container.user_run(user, "/usr/bin/controller-driver", *words)
+        return (result.stdout.strip() or result.stderr.strip()).splitlines()[-1]
+
+    def journal(self):
+        return self.container.root_run("journalctl", "-b", "--no-pager", "-n", "30").stdout
+
+    def expect(self, expected, user, *words):
+        self.assertEqual(self.drive(user, *words), expected, self.journal())
+
+    def test_system(self):
+        self.expect("state 1 error 0:", "may", "state")
+        refused = self.drive("maynot", "start", "2")
+        self.assertTrue(refused.startswith("state 1 error 1: "), refused)
+        self.expect("state 2 error 0:", "may", "start", "2")
+        self.expect("state 2 error 0:", "maynot", "state")
+        self.check_bus_policy()
+        refused = self.drive("maynot", "stop")
+        self.assertTrue(refused.startswith("state 2 error 3: "), refused)
+        self.expect("state 1 error 0:", "may", "stop")
+        left = self.container.root_run("sh", "-c", "ls -d /opt/lullwatch /etc/dbus-1/system.d/*lullwatch* "
+                                       "/etc/systemd/system/*lullwatch* /etc/systemd/system/*.wants/*lullwatch*")
+        self.assertEqual(left.stdout, "")
+
+    def check_bus_policy(self):
+        interface = "org.zelk.ZELKAgentServiceProtocol"
+        version = self.container.user_run("maynot", *SERVED, f"{interface}.version")
+        self.assertIn("0.1.0", version.stdout, version.stderr)
+        setting = [*SERVED, f"{interface}.setDefaultsWithDictionary", "dict:string:string:"]
+        self.assertIn("AccessDenied", self.container.user_run("may", *setting).stderr)
+        self.assertNotIn("AccessDenied", self.container.root_run(*setting).stderr)
+        owner = self.container.root_run("busctl", "status", LABEL).stdout
+        self.assertIn(f"\nUnit={LABEL}.service\n", owner)
+        self.assertNotIn("\nUID=0\n", owner)
+        exposure = self.container.root_run("systemd-analyze", "security", "--no-pager", "--threshold=15",
+                                           f"{LABEL}.service", f"{LABEL}-removal.service")
+        self.assertEqual(exposure.returncode, 0, exposure.stdout)
+
+    def test_user(self):
+        self.expect("state 3 error 0:", "maynot", "start", "3")
+        unit = f"/home/maynot/.config/systemd/user/{LABEL}.service"
+        self.assertIn("ExecStart", self.container.root_run("cat", unit).stdout)
+        self.expect("state 3 error 0:", "maynot", "state")
+        self.expect("state 1 error 0:", "maynot", "stop")
+        left = self.container.root_run("find", "/home/maynot", "-name", "*lullwatch*", "-type", "f")
+        self.assertEqual(left.stdout, "")
+
+
+if __name__ == "__main__":
+    WHY = reason_to_skip()
+    if WHY:
+        sys.exit(skip(WHY))
+    unittest.main(argv=sys.argv[:1], verbosity=2)
