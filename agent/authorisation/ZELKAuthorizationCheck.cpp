@@ -24,7 +24,7 @@ QDBusMessage credentialsOf(const QString &caller)
 }
 
 /// Calls `done` with the reply, in a guard, unless `context` is gone by then.
-void ask(QDBusConnection bus, const QDBusMessage &question, int timeout, QObject *context,
+void ask(const QDBusConnection &bus, const QDBusMessage &question, int timeout, QObject *context,
          const std::function<void(const QDBusMessage &)> &done)
 {
     auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(question, timeout), context);

@@ -28,7 +28,10 @@ public:
     virtual void requestVersion(QObject *context, const VersionHandler &answered) = 0;
     /// Blocks. Has a privileged agent delete what its installation put on the disk; `authorization` is the
     /// external form of one for the right to modify. Nothing, with the reason, when the call failed.
-    virtual std::optional<bool> removeAgentFiles(const QByteArray &authorization, QString *reason);
+    virtual std::optional<bool> removeAgentFiles(const QByteArray & /*authorization*/, QString * /*reason*/)
+    {
+        return std::nullopt;
+    }
     /// One-way. What went wrong, else nothing.
     virtual std::optional<QString> setDefaultsWithDictionary(const ZELKDictionary &defaults) = 0;
 };

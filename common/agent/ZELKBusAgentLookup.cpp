@@ -137,11 +137,6 @@ private:
 
 } // namespace
 
-std::optional<bool> ZELKAgentConnection::removeAgentFiles(const QByteArray &, QString *)
-{
-    return std::nullopt;
-}
-
 ZELKBusAgentLookup::ZELKBusAgentLookup(const QList<QDBusConnection> &buses, int timeoutMilliseconds)
     : m_buses(buses)
     , m_timeout(timeoutMilliseconds)

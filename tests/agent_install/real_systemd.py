@@ -1,9 +1,9 @@
 """Installs and removes the agent in all forms where a real systemd, bus and polkit run: in a container of this
 machine's own root, over which a temporary file system takes what is written.
 
-usage: real_systemd.py BUNDLE POLICY AGENT DRIVER
+usage: real_systemd.py BUNDLE POLICY DRIVER
 
-BUNDLE is the main bundle with the installer, POLICY polkit's, AGENT an agent's program, DRIVER the controller's.
+BUNDLE is the main bundle with installer and agent, POLICY polkit's, DRIVER a program around the controller.
 Where a container cannot be made, the exit status is 77 and the reason is said.
 """
 import contextlib
@@ -143,11 +143,10 @@ class Container:
 
 
 def prepare(root):
-    bundle, policy, agent, driver = map(pathlib.Path, sys.argv[1:5])
+    bundle, policy, driver = map(pathlib.Path, sys.argv[1:4])
     home = root / HOME[1:]
     shutil.rmtree(home, ignore_errors=True)
     shutil.copytree(bundle, home)
-    shutil.copy(agent, home / "agents" / f"{LABEL}.app" / "lullwatch-agent")
     shutil.copy(driver, root / "usr/bin/controller-driver")
     actions = root / "usr/share/polkit-1/actions/org.zelk.lullwatch.policy"
     actions.write_text(policy.read_text().replace("/usr/local/share/lullwatch", HOME))
@@ -190,6 +189,7 @@ class RealSystemd(unittest.TestCase):
         self.expect("state 2 error 0:", "may", "start", "2")
         self.expect("state 2 error 0:", "maynot", "state")
         self.check_bus_policy()
+        self.assertIn("events.db", self.container.root_run("ls", "/var/lib/lullwatch").stdout)
         refused = self.drive("maynot", "stop")
         self.assertTrue(refused.startswith("state 2 error 3: "), refused)
         self.expect("state 1 error 0:", "may", "stop")
@@ -213,12 +213,14 @@ class RealSystemd(unittest.TestCase):
 
     def test_user(self):
         self.expect("state 3 error 0:", "maynot", "start", "3")
-        unit = f"/home/maynot/.config/systemd/user/{LABEL}.service"
-        self.assertIn("ExecStart", self.container.root_run("cat", unit).stdout)
+        self.assertIn("ExecStart", self.in_home(f"cat .config/systemd/user/{LABEL}.service"))
+        self.assertIn("events.db", self.in_home(f"ls .local/share/{LABEL}"))
         self.expect("state 3 error 0:", "maynot", "state")
         self.expect("state 1 error 0:", "maynot", "stop")
-        left = self.container.root_run("find", "/home/maynot", "-name", "*lullwatch*", "-type", "f")
-        self.assertEqual(left.stdout, "")
+        self.assertEqual(self.in_home("find . -name '*lullwatch*' -type f"), "")
+
+    def in_home(self, command):
+        return self.container.root_run("sh", "-c", f"cd ~maynot && {command}").stdout
 
 
 if __name__ == "__main__":
