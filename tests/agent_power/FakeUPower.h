@@ -28,24 +28,14 @@ public:
 
     bool come() { return m_bus.registerService(QStringLiteral("org.freedesktop.UPower")); }
     void leave() { m_bus.unregisterService(QStringLiteral("org.freedesktop.UPower")); }
-    void add(const QString &path, const QVariantMap &properties)
-    {
-        devices[path] = properties;
-        send(daemonPath(), QStringLiteral("org.freedesktop.UPower"), QStringLiteral("DeviceAdded"),
-             {QVariant::fromValue(QDBusObjectPath(path))});
-    }
-    void remove(const QString &path)
-    {
-        devices.remove(path);
-        send(daemonPath(), QStringLiteral("org.freedesktop.UPower"), QStringLiteral("DeviceRemoved"),
-             {QVariant::fromValue(QDBusObjectPath(path))});
-    }
     /// Tells of `changes`, and of `unsaid` that they changed.
     void change(const QString &path, const QVariantMap &changes, const QStringList &unsaid = {})
     {
         devices[path].insert(changes);
-        send(path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"),
-             {QStringLiteral("org.freedesktop.UPower.Device"), changes, unsaid});
+        QDBusMessage signal = QDBusMessage::createSignal(
+            path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));
+        signal << QStringLiteral("org.freedesktop.UPower.Device") << changes << unsaid;
+        m_bus.send(signal);
     }
 
     QString introspect(const QString &) const override { return {}; }
@@ -70,12 +60,6 @@ private:
         for (const QString &path : devices.keys())
             list.append(QDBusObjectPath(path));
         return QVariant::fromValue(list);
-    }
-    void send(const QString &path, const QString &interface, const QString &name, const QVariantList &values)
-    {
-        QDBusMessage signal = QDBusMessage::createSignal(path, interface, name);
-        signal.setArguments(values);
-        m_bus.send(signal);
     }
 
     QDBusConnection m_bus;

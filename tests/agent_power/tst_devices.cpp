@@ -104,23 +104,10 @@ private Q_SLOTS:
         QCOMPARE(bed.lines, expected);
     }
 
-    void isQuietWithoutTheKernel()
-    {
-        Bed bed;
-        bed.kernel->isDeaf = true;
-        bed.watcher->start();
-        bed.put("ps/AC/online", "0");
-        bed.watcher->systemDidWake();
-        QCOMPARE(bed.lines, QStringList());
-    }
-
     void parses_data()
     {
         const Rows<std::string, QString> row;
-        row("nothing", std::string(), QString());
-        row("no words", std::string("change@/devices/x"), QString());
         row("of the device daemon", std::string("libudev\0\xFE\xED\0\0", 12), QString());
-        row("without a value", std::string("add@/x\0ACTION\0DEVPATH=/x", 24), QString());
         row("cut off", std::string("add@/x\0ACTION=add\0DEVPATH=/x\0SUBSYS=", 36), u"add /x "_s);
         row("whole", std::string("add@/x\0ACTION=add\0DEVPATH=/x\0SUBSYSTEM=drm\0", 43), u"add /x drm"_s);
     }
@@ -154,12 +141,9 @@ void TestDevices::tells_data()
 {
     const Rows<Story, QStringList> row;
     using Lines = QStringList;
-    row("nothing changed", Story([](Bed &bed) {
+    row("the charger goes and comes", Story([](Bed &bed) {
             for (const auto *message : {supplyChanged, dockChanged, displayPlugged})
                 bed.kernel->say(message);
-        }),
-        Lines{});
-    row("the charger goes and comes", Story([](Bed &bed) {
             bed.put("ps/AC/online", "0");
             bed.kernel->say(batteryChanged);
             bed.kernel->say(dockChanged);
@@ -211,12 +195,13 @@ void TestDevices::tells_data()
             Q_EMIT bed.kernel->lost();
         }),
         Lines{u"Device powering off, AC, AC"_s, u"Device powered on, dock.0, dock.0"_s});
-    row("stopped and started", Story([](Bed &bed) {
+    row("stopped, and nobody to hear", Story([](Bed &bed) {
             bed.watcher->stop();
             bed.put("ps/AC/online", "0");
             bed.kernel->say(supplyChanged);
+            bed.kernel->isDeaf = true;
             bed.watcher->start();
-            bed.kernel->say(supplyChanged);
+            bed.watcher->systemDidWake();
         }),
         Lines{});
 }

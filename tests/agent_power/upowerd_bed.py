@@ -17,10 +17,9 @@ import gi
 gi.require_version("UMockdev", "1.0")
 from gi.repository import UMockdev  # noqa: E402 (the version comes first)
 
-BATTERY = {"type": "Battery", "present": "1", "status": "Discharging", "scope": "System", "model_name": "PRB-1",
-           "energy_full": "60000000", "energy_full_design": "80000000", "energy_now": "48000000",
-           "power_now": "9000000", "voltage_now": "12000000", "capacity": "80"}
-MAINS = {"type": "Mains", "online": "0"}
+BATTERY = ["type", "Battery", "present", "1", "status", "Discharging", "scope", "System", "model_name", "PRB-1",
+           "energy_full", "60000000", "energy_now", "48000000", "voltage_now", "12000000", "capacity", "80"]
+MAINS = ["type", "Mains", "online", "0"]
 
 
 class Bed:
@@ -33,8 +32,7 @@ class Bed:
         self.plug("AC", MAINS)
 
     def plug(self, name, attributes):
-        flat = [text for pair in attributes.items() for text in pair]
-        self.devices[name] = self.hardware.add_device("power_supply", name, None, flat,
+        self.devices[name] = self.hardware.add_device("power_supply", name, None, attributes,
                                                       ["POWER_SUPPLY_NAME", name])
 
     def start(self):
