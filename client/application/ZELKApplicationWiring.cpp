@@ -5,6 +5,8 @@
 #include "ZELKSQLitePort.h"
 #include "ZELKServiceNames.h"
 
+#include <utility>
+
 using Notification = ZELKLWCDateRangeController::ApplicationNotification;
 
 namespace {
@@ -25,8 +27,10 @@ ZELKApplicationWiring::World ZELKApplicationWiring::World::real(const ZELKApplic
     if (!settings.knowsAgent())
         return withoutAgent();
     const QDBusConnection session = QDBusConnection::sessionBus();
-    return {ZELKAgentPorts::onBuses(QDBusConnection::systemBus(), session), session,
-            std::make_shared<ZELKSQLitePort>()};
+    const QDBusConnection system = QDBusConnection::systemBus();
+    World world{ZELKAgentPorts::onBuses(system, session), session, std::make_shared<ZELKSQLitePort>()};
+    world.systemBus = system;
+    return world;
 }
 
 ZELKApplicationWiring::World ZELKApplicationWiring::World::withoutAgent()
@@ -45,6 +49,8 @@ ZELKApplicationWiring::ZELKApplicationWiring(const ZELKApplicationSettings &sett
     connectOutlets();
     awakeFromNib();
     watchAgent(world.bus);
+    if (world.systemBus)
+        watchAgent(*world.systemBus);
 }
 
 ZELKApplicationWiring::~ZELKApplicationWiring() = default;
@@ -63,6 +69,8 @@ void ZELKApplicationWiring::connectOutlets()
     m_delegate.setLog(&m_log);
     m_delegate.setStore(m_store.get());
     m_delegate.setAgentController(&m_agentController);
+    QObject::connect(&m_agentController, &ZELKAgentController::stateChanged, &m_agentController,
+                     [this] { zelkGuard([this] { agentStateChanged(); }); });
 }
 
 void ZELKApplicationWiring::awakeFromNib()
@@ -78,19 +86,37 @@ void ZELKApplicationWiring::watchAgent(const QDBusConnection &bus)
 {
     if (!bus.isConnected())
         return;
-    m_agentWatcher.setConnection(bus);
-    m_agentWatcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
-    m_agentWatcher.addWatchedService(ZELKServiceNames::controlServiceName(m_agentController.agentName()));
-    QObject::connect(&m_agentWatcher, &QDBusServiceWatcher::serviceOwnerChanged, &m_agentController,
+    auto watcher = std::make_unique<QDBusServiceWatcher>(
+        ZELKServiceNames::controlServiceName(m_agentController.agentName()), bus);
+    QObject::connect(watcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, &m_agentController,
                      [this](const QString &, const QString &, const QString &owner) {
                          zelkGuard([&] { agentOwnerChanged(!owner.isEmpty()); });
                      });
+    m_agentWatchers.push_back(std::move(watcher));
 }
 
+/// The service of a job that died comes back when the job's manager starts it again. Then nothing has
+/// changed, and the controller, which waits for a change, would look without end.
 void ZELKApplicationWiring::agentOwnerChanged(bool isThere)
 {
-    if (isThere != m_agentController.installed() && !m_agentController.isStateChangeExpected())
-        m_agentController.expectStateChange();
+    const bool works = m_agentController.installed() && m_agentController.enabled();
+    if (isThere && works && std::exchange(m_isAgentMissing, false)) {
+        m_agentController.checkForStateChange();
+        m_agentController.forgetExpectedStateChange();
+    }
+    if (isThere == m_agentController.installed() || m_agentController.isStateChangeExpected())
+        return;
+    m_isAgentMissing = !isThere;
+    m_agentController.expectStateChange();
+}
+
+void ZELKApplicationWiring::agentStateChanged()
+{
+    const int state = m_agentController.state();
+    if (state == ZELKAgentController::Inconsistent || !std::exchange(m_isAgentMissing, false))
+        return;
+    if (state != ZELKAgentController::NotInstalled)
+        m_agentController.forgetExpectedStateChange();
 }
 
 void ZELKApplicationWiring::applicationDidFinishLaunching()

@@ -13,6 +13,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 class ZELKSQLitePort;
 
@@ -30,6 +31,8 @@ public:
         /// As the store's world has them.
         bool servesUpdates = true;
         bool setsDamagedAside = true;
+        /// Where a job of the system is watched for; nothing where it is not.
+        std::optional<QDBusConnection> systemBus = {};
 
         /// The user's session bus and the system's; without an agent for settings that know of none.
         static World real(const ZELKApplicationSettings &settings);
@@ -74,6 +77,7 @@ private:
     void awakeFromNib();
     void watchAgent(const QDBusConnection &bus);
     void agentOwnerChanged(bool isThere);
+    void agentStateChanged();
 
     ZELKApplicationSettings m_settings;
     ZELKUserDefaults m_defaults;
@@ -82,5 +86,6 @@ private:
     ZELKAgentController m_agentController;
     std::unique_ptr<ZELKLWCStore, EndStore> m_store;
     ZELKLWClientAppDelegate m_delegate;
-    QDBusServiceWatcher m_agentWatcher;
+    std::vector<std::unique_ptr<QDBusServiceWatcher>> m_agentWatchers;
+    bool m_isAgentMissing = false; // its service went, and nobody knows yet whether for good
 };

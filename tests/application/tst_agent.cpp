@@ -1,5 +1,6 @@
-#include "ApplicationFixture.h"
+#include "AgentBed.h"
 #include "ConsoleLines.h"
+#include "ZELKServiceNames.h"
 #include "ZELKSessionWorkspace.h"
 #include "ZELKWindowSession.h"
 
@@ -81,6 +82,36 @@ private Q_SLOTS:
         clickStartStop();
         QTRY_COMPARE_WITH_TIMEOUT(text("stateLabel"), u"Not installed"_s, 20000);
         end();
+    }
+
+    /// A job whose manager starts it again, once seen to be gone and once too quickly for that.
+    void jobDiesAndComesBack()
+    {
+        AgentBed bed;
+        bed.world.systemBus = QDBusConnection::systemBus();
+        bed.services->jobs[0].insert(AgentBed::agentName());
+        bed.letServiceAnswer(true);
+        const QString service = ZELKServiceNames::controlServiceName(AgentBed::agentName());
+        QVERIFY(bed.world.systemBus->registerService(service));
+        ZELKApplicationWiring wiring(bed.settings(), bed.world);
+        ZELKAgentController &agent = wiring.agentController();
+        QDBusServiceWatcher watcher(service, *bed.world.systemBus);
+        const QSignalSpy changes(&watcher, &QDBusServiceWatcher::serviceOwnerChanged);
+
+        bed.letServiceAnswer(false);
+        bed.world.systemBus->unregisterService(service);
+        QTRY_COMPARE(agent.state(), int(ZELKAgentController::Inconsistent));
+        bed.letServiceAnswer(true);
+        bed.world.systemBus->registerService(service);
+        QTRY_COMPARE(agent.state(), int(ZELKAgentController::PrivilegedJob));
+        QVERIFY(!agent.isStateChangeExpected());
+
+        bed.world.systemBus->unregisterService(service);
+        bed.world.systemBus->registerService(service);
+        QTRY_COMPARE(changes.count(), 4);
+        QVERIFY(!agent.isStateChangeExpected());
+        QCOMPARE(agent.state(), int(ZELKAgentController::PrivilegedJob));
+        bed.world.systemBus->unregisterService(service);
     }
 
 private:
