@@ -1,6 +1,6 @@
 // The agent controller from the command line.
 //
-//   controller-driver state | stop | start FORM
+//   controller-driver state | stop | start FORM | update
 //
 // Prints "state S error E: TEXT" when the state has settled; E is 0 and TEXT empty when all went well.
 #include "ZELKAgentController.h"
@@ -24,10 +24,14 @@ int main(int argc, char **argv)
         ZELKAgentPorts::onBuses(QDBusConnection::systemBus(), QDBusConnection::sessionBus()));
     const QStringList words = QCoreApplication::arguments();
     std::optional<ZELKAgentError> error;
+    QObject::connect(&controller, &ZELKAgentController::errorPresented,
+                     [&](const ZELKAgentError &presented) { error = presented; });
     if (words.value(1) == "start"_L1)
         error = controller.startWithState(words.value(2).toInt());
     else if (words.value(1) == "stop"_L1)
         error = controller.stop();
+    else if (words.value(1) == "update"_L1)
+        controller.updateAgent();
     const QDeadlineTimer limit(10000);
     while (controller.isStateChangeExpected() && !limit.hasExpired())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);

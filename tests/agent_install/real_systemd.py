@@ -9,6 +9,7 @@ Where a container cannot be made, the exit status is 77 and the reason is said.
 import contextlib
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -190,6 +191,7 @@ class RealSystemd(unittest.TestCase):
         self.expect("state 2 error 0:", "maynot", "state")
         self.check_bus_policy()
         self.assertIn("events.db", self.container.root_run("ls", "/var/lib/lullwatch").stdout)
+        self.update("may", "2")
         refused = self.drive("maynot", "stop")
         self.assertTrue(refused.startswith("state 2 error 3: "), refused)
         self.expect("state 1 error 0:", "may", "stop")
@@ -216,8 +218,21 @@ class RealSystemd(unittest.TestCase):
         self.assertIn("ExecStart", self.in_home(f"cat .config/systemd/user/{LABEL}.service"))
         self.assertIn("events.db", self.in_home(f"ls .local/share/{LABEL}"))
         self.expect("state 3 error 0:", "maynot", "state")
+        self.update("maynot", "3")
         self.expect("state 1 error 0:", "maynot", "stop")
         self.assertEqual(self.in_home("find . -name '*lullwatch*' -type f"), "")
+
+    def update(self, user, form):
+        """An application of another version brings its own agent, which is another process."""
+        process = ["pgrep", "-u", "lullwatch" if form == "2" else user, "lullwatch-agent"]
+        before = self.container.root_run(*process).stdout
+        info = self.container.root / HOME[1:] / "Info.plist"
+        text = info.read_text()
+        info.write_text(re.sub(r"(CFBundleVersion</key>\s*<string>)[^<]*", r"\g<1>other", text))
+        self.expect(f"state {form} error 0:", user, "update")
+        info.write_text(text)
+        after = self.container.root_run(*process).stdout
+        self.assertTrue(before and after and before != after, (before, after))
 
     def in_home(self, command):
         return self.container.root_run("sh", "-c", f"cd ~maynot && {command}").stdout
