@@ -84,6 +84,7 @@ void ZELKAgentAlertDialog::addAccessory(const ZELKAgentAlert &alert, const ZELKA
 void ZELKAgentAlertDialog::addButtons(const ZELKAgentAlert &alert, QGridLayout &layout)
 {
     auto *row = new QHBoxLayout;
+    layout.addLayout(row, ButtonsRow, IconColumn, 1, 2);
     row->setSpacing(fontMetrics().height() / 2);
     row->setContentsMargins(0, fontMetrics().height() / 2, 0, 0);
     addHelpButton(alert.helpAnchor, *row);
@@ -97,7 +98,6 @@ void ZELKAgentAlertDialog::addButtons(const ZELKAgentAlert &alert, QGridLayout &
         row->addWidget(button);
         m_buttons.append(button);
     }
-    layout.addLayout(row, ButtonsRow, IconColumn, 1, 2);
 }
 
 void ZELKAgentAlertDialog::addHelpButton(const QString &anchor, QHBoxLayout &row)
