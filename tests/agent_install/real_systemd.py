@@ -1,12 +1,13 @@
 """Installs and removes the agent in all forms where a real systemd, bus and polkit run: in a container of this
 machine's own root, over which a temporary file system takes what is written.
 
-usage: real_systemd.py BUNDLE POLICY DRIVER
+usage: real_systemd.py BUNDLE POLICY LULLWATCH
 
-BUNDLE is the main bundle with installer and agent, POLICY polkit's, DRIVER a program around the controller.
+BUNDLE is the main bundle with installer and agent, POLICY polkit's, LULLWATCH the program.
 Where a container cannot be made, the exit status is 77 and the reason is said.
 """
 import contextlib
+import json
 import os
 import pathlib
 import re
@@ -144,11 +145,11 @@ class Container:
 
 
 def prepare(root):
-    bundle, policy, driver = map(pathlib.Path, sys.argv[1:4])
+    bundle, policy, program = map(pathlib.Path, sys.argv[1:4])
     home = root / HOME[1:]
     shutil.rmtree(home, ignore_errors=True)
     shutil.copytree(bundle, home)
-    shutil.copy(driver, root / "usr/bin/controller-driver")
+    shutil.copy(program, root / "usr/bin/lullwatch")
     actions = root / "usr/share/polkit-1/actions/org.zelk.lullwatch.policy"
     actions.write_text(policy.read_text().replace("/usr/local/share/lullwatch", HOME))
     rules = root / "etc/polkit-1/rules.d/10-test.rules"
@@ -173,28 +174,34 @@ class RealSystemd(unittest.TestCase):
     def uid(cls, user):
         return cls.container.root_run("id", "-u", user).stdout.strip()
 
-    def drive(self, user, *words):
-        result = self.container.user_run(user, "/usr/bin/controller-driver", *words)
-        return (result.stdout.strip() or result.stderr.strip()).splitlines()[-1]
+    def agent(self, user, *words):
+        return self.container.user_run(user, "/usr/bin/lullwatch", "agent", *words)
+
+    def status(self, user):
+        return json.loads(self.agent(user, "status", "--format", "json").stdout)["state"]
+
+    def succeed(self, state, user, *words):
+        result = self.agent(user, *words)
+        self.assertEqual((result.returncode, self.status(user)), (0, state), result.stderr + self.journal())
+
+    def refuse(self, state, user, *words):
+        result = self.agent(user, *words)
+        self.assertEqual((result.returncode, self.status(user)), (1, state), result.stderr + self.journal())
+        self.assertIn("you were not given the right", result.stderr)
 
     def journal(self):
         return self.container.root_run("journalctl", "-b", "--no-pager", "-n", "30").stdout
 
-    def expect(self, expected, user, *words):
-        self.assertEqual(self.drive(user, *words), expected, self.journal())
-
     def test_system(self):
-        self.expect("state 1 error 0:", "may", "state")
-        refused = self.drive("maynot", "start", "2")
-        self.assertTrue(refused.startswith("state 1 error 1: "), refused)
-        self.expect("state 2 error 0:", "may", "start", "2")
-        self.expect("state 2 error 0:", "maynot", "state")
+        self.assertEqual(self.status("may"), 1)
+        self.refuse(1, "maynot", "install", "--as", "system")
+        self.succeed(2, "may", "install", "--as", "system")
+        self.assertEqual(self.status("maynot"), 2)
         self.check_bus_policy()
         self.assertIn("events.db", self.container.root_run("ls", "/var/lib/lullwatch").stdout)
-        self.update("may", "2")
-        refused = self.drive("maynot", "stop")
-        self.assertTrue(refused.startswith("state 2 error 3: "), refused)
-        self.expect("state 1 error 0:", "may", "stop")
+        self.update("may", 2)
+        self.refuse(2, "maynot", "remove")
+        self.succeed(1, "may", "remove")
         left = self.container.root_run("sh", "-c", "ls -d /opt/lullwatch /etc/dbus-1/system.d/*lullwatch* "
                                        "/etc/systemd/system/*lullwatch* /etc/systemd/system/*.wants/*lullwatch*")
         self.assertEqual(left.stdout, "")
@@ -214,22 +221,21 @@ class RealSystemd(unittest.TestCase):
         self.assertEqual(exposure.returncode, 0, exposure.stdout)
 
     def test_user(self):
-        self.expect("state 3 error 0:", "maynot", "start", "3")
+        self.succeed(3, "maynot", "install", "--as", "user")
         self.assertIn("ExecStart", self.in_home(f"cat .config/systemd/user/{LABEL}.service"))
         self.assertIn("events.db", self.in_home(f"ls .local/share/{LABEL}"))
-        self.expect("state 3 error 0:", "maynot", "state")
-        self.update("maynot", "3")
-        self.expect("state 1 error 0:", "maynot", "stop")
+        self.update("maynot", 3)
+        self.succeed(1, "maynot", "remove")
         self.assertEqual(self.in_home("find . -name '*lullwatch*' -type f"), "")
 
     def update(self, user, form):
         """An application of another version brings its own agent, which is another process."""
-        process = ["pgrep", "-u", "lullwatch" if form == "2" else user, "lullwatch-agent"]
+        process = ["pgrep", "-u", "lullwatch" if form == 2 else user, "lullwatch-agent"]
         before = self.container.root_run(*process).stdout
         info = self.container.root / HOME[1:] / "Info.plist"
         text = info.read_text()
         info.write_text(re.sub(r"(CFBundleVersion</key>\s*<string>)[^<]*", r"\g<1>other", text))
-        self.expect(f"state {form} error 0:", user, "update")
+        self.succeed(form, user, "update")
         info.write_text(text)
         after = self.container.root_run(*process).stdout
         self.assertTrue(before and after and before != after, (before, after))
