@@ -12,10 +12,15 @@ namespace {
 
 using Agent = ZELKAgentController;
 
-/// A service may be there that does not tell its version.
+/// What the controller says of a service that is there but did not tell its version when it was asked.
+bool isMute(const QString &version)
+{
+    return version == QLatin1String("0");
+}
+
 bool isKnown(const QString &version)
 {
-    return !version.isEmpty() && version != QLatin1String("0");
+    return !version.isEmpty() && !isMute(version);
 }
 
 } // namespace
@@ -46,6 +51,12 @@ bool ZELKAgentCommand::run(const ZELKAgentRequest &request)
 
 // MARK: status
 
+/// The controller counts a mute service as there, so that it can be replaced; to its user it does not answer.
+bool ZELKAgentCommand::isAnswering() const
+{
+    return !m_agent.agentVersion().isNull() && !isMute(m_agent.agentVersion());
+}
+
 bool ZELKAgentCommand::status(bool asJson)
 {
     const QString version = m_agent.agentVersion();
@@ -59,7 +70,7 @@ bool ZELKAgentCommand::status(bool asJson)
         QByteArray json;
         ZELKEntryJson::appendValue(json, QVariant::fromValue(values));
         print(QString::fromUtf8(json));
-        return works();
+        return works() && isAnswering();
     }
     print(ZELKFormat(ZELKCommandLineText("State:    %@"), {m_agent.localisedState()}));
     print(ZELKFormat(ZELKCommandLineText("Version:  %@"),
@@ -69,7 +80,7 @@ bool ZELKAgentCommand::status(bool asJson)
     if (m_agent.canUpdate())
         print(
             ZELKCommandLineText("\"lullwatch agent update\" replaces it by the agent of this application."));
-    return works();
+    return works() && isAnswering();
 }
 
 // MARK: install

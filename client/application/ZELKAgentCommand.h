@@ -48,7 +48,7 @@ private:
     bool update();
 
     bool works() const { return m_agent.installed() && m_agent.enabled(); }
-    bool isAnswering() const { return !m_agent.agentVersion().isNull(); }
+    bool isAnswering() const;
     bool settle(bool endsWhenGone = false);
     bool told(const std::optional<ZELKAgentError> &error);
     void printState();

@@ -28,6 +28,11 @@ void silentUserJob(AgentBed &bed)
 {
     bed.services->jobs[1].insert(AgentBed::agentName());
 }
+void muteUserJob(AgentBed &bed)
+{
+    userJob(bed);
+    bed.lookup->version.reset();
+}
 void stuckUserJob(AgentBed &bed)
 {
     userJob(bed);
@@ -102,6 +107,9 @@ private Q_SLOTS:
         row("status of stray", strayService, "status --format json", false,
             "{\"state\": 6, \"localisedState\": \"Recording agent not working properly\", "
             "\"version\": \"VERSION\", \"answers\": true, \"canUpdate\": false}\n");
+        row("status of mute", muteUserJob, "status", false,
+            "State:    Recording for this user\nVersion:  unknown\nAnswers:  no\n"
+            "\"lullwatch agent update\" replaces it by the agent of this application.\n");
         row("status of old", oldUserJob, "status", true,
             "State:    Recording for this user\nVersion:  0.0.1\nAnswers:  yes\n"
             "\"lullwatch agent update\" replaces it by the agent of this application.\n");
