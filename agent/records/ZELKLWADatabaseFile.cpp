@@ -20,12 +20,18 @@ std::optional<ZELKLWADatabaseFile::Fault> ZELKLWADatabaseFile::tryScript(const Q
     sqlite3 *database = nullptr;
     int code = m_port->open(QFile::encodeName(m_path).constData(), &database);
     QString message;
-    if (code == SQLITE_OK) {
+    const auto run = [&](const char *statements) {
         char *error = nullptr;
-        code = m_port->exec(database, sql.toUtf8().constData(), &error);
+        code = m_port->exec(database, statements, &error);
         message = QString::fromUtf8(error);
         m_port->free(error);
-    }
+        return code == SQLITE_OK;
+    };
+    // That statement has no fault of its own, so it tells of a header that names a format there is not.
+    if (code == SQLITE_OK && !run("SELECT count(*) FROM sqlite_schema") && code == SQLITE_ERROR)
+        code = SQLITE_NOTADB;
+    if (code == SQLITE_OK)
+        run(sql.toUtf8().constData());
     if (code != SQLITE_OK && message.isEmpty())
         message = database ? QString::fromUtf8(m_port->errmsg(database)) : QStringLiteral("out of memory");
     m_port->close(database);

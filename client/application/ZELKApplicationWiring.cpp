@@ -15,6 +15,8 @@ ZELKLWCStore::World storeWorld(const ZELKApplicationSettings &settings,
                                const ZELKApplicationWiring::World &world)
 {
     ZELKLWCStore::World store{settings.bundle, world.sqlite, world.bus, settings.cacheFile()};
+    if (world.systemBus)
+        store.systemBus = *world.systemBus;
     store.servesUpdates = world.servesUpdates;
     store.setsDamagedAside = world.setsDamagedAside;
     return store;

@@ -28,6 +28,8 @@ public:
     /// The name is still owned by the one it was when this was looked up.
     bool isValid() const;
 
+    bool isOn(const QDBusConnection &bus) const { return m_bus.name() == bus.name(); }
+
     /// One-way.
     void registerForEventUpdates(const QString &serviceName);
     /// Dates are inclusive. Not answered when this object is destroyed first.

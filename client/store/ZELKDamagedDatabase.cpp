@@ -16,6 +16,7 @@ namespace {
 // SQLite's primary result codes.
 constexpr int sqliteCorrupt = 11;
 constexpr int sqliteNotADatabase = 26;
+constexpr int sqliteError = 1; // of a statement without a fault: the header names a format that there is not
 
 // With its closing NUL.
 constexpr std::array sqliteHeader = std::to_array("SQLite format 3");
@@ -48,7 +49,7 @@ bool ZELKDamagedDatabase::isDamaged(ZELKSQLitePort &port, const QString &path)
         port.free(error);
     }
     port.close(probe);
-    return isToldBy(code);
+    return isToldBy(code) || code == sqliteError;
 }
 
 void ZELKDamagedDatabase::setAside(const QString &path)

@@ -30,6 +30,7 @@ ZELKLWCStore::ZELKLWCStore(const World &world, QObject *parent)
     : QObject(parent)
     , ZELKLWCStoreCache(world.bundle, world.sqlite, world.databaseFile, world.setsDamagedAside)
     , m_bus(world.bus)
+    , m_systemBus(world.systemBus)
     , m_agentLimit(world.agentLimit)
     , m_servesUpdates(world.servesUpdates)
 {
@@ -103,8 +104,17 @@ void ZELKLWCStore::registerUpdateConnection()
     auto service = std::make_unique<ZELKLWCUpdateService>([this] { eventsDidChange(); });
     m_updateConnection = service->registerOn(m_bus, ZELKServiceNames::storeServicePath()) &&
                          m_bus.registerService(updateIdentifier());
-    if (m_updateConnection)
-        m_updateService = std::move(service);
+    if (!m_updateConnection)
+        return;
+    service->registerOn(m_systemBus, ZELKServiceNames::storeServicePath());
+    m_updateService = std::move(service);
+}
+
+/// A name on the system bus is one for the whole machine, and not for a user to own; there the agent calls
+/// back the connection itself.
+QString ZELKLWCStore::callBackName()
+{
+    return m_agentConnection->isOn(m_systemBus) ? m_systemBus.baseService() : updateIdentifier();
 }
 
 ZELKAgentEventService *ZELKLWCStore::agentConnection()
@@ -113,7 +123,11 @@ ZELKAgentEventService *ZELKLWCStore::agentConnection()
         return m_agentConnection.get();
     if (!m_fetch)
         m_fetching = false; // a request that waits goes with its connection
-    m_agentConnection = ZELKAgentEventService::lookUp(m_bus, m_agentController->agentName(), m_agentLimit);
+    for (const QDBusConnection *bus : {&m_systemBus, &m_bus}) {
+        m_agentConnection = ZELKAgentEventService::lookUp(*bus, m_agentController->agentName(), m_agentLimit);
+        if (m_agentConnection)
+            break;
+    }
     return m_agentConnection.get();
 }
 
@@ -154,7 +168,7 @@ void ZELKLWCStore::fetchAgentEvents()
         return;
     }
     if (m_servesUpdates)
-        agent->registerForEventUpdates(updateIdentifier());
+        agent->registerForEventUpdates(callBackName());
     if (m_fetching) {
         m_fetchAgain = true;
         return;

@@ -35,7 +35,7 @@ public:
     {
         std::shared_ptr<const ZELKBundle> bundle;
         std::shared_ptr<ZELKSQLitePort> sqlite;
-        /// Where the store serves and the agent is met; an unconnected one means neither.
+        /// Where the store serves and the user's agent is met; an unconnected one means neither.
         QDBusConnection bus;
         /// The cache's file; empty for the one in the user's documents folder.
         QString databaseFile = {};
@@ -46,6 +46,8 @@ public:
         bool servesUpdates = true;
         /// A damaged cache makes room for a new one; else it stays where it is, and is only told of.
         bool setsDamagedAside = true;
+        /// Where the agent for all users is met, which comes first.
+        QDBusConnection systemBus = QDBusConnection(QString());
     };
 
     /// Serves the call-back on the bus. When the name is taken there (another copy of the application) there
@@ -105,6 +107,7 @@ private:
     void registerUpdateConnection();
     void endAgentConnection();
     ZELKAgentEventService *agentConnection();
+    QString callBackName();
     void beginReading(const QDBusUnixFileDescriptor &events);
     bool takeFetchedEvent(std::string_view event);
     std::optional<CacheRow> rowForFetchedEvent(std::string_view event);
@@ -112,6 +115,7 @@ private:
     void endFetch(bool complete);
 
     QDBusConnection m_bus;
+    QDBusConnection m_systemBus;
     int m_agentLimit;
     bool m_servesUpdates;
     ZELKAgentController *m_agentController = nullptr;

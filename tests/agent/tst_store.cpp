@@ -144,20 +144,21 @@ private Q_SLOTS:
 
     void beginsAnewBesideADamagedFile_data()
     {
-        const Rows<bool, qint64> row;
-        row("no database, when it is opened", false, 0);
-        row("broken pages, when it is opened", false, 100);
-        row("broken pages, while it is open", true, 100);
+        const Rows<bool, qint64, qint64> row;
+        row("no database, when it is opened", false, 0, 1000000);
+        row("format of another time, when it is opened", false, 44, 4);
+        row("broken pages, when it is opened", false, 100, 1000000);
+        row("broken pages, while it is open", true, 100, 1000000);
     }
     void beginsAnewBesideADamagedFile()
     {
-        const auto [open, from] = Rows<bool, qint64>::fetch();
+        const auto [open, from, count] = Rows<bool, qint64, qint64>::fetch();
         makeStore()->record({eventAt(1, "lost")});
         auto store = makeStore();
         if (open)
             QVERIFY(store->database());
-        const QByteArray before = readFile(path());
-        const QByteArray damaged = before.left(from) + QByteArray(before.size() - from, '\xA5');
+        QByteArray damaged = readFile(path());
+        std::fill_n(damaged.begin() + from, std::min<qint64>(count, damaged.size() - from), '\xA5');
         writeFile(path(), damaged);
 
         const ConsoleLines console;

@@ -32,8 +32,8 @@ public:
     };
     using Answer = std::function<void(const QDBusMessage &call)>;
 
-    FakeAgent()
-        : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"agent"_s))
+    explicit FakeAgent(QDBusConnection::BusType bus = QDBusConnection::SessionBus)
+        : m_bus(QDBusConnection::connectToBus(bus, u"agent"_s))
     {
         m_bus.registerObject(ZELKServiceNames::eventServicePath(), this, QDBusConnection::ExportAllSlots);
         m_bus.registerService(u"org.zelk.lullwatch.agent"_s);

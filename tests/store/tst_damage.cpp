@@ -28,6 +28,7 @@ private Q_SLOTS:
         row("no database", [](QByteArray &file) { file = "Dear diary"; });
         row("zeros", [](QByteArray &file) { file.fill('\0'); });
         row("cut in the header", [](QByteArray &file) { file.truncate(60); });
+        row("format of another time", [](QByteArray &file) { std::fill_n(file.begin() + 44, 4, '\x09'); });
         row("cut in the schema", [](QByteArray &file) { file.truncate(9000); });
         row("schema", [](QByteArray &file) { std::fill(file.begin() + 100, file.begin() + 16384, '\x55'); });
         row("schema texts",

@@ -47,6 +47,31 @@ class StoreSynchronisationTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    /// There a name is one for the whole machine, so the agent is given the connection's own.
+    void meetsTheAgentForAllUsersOnTheSystemBus()
+    {
+        const ConsoleLines console;
+        FakeAgent agent(QDBusConnection::SystemBus);
+        agent.events = history(5);
+        StoreFixture fixture(StoreFixture::sessionBus());
+        const auto system = QDBusConnection::connectToBus(QDBusConnection::SystemBus, u"system"_s);
+        fixture.store.reset();
+        ZELKLWCStore::World world{fixture.bundle, fixture.sqlite, fixture.bus, fixture.file()};
+        world.systemBus = system;
+        fixture.store = std::make_unique<ZELKLWCStore>(world);
+        fixture.store->setAgentController(&fixture.controller);
+        fixture.store->setLogController(&fixture.log);
+        fixture.store->awakeFromNib();
+        QVERIFY(fixture.fetch());
+        QTRY_COMPARE(agent.registrations, QStringList{system.baseService()});
+        agent.bus().send(agent.call(qPrintable(system.baseService()),
+                                    qPrintable(ZELKServiceNames::storeServicePath()),
+                                    "org.zelk.lullwatch.ZELKLWAUpdateProtocol", "eventsDidChange"));
+        QTRY_COMPARE(agent.questions.size(), 2);
+        fixture.store.reset();
+        QDBusConnection::disconnectFromBus(u"system"_s);
+    }
+
     void theFirstFetchAndTheNext()
     {
         const ConsoleLines console;
