@@ -69,7 +69,8 @@ private Q_SLOTS:
         const auto [returnCode, tag, state] = Rows<int, int, int>::fetch();
         InstallFixture world;
         ZELKAgentController controller(world.ports());
-        const QString fault = raised([&] { controller.installAlertDidEnd(returnCode, tag); });
+        const QString fault = raised(
+            [&controller, code = returnCode, place = tag] { controller.installAlertDidEnd(code, place); });
         const bool isFault = returnCode == 1000 && state == 1;
         QCOMPARE(fault, isFault ? u"ZELKAgentController unknown location tag: %1"_s.arg(tag) : QString());
         QCOMPARE(controller.state(), state);
