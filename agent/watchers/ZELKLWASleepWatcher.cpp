@@ -103,7 +103,7 @@ void ZELKLWASleepWatcher::checkClocks()
 void ZELKLWASleepWatcher::logindDidArrive()
 {
     checkClocks();
-    m_logind.takeLock();
+    m_logind.takeLocks();
     m_logind.requestIdleHint([this](bool isIdle, std::optional<ZELKDate>) { m_idle.begin(isIdle); });
 }
 
@@ -111,7 +111,7 @@ void ZELKLWASleepWatcher::prepareForSleep(bool begins)
 {
     tell(m_sleep.prepareForSleep(begins, now()));
     if (begins)
-        m_logind.releaseLock();
+        m_logind.releaseLocks();
     else
         retakeLock();
 }
@@ -130,7 +130,7 @@ void ZELKLWASleepWatcher::prepareForShutdown(bool begins, std::optional<ZELKShut
     if (isNews && kind)
         tell(m_shutdown.decide(kind));
     if (!m_shutdown.isUndecided())
-        m_logind.releaseLock();
+        m_logind.releaseLocks();
     else if (isNews)
         m_jobs.requestShutdownKind(
             [this](const ZELKManagerJobs::Answer &answer) { shutdownKindDidArrive(answer); });
@@ -144,7 +144,7 @@ void ZELKLWASleepWatcher::shutdownKindDidArrive(const ZELKManagerJobs::Answer &a
         tell(m_shutdown.decide(answer.kind));
     else
         m_jobLimit.start();
-    m_logind.releaseLock();
+    m_logind.releaseLocks();
 }
 
 void ZELKLWASleepWatcher::shutdownJobDidStart(ZELKShutdownKind kind)
@@ -153,7 +153,7 @@ void ZELKLWASleepWatcher::shutdownJobDidStart(ZELKShutdownKind kind)
     tell(m_sleep.observe(moment));
     m_jobLimit.stop();
     tell(m_shutdown.jobDidStart(kind, moment));
-    m_logind.releaseLock();
+    m_logind.releaseLocks();
 }
 
 void ZELKLWASleepWatcher::idleHintDidChange()
@@ -174,6 +174,6 @@ void ZELKLWASleepWatcher::idleHintDidChange()
 /// Not while what the lock would delay is on its way; then it comes with the next sign of life.
 void ZELKLWASleepWatcher::retakeLock()
 {
-    if (!m_logind.holdsLock() && !m_sleep.isSleeping() && !m_shutdown.isComing(now()))
-        m_logind.takeLock();
+    if (!m_logind.holdsLocks() && !m_sleep.isSleeping() && !m_shutdown.isComing(now()))
+        m_logind.takeLocks();
 }

@@ -39,7 +39,7 @@ public:
     /// Lets the lock go. Records a shut-down that has no kind yet, after asking for it a last time.
     void stop() override;
 
-    bool holdsLock() const { return m_logind.holdsLock(); }
+    bool holdsLocks() const { return m_logind.holdsLocks(); }
 
 public Q_SLOTS:
     /// For whatever else shows that the machine is awake.

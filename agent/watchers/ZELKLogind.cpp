@@ -38,6 +38,8 @@ ZELKLogind::ZELKLogind(const QDBusConnection &systemBus, QObject *parent)
     : QObject(parent)
     , m_bus(systemBus)
     , m_service(service, m_bus, QDBusServiceWatcher::WatchForOwnerChange)
+    , m_sleepLock(m_bus, QStringLiteral("sleep"))
+    , m_shutdownLock(m_bus, QStringLiteral("shutdown"))
 {
     connect(&m_service, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString &, const QString &, const QString &owner) {
@@ -50,7 +52,6 @@ void ZELKLogind::start()
     if (m_running)
         return;
     m_running = true;
-    m_complained = false;
     connectSignals(true);
     ZELKBusCall::askForOwner(m_bus, service, this, [this](bool isThere) { setThere(isThere); });
 }
@@ -61,7 +62,7 @@ void ZELKLogind::stop()
         return;
     m_running = m_isThere = false;
     connectSignals(false);
-    releaseLock();
+    releaseLocks();
 }
 
 void ZELKLogind::connectSignals(bool connects)
@@ -81,12 +82,13 @@ void ZELKLogind::connectSignals(bool connects)
            SLOT(propertiesDidChange(QString, QVariantMap, QStringList)));
 }
 
-/// The lock of one that left is kept until its successor's is there: logind restarted by an upgrade takes the
-/// old locks over.
+/// The locks of one that left are kept until its successor's are there: logind restarted by an upgrade takes
+/// the old locks over.
 void ZELKLogind::setThere(bool isThere)
 {
     m_isThere = isThere && m_running;
-    m_requested = m_denied = false;
+    m_sleepLock.forget();
+    m_shutdownLock.forget();
     if (m_isThere)
         Q_EMIT arrived();
 }
@@ -120,40 +122,25 @@ void ZELKLogind::propertiesDidChange(const QString &interface, const QVariantMap
     });
 }
 
-void ZELKLogind::takeLock()
+void ZELKLogind::takeLocks()
 {
-    if (!m_isThere || m_requested || m_denied)
+    if (!m_isThere)
         return;
-    m_requested = true;
-    QDBusMessage inhibit = managerCall("Inhibit");
-    inhibit << QStringLiteral("sleep:shutdown") << QStringLiteral("Lullwatch")
-            << QStringLiteral("Records sleep and shut-down") << QStringLiteral("delay");
-    ZELKBusCall::send(m_bus, inhibit, this, [this, request = ++m_request](const QDBusMessage &answer) {
-        if (request == m_request && m_requested)
-            lockDidArrive(answer);
-    });
+    m_sleepLock.take();
+    m_shutdownLock.take();
 }
 
-void ZELKLogind::lockDidArrive(const QDBusMessage &answer)
+void ZELKLogind::releaseLocks()
 {
-    m_requested = false;
-    if (answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String("h")) {
-        m_lock = answer.arguments().constFirst().value<QDBusUnixFileDescriptor>();
-        m_complained = false;
-        return;
-    }
-    const bool busy = answer.errorName() == QLatin1String("org.freedesktop.login1.OperationInProgress");
-    m_denied = !busy;
-    if (m_denied && !m_complained)
-        ZELKConsole::log(ZELKFormat("logind gave no lock to delay sleep: %@", {answer.errorMessage()}));
-    m_complained = m_complained || m_denied;
+    m_sleepLock.release();
+    m_shutdownLock.release();
 }
 
-/// A default-constructed descriptor, since setting an invalid number keeps the old one open.
-void ZELKLogind::releaseLock()
+bool ZELKLogind::holdsLocks() const
 {
-    m_requested = m_denied = false;
-    m_lock = QDBusUnixFileDescriptor();
+    const auto settled = [](const ZELKDelayLock &lock) { return lock.isHeld() || lock.isDenied(); };
+    return settled(m_sleepLock) && settled(m_shutdownLock) &&
+           (m_sleepLock.isHeld() || m_shutdownLock.isHeld());
 }
 
 /// While somebody blocks idleness, logind's own hint says that nothing idles; then the seat is asked, which

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "ZELKDelayLock.h"
 #include "ZELKIdleStates.h"
 #include "ZELKShutdownStates.h"
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
-#include <QDBusUnixFileDescriptor>
 #include <QObject>
 
 #include <functional>
@@ -13,7 +13,7 @@
 #include <vector>
 
 /// The login manager (org.freedesktop.login1) as the agent needs it: told before the system sleeps or ends,
-/// it holds a lock meanwhile that delays both until what there was to say is on disk.
+/// it holds locks meanwhile that delay both until what there was to say is on disk.
 class ZELKLogind : public QObject
 {
     Q_OBJECT
@@ -25,13 +25,11 @@ public:
     void start();
     void stop();
 
-    /// Asks for the lock; one that is held is kept until the new one is there. logind refuses while what the
-    /// lock would delay goes on: ask again later. A denial for another reason is one console line, and stands
-    /// until the next release or the next logind.
-    void takeLock();
-    /// Lets go on what waits for us. An answer that is on its way is thrown away.
-    void releaseLock();
-    bool holdsLock() const { return m_lock.isValid(); }
+    /// Both locks, that on sleep and that on shut-down; see ZELKDelayLock.
+    void takeLocks();
+    void releaseLocks();
+    /// All that logind gives us.
+    bool holdsLocks() const;
 
     /// Neither is answered when logind does not answer sensibly; one console line tells so.
     using IdleAnswer = std::function<void(bool isIdle, std::optional<ZELKDate> since)>;
@@ -58,19 +56,14 @@ private Q_SLOTS:
 private:
     void connectSignals(bool connects);
     void setThere(bool isThere);
-    void lockDidArrive(const QDBusMessage &answer);
     void requestSeatIdleHint(const IdleAnswer &answered);
 
     QDBusConnection m_bus;
     QDBusServiceWatcher m_service;
-    QDBusUnixFileDescriptor m_lock;
+    ZELKDelayLock m_sleepLock;
+    ZELKDelayLock m_shutdownLock;
     /// Told ahead of the plain signal, by newer logind.
     std::optional<ZELKShutdownKind> m_shutdownKind;
     bool m_running = false;
     bool m_isThere = false;
-    /// Counts the requests for the lock; an answer to any but the last is stale.
-    int m_request = 0;
-    bool m_requested = false;
-    bool m_denied = false;
-    bool m_complained = false;
 };

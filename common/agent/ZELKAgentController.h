@@ -124,6 +124,7 @@ private:
     void offerUpdateAfter(int milliseconds);
     std::optional<ZELKAgentError> start(int state);
     void startAndPresent(int state);
+    void begin(std::optional<ZELKAgentAlert> &alert, const ZELKAgentAlerts::EndHandler &ended);
     void endCheck(bool answering);
     void updateTimerDidNotify();
 

@@ -51,10 +51,22 @@ void ZELKAgentController::showInstallAlert()
               applicationName());
     m_installAlert->helpAnchor = helpAnchor(QStringLiteral("ZELKAgentControllerInstallHelpAnchor"));
     m_installAlert->accessoryInterface = className();
-    m_alerts->beginSheet(*m_installAlert, [self = QPointer(this)](int returnCode, int locationTag) {
+    begin(m_installAlert, [self = QPointer(this)](int returnCode, int locationTag) {
         if (self)
             zelkGuard([&] { self->installAlertDidEnd(returnCode, locationTag); });
     });
+}
+
+/// An alert that can not be shown may be asked for again.
+void ZELKAgentController::begin(std::optional<ZELKAgentAlert> &alert,
+                                const ZELKAgentAlerts::EndHandler &ended)
+{
+    try {
+        m_alerts->beginSheet(*alert, ended);
+    } catch (...) {
+        alert.reset();
+        throw;
+    }
 }
 
 void ZELKAgentController::installAlertDidEnd(int returnCode, int locationTag)
@@ -101,7 +113,7 @@ void ZELKAgentController::showUpdateAlert()
         return;
     m_updateAlert = alert("update", {QStringLiteral("update"), QStringLiteral("cancel")}, applicationName());
     m_updateAlert->helpAnchor = helpAnchor(QStringLiteral("ZELKAgentControllerUpdateHelpAnchor"));
-    m_alerts->beginSheet(*m_updateAlert, [self = QPointer(this)](int returnCode, int) {
+    begin(m_updateAlert, [self = QPointer(this)](int returnCode, int) {
         if (self)
             zelkGuard([&] { self->updateAlertDidEnd(returnCode); });
     });

@@ -192,11 +192,16 @@ class RealSystemd(unittest.TestCase):
     def journal(self):
         return self.container.root_run("journalctl", "-b", "--no-pager", "-n", "30").stdout
 
+    def assert_delays_sleep(self):
+        held = self.container.root_run("systemd-inhibit", "--list", "--no-legend").stdout
+        self.assertEqual(held.count("Lullwatch"), 2, held + self.journal())
+
     def test_system(self):
         self.assertEqual(self.status("may"), 1)
         self.refuse(1, "maynot", "install", "--as", "system")
         self.succeed(2, "may", "install", "--as", "system")
         self.assertEqual(self.status("maynot"), 2)
+        self.assert_delays_sleep()
         self.check_bus_policy()
         self.assertIn("events.db", self.container.root_run("ls", "/var/lib/lullwatch").stdout)
         self.update("may", 2)
@@ -222,6 +227,7 @@ class RealSystemd(unittest.TestCase):
 
     def test_user(self):
         self.succeed(3, "maynot", "install", "--as", "user")
+        self.assert_delays_sleep()
         self.assertIn("ExecStart", self.in_home(f"cat .config/systemd/user/{LABEL}.service"))
         self.assertIn("events.db", self.in_home(f"ls .local/share/{LABEL}"))
         self.update("maynot", 3)
