@@ -45,6 +45,7 @@ void ZELKLWAControlService::setDefaultsWithDictionary(const QVariantMap &default
         if (user.isValid() && user.value() == 0)
             m_defaults.setDefaultsWithDictionary(defaults);
         else
-            ZELKConsole::log(ZELKFormat("Defaults from %@ are refused: only an administrator may set them.", {caller}));
+            ZELKConsole::log(
+                ZELKFormat("Defaults from %@ are refused: only an administrator may set them.", {caller}));
     });
 }

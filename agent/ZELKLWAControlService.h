@@ -21,8 +21,9 @@ public:
                           bool forAllUsers, QObject *parent = nullptr);
 
     QString version() const { return m_version; }
-    /// Answers later, and yes only when the caller was entitled and the files are gone. An agent of the session
-    /// installed nothing with privilege, so it has nothing to remove: false, whatever the authorization.
+    /// Answers later, and yes only when the caller was entitled and the files are gone. An agent of the
+    /// session installed nothing with privilege, so it has nothing to remove: false, whatever the
+    /// authorization.
     bool removeAgentFiles(const QByteArray &authorization);
     /// On the system bus from the administrator alone; anybody else's are one console line.
     void setDefaultsWithDictionary(const QVariantMap &defaults);
