@@ -34,7 +34,14 @@ ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const Buses
     });
     m_lastFetch.setSingleShot(true);
     connect(&m_lastFetch, &QTimer::timeout, this, [this] { zelkGuard([&] { finish(); }); });
+    connect(&m_store, &ZELKLWAEventStore::begunAnew, this, [this] {
+        zelkGuard([&] {
+            if (m_phase == Phase::Recording)
+                recordOwn(ZELKEventStartingMonitor, ZELKEnvironment::current().clock->now());
+        });
+    });
     connect(&m_service, &ZELKLWAService::streamAsked, &m_watchers, &ZELKLWAWatchers::checkClocks);
+    connect(&m_service, &ZELKLWAService::streamAsked, &m_settler, &ZELKLWASettler::lookForStrays);
 }
 
 ZELKLWAAgent::~ZELKLWAAgent() = default;
@@ -151,6 +158,7 @@ void ZELKLWAAgent::terminate()
 void ZELKLWAAgent::busDidDisconnect()
 {
     zelkGuard([&] {
+        m_lostBus = true;
         if (m_phase == Phase::Recording)
             stopRecording();
         finish();

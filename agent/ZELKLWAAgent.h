@@ -42,6 +42,9 @@ public:
     /// Takes the two bus names, then records. False, with one console line and nothing recorded, when the bus
     /// does not give them, as when another agent has them.
     bool start();
+    /// It finished because the bus it served on went away: at the end of a session, or with a bus that is
+    /// started again.
+    bool hasLostBus() const { return m_lostBus; }
 
 public Q_SLOTS:
     /// Records the end, tells the clients and, once they have fetched it or the time for that is over, is
@@ -77,5 +80,6 @@ private:
     ZELKLWABackfillPlaces m_pastPlaces;
     std::unique_ptr<ZELKLWABackfill> m_past;
     QTimer m_lastFetch;
+    bool m_lostBus = false;
     enum class Phase { Made, Recording, Ending, Finished } m_phase = Phase::Made;
 };

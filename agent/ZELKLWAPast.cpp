@@ -12,7 +12,7 @@ ZELKLWAPast::ZELKLWAPast(const std::shared_ptr<const ZELKBundle> &bundle, const 
                          QObject *parent)
     : QObject(parent)
     , m_places(options.past())
-    , m_store(options.database, bundle, std::make_shared<ZELKSQLitePort>())
+    , m_store(options.database, bundle, std::make_shared<ZELKSQLitePort>(), ZELKLWAEventStore::Keeper::Guest)
 {
 }
 
@@ -39,7 +39,6 @@ void ZELKLWAPast::start()
 
 void ZELKLWAPast::end(bool complete)
 {
-    m_store.settle();
     const bool kept = m_store.save();
     Q_EMIT finished(m_told, complete && kept && m_allThere);
 }

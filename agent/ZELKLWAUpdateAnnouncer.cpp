@@ -25,7 +25,7 @@ QDBusMessage ownerQuestion(const QString &name)
 {
     QDBusMessage question = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
     question << name;
     return question;
 }
@@ -55,6 +55,10 @@ void ZELKLWAUpdateAnnouncer::add(const QString &serviceName, const QString &call
     }
     if (m_callers.value(serviceName) == caller)
         return;
+    if (m_asking.size() >= 2 * mostRegistrations || m_callers.values().count(caller) >= mostOfACaller) {
+        ZELKConsole::log(ZELKFormat("'%@' can not be told of events: too many are.", {serviceName}));
+        return;
+    }
     // Watched before it is asked for, so that it can not leave unseen in between.
     for (const QString &name : {serviceName, caller}) {
         m_asking.append(name);
@@ -67,12 +71,12 @@ void ZELKLWAUpdateAnnouncer::add(const QString &serviceName, const QString &call
                     it->deleteLater();
                     m_asking.removeOne(serviceName);
                     m_asking.removeOne(caller);
-                    const QDBusPendingReply<bool> owned = *it;
-                    if (owned.isValid() && owned.value())
+                    const QDBusPendingReply<QString> owner = *it;
+                    if (owner.isValid() && owner.value() == caller)
                         addOwned(serviceName, caller);
                     else
-                        ZELKConsole::log(
-                            ZELKFormat("'%@' can not be told of events: nobody owns it.", {serviceName}));
+                        ZELKConsole::log(ZELKFormat("'%@' can not be told of events: %@ does not own it.",
+                                                    {serviceName, caller}));
                     unwatchUnused();
                 });
             });

@@ -12,11 +12,13 @@ class ZELKLWAUpdateAnnouncer : public QObject
 
 public:
     static constexpr qsizetype mostRegistrations = 64;
+    static constexpr qsizetype mostOfACaller = 4;
 
     explicit ZELKLWAUpdateAnnouncer(const QDBusConnection &bus, QObject *parent = nullptr);
 
-    /// Takes up `serviceName` for `caller` (its unique name) once the bus has said that somebody owns the
-    /// name; a repeat changes nothing. It ends when the name changes hands or the caller leaves.
+    /// Takes up `serviceName` for `caller` (its unique name) once the bus has said that the caller owns the
+    /// name, for a name of somebody else's could be taken from them; a repeat changes nothing. It ends when
+    /// the name changes hands or the caller leaves.
     void add(const QString &serviceName, const QString &caller);
     /// Only the caller that registered may.
     void remove(const QString &serviceName, const QString &caller);

@@ -38,7 +38,11 @@ int record(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions
     ZELKLWAAgent agent(bundle, {*bus, system}, options);
     QObject::connect(&termination, &ZELKTerminationSignals::received, &agent, &ZELKLWAAgent::terminate);
     QObject::connect(&agent, &ZELKLWAAgent::finished, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
-    return agent.start() ? QCoreApplication::exec() : failure;
+    if (!agent.start())
+        return failure;
+    const int status = QCoreApplication::exec();
+    // A session ends with its bus; what records for all users is to be started again.
+    return options.forAllUsers && agent.hasLostBus() ? failure : status;
 }
 
 int readPast(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &options)

@@ -28,7 +28,8 @@ std::optional<ZELKLWADatabaseFile::Fault> ZELKLWADatabaseFile::tryScript(const Q
         return code == SQLITE_OK;
     };
     // That statement has no fault of its own, so it tells of a header that names a format there is not.
-    if (code == SQLITE_OK && !run("SELECT count(*) FROM sqlite_schema") && code == SQLITE_ERROR)
+    if (code == SQLITE_OK && !run("PRAGMA busy_timeout = 2000; SELECT count(*) FROM sqlite_schema") &&
+        code == SQLITE_ERROR)
         code = SQLITE_NOTADB;
     if (code == SQLITE_OK)
         run(sql.toUtf8().constData());
@@ -48,13 +49,17 @@ bool ZELKLWADatabaseFile::isDamage(int code)
 bool ZELKLWADatabaseFile::setAside(const QString &reason)
 {
     const QString name = freeName();
+    const auto moveCompanions = [](const QString &from, const QString &to) {
+        for (const char *suffix : {"-wal", "-shm"})
+            QFile::rename(from + QLatin1String(suffix), to + QLatin1String(suffix));
+    };
+    moveCompanions(m_path, name); // first: left behind, SQLite would delete them beside the new file
     if (!QFile::rename(m_path, name)) {
+        moveCompanions(name, m_path);
         ZELKConsole::log(
             ZELKFormat("The damaged events in %@ (%@) could not be set aside.", {m_path, reason}));
         return false;
     }
-    for (const char *suffix : {"-wal", "-shm"})
-        QFile::rename(m_path + QLatin1String(suffix), name + QLatin1String(suffix));
     ZELKConsole::log(ZELKFormat("The events in %@ are damaged (%@): set aside as %@, begun anew.",
                                 {m_path, reason, name}));
     return true;

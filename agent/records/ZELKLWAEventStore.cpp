@@ -31,6 +31,7 @@ constexpr QLatin1String createKey("ZELKDatabaseSQLCreate");
 constexpr QLatin1String createEventsKey("ZELKLWAEventStoreSQLCreate");
 constexpr QLatin1String insertKey("ZELKLWAEventStoreSQLInsert");
 constexpr QLatin1String settleKey("ZELKLWAEventStoreSQLSettle");
+constexpr QLatin1String unsettledKey("ZELKLWAEventStoreSQLUnsettled");
 constexpr QLatin1String latestSettledKey("ZELKLWAEventStoreSQLLatestSettled");
 constexpr QLatin1String lastOfKey("ZELKLWAEventStoreSQLLastOf");
 constexpr QLatin1String beginKey("ZELKLWAEventStoreSQLBegin");
@@ -51,11 +52,13 @@ qint64 now()
 } // namespace
 
 ZELKLWAEventStore::ZELKLWAEventStore(const QString &path, std::shared_ptr<const ZELKBundle> bundle,
-                                     std::shared_ptr<ZELKSQLitePort> port, QObject *parent)
+                                     std::shared_ptr<ZELKSQLitePort> port, Keeper keeper, QObject *parent)
     : QObject(parent)
     , ZELKDatabaseController(std::move(bundle), port)
     , m_path(path)
     , m_port(std::move(port))
+    , m_keeper(keeper)
+    , m_lifeSign(path + QLatin1String("-alive"))
 {
     m_retry.setSingleShot(true);
     m_retry.setTimerType(Qt::VeryCoarseTimer);
@@ -65,6 +68,9 @@ ZELKLWAEventStore::ZELKLWAEventStore(const QString &path, std::shared_ptr<const 
 
 ZELKLWAEventStore::~ZELKLWAEventStore()
 {
+    if (!m_waiting.empty())
+        ZELKConsole::log(
+            ZELKFormat("%lu events could not be kept in %@, and are lost.", {m_waiting.size(), m_path}));
     closeDatabase();
 }
 
@@ -82,8 +88,10 @@ void ZELKLWAEventStore::databaseWillOpen(const QString &path)
                             SQLForKey(createEventsKey).value_or(QString());
     ZELKLWADatabaseFile databaseFile(path, m_port);
     auto fault = databaseFile.tryScript(scripts);
-    if (fault && ZELKLWADatabaseFile::isDamage(fault->code) && databaseFile.setAside(fault->message))
+    if (fault && ZELKLWADatabaseFile::isDamage(fault->code) && databaseFile.setAside(fault->message)) {
+        m_wasSetAside = true;
         fault = databaseFile.tryScript(scripts);
+    }
     if (!fault)
         return;
     m_failure = fault->code;
@@ -99,6 +107,20 @@ void ZELKLWAEventStore::databaseDidOpen()
         return true;
     }));
     m_settlingClock.passed(stringForSetting(servedSetting).value_or(QString()).toLongLong());
+    if (m_keeper == Keeper::Agent && !stringForSetting(beginningSetting))
+        beginRecords();
+}
+
+/// What was set aside had read the past, and clients have it; read again, its sleeps would stand beside those
+/// that were recorded as they happened.
+void ZELKLWAEventStore::beginRecords()
+{
+    setString(QString::number(now()), beginningSetting);
+    if (!std::exchange(m_wasSetAside, false))
+        return;
+    setString(QStringLiteral("set aside"), pastSetting);
+    QTimer::singleShot(0, this,
+                       [this] { zelkGuard([&] { Q_EMIT begunAnew(); }); }); // not in the middle of a write
 }
 
 void ZELKLWAEventStore::record(const std::vector<ZELKLWAEvent> &events)
@@ -138,19 +160,37 @@ void ZELKLWAEventStore::dropOldest()
 bool ZELKLWAEventStore::save()
 {
     std::size_t inserted = 0;
+    bool wrote = false;
+    bool anySettled = false;
     const bool saved = attempt([&] {
-        while (!m_waiting.empty())
+        for (; !m_waiting.empty(); wrote = true)
             inserted += writeSome();
+        if (m_isSettlingDue) {
+            anySettled = settleFile(m_settlingClock.next(now()));
+            m_isSettlingDue = false;
+            wrote = true;
+        }
+        if (m_dueServed) {
+            write([&] { setString(QString::number(*m_dueServed), servedSetting); });
+            m_dueServed.reset();
+            wrote = true;
+        }
     });
-    if (saved)
+    if (!saved)
+        tryAgainLater();
+    else if (wrote)
         reportRecovery();
-    else if (!m_retry.isActive())
-        m_retry.start();
     if (inserted > 0)
         Q_EMIT recorded();
-    if (saved && m_isSettlingDue)
-        settle();
+    if (anySettled)
+        Q_EMIT settled();
     return saved;
+}
+
+void ZELKLWAEventStore::tryAgainLater()
+{
+    if (!m_retry.isActive())
+        m_retry.start();
 }
 
 /// One transaction; how many of its events were new.
@@ -166,13 +206,15 @@ std::size_t ZELKLWAEventStore::writeSome()
     return inserted;
 }
 
-/// A transaction that also says when this was.
+/// A transaction, in which an agent also says that it is alive.
 void ZELKLWAEventStore::write(const std::function<void()> &statements)
 {
     ZELKDatabaseTransaction transaction(*this, beginKey, commitKey, rollbackKey);
     try {
         statements();
-        setString(QString::number(now()), aliveSetting);
+        require(lastResult());
+        if (m_keeper == Keeper::Agent)
+            setString(QString::number(now()), aliveSetting);
         require(lastResult());
         transaction.commit();
     } catch (...) {
@@ -204,26 +246,41 @@ void ZELKLWAEventStore::settle()
         attempt([this] { database(); }); // it knows what settled before
     const qint64 time = m_settlingClock.next(now());
     bool any = m_waiting.settle(time);
-    m_isSettlingDue = !attempt([&] {
-        write([&] {
-            require(forEachRow(settleKey, {{QStringLiteral("@settled"), QString::number(time)}},
-                               [&](const ZELKDatabaseRow &) { return any = true; }));
-        });
-    });
-    if (m_isSettlingDue && !m_retry.isActive())
-        m_retry.start();
+    m_isSettlingDue = !attempt([&] { any = settleFile(time) || any; });
+    if (m_isSettlingDue)
+        tryAgainLater();
     if (any)
         Q_EMIT settled();
+}
+
+bool ZELKLWAEventStore::settleFile(qint64 time)
+{
+    bool any = false;
+    write([&] {
+        forEachRow(settleKey, {{QStringLiteral("@settled"), QString::number(time)}},
+                   [&](const ZELKDatabaseRow &) { return any = true; });
+    });
+    return any;
+}
+
+bool ZELKLWAEventStore::hasUnsettled()
+{
+    bool any = m_waiting.hasUnsettled();
+    attempt(
+        [&] { require(forEachRow(unsettledKey, {}, [&](const ZELKDatabaseRow &) { return any = true; })); });
+    return any;
 }
 
 void ZELKLWAEventStore::requestWillBeServed(const ZELKLWAEventRange &range)
 {
     m_settlingClock.passed(std::min(range.to, now()));
+    m_lifeSign.show(ZELKEnvironment::current().clock->now());
 }
 
 void ZELKLWAEventStore::requestWasServed(const ZELKLWAEventRange &range)
 {
-    attempt([&] { write([&] { setString(QString::number(std::min(range.to, now())), servedSetting); }); });
+    m_dueServed = std::min(range.to, now());
+    save();
 }
 
 std::optional<ZELKDate> ZELKLWAEventStore::unrecordedEnd()
@@ -237,9 +294,11 @@ std::optional<ZELKDate> ZELKLWAEventStore::unrecordedEnd()
                           std::string_view(ZELKEventStartingMonitor.data(), ZELKEventStartingMonitor.size());
                 return true;
             }));
-        const auto alive = isStart ? stringForSetting(aliveSetting) : std::nullopt;
-        if (alive)
-            end = ZELKDate(double(std::min(alive->toLongLong(), now())) / 1e6);
+        if (!isStart)
+            return;
+        const qint64 written = stringForSetting(aliveSetting).value_or(QString()).toLongLong();
+        const qint64 seen = ZELKLWATimeOf(m_lifeSign.last().value_or(ZELKDate::distantPast()));
+        end = ZELKDate(double(std::min(std::max(written, seen), now())) / 1e6);
     });
     return end;
 }
@@ -260,8 +319,6 @@ std::optional<ZELKDate> ZELKLWAEventStore::unreadPast()
     const bool known = attempt([&] {
         isRead = stringForSetting(pastSetting).has_value();
         require(lastResult());
-        if (!stringForSetting(beginningSetting))
-            write([&] { setString(QString::number(now()), beginningSetting); });
     });
     return known && !isRead ? beginning() : std::nullopt;
 }
@@ -317,8 +374,9 @@ bool ZELKLWAEventStore::recover(const QString &reason)
         return false;
     const bool wasOpen = isOpen(); // else the opening has seen to it
     closeDatabase();
-    return wasOpen && ZELKLWADatabaseFile::isDamage(m_failure) &&
-           ZELKLWADatabaseFile(m_path, m_port).setAside(reason);
+    m_wasSetAside = wasOpen && ZELKLWADatabaseFile::isDamage(m_failure) &&
+                    ZELKLWADatabaseFile(m_path, m_port).setAside(reason);
+    return m_wasSetAside;
 }
 
 void ZELKLWAEventStore::reportFailure(const QString &reason)

@@ -2,6 +2,7 @@
 
 #include "ZELKDatabaseController.h"
 #include "ZELKLWAEventPage.h"
+#include "ZELKLWALifeSign.h"
 #include "ZELKLWASettlingClock.h"
 #include "ZELKLWAWaitingEvents.h"
 
@@ -27,9 +28,14 @@ public:
     static constexpr std::size_t mostWaiting = 10000;
     static constexpr int secondsBeforeRetry = 60;
 
+    /// Who writes: the agent, of which these are the records, or a guest, which adds to them: what a guest
+    /// adds, the agent settles, and a guest is no sign of the agent's life.
+    enum class Keeper { Agent, Guest };
+
     /// Opens nothing. Folders of `path` that are missing are made when it is opened.
     ZELKLWAEventStore(const QString &path, std::shared_ptr<const ZELKBundle> bundle,
-                      std::shared_ptr<ZELKSQLitePort> port, QObject *parent = nullptr);
+                      std::shared_ptr<ZELKSQLitePort> port, Keeper keeper = Keeper::Agent,
+                      QObject *parent = nullptr);
     ~ZELKLWAEventStore() override;
 
     QString className() const override { return QStringLiteral("ZELKLWAEventStore"); }
@@ -44,6 +50,8 @@ public:
     /// Settles what has not: from now on those events are served. Where the disk does not take it, those in
     /// the file settle when it does.
     void settle();
+    /// Whether anything recorded has yet to settle.
+    bool hasUnsettled();
 
     /// Shows the settled events of `range` that stand after `after` in ascending order, at most `limit`. A
     /// failure is a console line.
@@ -70,6 +78,8 @@ Q_SIGNALS:
     void recorded();
     /// Events can be served that could not before.
     void settled();
+    /// A damaged file was set aside, and what the records began with is not in the new one.
+    void begunAnew();
 
 protected:
     QUrl databaseURL() override;
@@ -80,7 +90,10 @@ private:
     bool take(const ZELKLWAEvent &event);
     void dropOldest();
     std::size_t writeSome();
+    void beginRecords();
     void write(const std::function<void()> &statements);
+    bool settleFile(qint64 time);
+    void tryAgainLater();
     bool insert(const ZELKLWAWaitingEvents::Waiting &waiting);
     void require(const ZELKDatabaseResult &result);
     bool attempt(const std::function<void()> &work);
@@ -92,7 +105,11 @@ private:
     std::shared_ptr<ZELKSQLitePort> m_port;
     ZELKLWAWaitingEvents m_waiting;
     ZELKLWASettlingClock m_settlingClock;
-    bool m_isSettlingDue = false; // the file did not take it
+    Keeper m_keeper;
+    ZELKLWALifeSign m_lifeSign;
+    bool m_wasSetAside = false;        // and the new file is not open yet
+    bool m_isSettlingDue = false;      // the file did not take it
+    std::optional<qint64> m_dueServed; // nor this
     std::size_t m_dropped = 0;
     int m_failure = 0; // SQLite's code of what failed last
     bool m_failing = false;

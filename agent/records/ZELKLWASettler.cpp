@@ -11,13 +11,20 @@ ZELKLWASettler::ZELKLWASettler(ZELKLWAEventStore &store, QObject *parent)
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer); // never before the second is over
     connect(&m_timer, &QTimer::timeout, this, [this] { zelkGuard([&] { look(); }); });
-    connect(&m_store, &ZELKLWAEventStore::recorded, this, [this] {
-        zelkGuard([&] {
-            m_burst.note(m_clock.elapsed());
-            if (!m_timer.isActive())
-                look();
-        });
-    });
+    connect(&m_store, &ZELKLWAEventStore::recorded, this, [this] { zelkGuard([&] { note(); }); });
+}
+
+void ZELKLWASettler::note()
+{
+    m_burst.note(m_clock.elapsed());
+    if (!m_timer.isActive())
+        look();
+}
+
+void ZELKLWASettler::lookForStrays()
+{
+    if (!m_timer.isActive() && m_store.hasUnsettled())
+        note();
 }
 
 void ZELKLWASettler::look()

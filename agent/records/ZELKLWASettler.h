@@ -16,10 +16,13 @@ class ZELKLWASettler : public QObject
 public:
     explicit ZELKLWASettler(ZELKLWAEventStore &store, QObject *parent = nullptr);
 
+    /// Takes what somebody else added, or an agent that was killed left, for a burst of now.
+    void lookForStrays();
     /// At once, as at the end.
     void settleNow();
 
 private:
+    void note();
     void look();
 
     ZELKLWAEventStore &m_store;

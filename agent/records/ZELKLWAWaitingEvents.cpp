@@ -24,6 +24,12 @@ bool ZELKLWAWaitingEvents::settle(qint64 time)
     return any;
 }
 
+bool ZELKLWAWaitingEvents::hasUnsettled() const
+{
+    return std::any_of(m_events.begin(), m_events.end(),
+                       [](const Waiting &waiting) { return !waiting.settled; });
+}
+
 std::vector<const ZELKLWAWaitingEvents::Waiting *>
 ZELKLWAWaitingEvents::eventsAfter(ZELKLWAEventPosition after, const ZELKLWAEventRange &range) const
 {

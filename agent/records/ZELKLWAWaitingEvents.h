@@ -28,6 +28,8 @@ public:
     /// Settles what has not; false when there was nothing.
     bool settle(qint64 time);
 
+    bool hasUnsettled() const;
+
     bool empty() const { return m_events.empty(); }
     std::size_t size() const { return m_events.size(); }
     const Waiting &operator[](std::size_t index) const { return m_events[index]; }

@@ -79,7 +79,7 @@ private Q_SLOTS:
         QVERIFY(start());
         const StreamedEvents found = readStream(ask());
         QCOMPARE(found.state, State::Complete);
-        QCOMPARE(found.names.size(), count); // its own first event has yet to settle
+        QVERIFY(found.names.size() >= count); // and what it records itself, as it settles
         for (int i = 0; i < count; ++i) {
             QCOMPARE(found.names.at(i), u"event %1"_s.arg(i));
             QCOMPARE(found.dates.at(i), u"%1.000000"_s.arg(i));
@@ -124,7 +124,8 @@ private Q_SLOTS:
         QCOMPARE(answerTo(m_client->bus, eventServiceCall("sortedEventsFromDate", {0.0, 1e9})).errorName(),
                  u"org.freedesktop.DBus.Error.LimitsExceeded"_s);
         open.removeFirst();
-        QTRY_VERIFY(ask().isValid());
+        bool isServed = false; // once is enough: each question takes a stream
+        QTRY_VERIFY(isServed || (isServed = ask().isValid()));
     }
 
     void givesUpAStream_data()
@@ -226,6 +227,12 @@ private Q_SLOTS:
         QVERIFY(announcer.isEmpty());
 
         QVERIFY(m_client->bus.registerService(storeName));
+        announcer.add(storeName, callerName); // somebody else's
+        QTRY_COMPARE(console.size(), 7);
+        QVERIFY(announcer.isEmpty());
+        QVERIFY(m_client->bus.unregisterService(storeName));
+
+        QVERIFY(caller.bus.registerService(storeName));
         const QSignalSpy changed(&announcer, &ZELKLWAUpdateAnnouncer::registrationsChanged);
         announcer.add(storeName, callerName);
         QTRY_COMPARE(changed.size(), 1);
@@ -236,10 +243,9 @@ private Q_SLOTS:
 
         announcer.add(storeName, callerName);
         QTRY_VERIFY(!announcer.isEmpty());
-        m_client->bus.unregisterService(storeName);
+        caller.bus.unregisterService(storeName);
         QTRY_VERIFY(announcer.isEmpty());
-        QVERIFY(m_client->bus.registerService(storeName));
-        announcer.add(storeName, callerName);
+        announcer.add(callerName, callerName);
         QTRY_VERIFY(!announcer.isEmpty());
         caller.close();
         QTRY_VERIFY(announcer.isEmpty());

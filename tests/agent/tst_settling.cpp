@@ -72,6 +72,9 @@ private Q_SLOTS:
     void settlesAfterRequestsThoughTheClockIsSetBack();
     void findsManyThatSettledLate();
     void tellsWhenTheOneBeforeWasLastAlive();
+    void leavesSettlingToTheAgent();
+    void saysOnceThatADiskIsFull();
+    void readsThePastOnce();
 };
 
 void TestSettling::aBurstIsOverAfterASecondOfQuietOrThirtySeconds()
@@ -171,6 +174,67 @@ void TestSettling::tellsWhenTheOneBeforeWasLastAlive()
     QCOMPARE(bed.store->unrecordedEnd().value_or(ZELKDate()), ZELKDate(noon + 10));
     bed.store->record({{ZELKDate(noon + 10), ZELKEventStoppingMonitor, ZELKMonitorLullwatch}});
     QVERIFY(!bed.store->unrecordedEnd());
+}
+
+/// A guest adds while the agent records.
+void TestSettling::leavesSettlingToTheAgent()
+{
+    SettlingBed bed;
+    bed.store->record({{ZELKDate(noon), ZELKEventStartingMonitor, ZELKMonitorLullwatch}});
+    bed.store->settle();
+    bed.clock->advance(10);
+    {
+        ZELKLWAEventStore guest(bed.folder.filePath(u"events.db"_s), agentBundle(), bed.port,
+                                ZELKLWAEventStore::Keeper::Guest);
+        guest.record({eventAt(noon - 900, u"past"_s)});
+    }
+    QVERIFY(bed.store->hasUnsettled());
+    QCOMPARE(bed.store->unrecordedEnd().value_or(ZELKDate()), ZELKDate(noon));
+    QCOMPARE(bed.asked(noon + 5, noon + 10), QString());
+    bed.store->settle();
+    QVERIFY(!bed.store->hasUnsettled());
+    QCOMPARE(bed.asked(noon + 5, noon + 10), u"past"_s);
+}
+
+void TestSettling::saysOnceThatADiskIsFull()
+{
+    SettlingBed bed;
+    bed.store->record({eventAt(noon, u"a"_s)});
+    const ConsoleLines console;
+    bed.port->fail(ZELKFailingSQLitePort::Call::Step, SQLITE_FULL, 1, 1000);
+    bed.store->settle();
+    for (int minute = 0; minute < 3; ++minute)
+        QVERIFY(!bed.store->save());
+    QCOMPARE(console.count("They wait in memory"), 1);
+    QCOMPARE(console.count("again; 0 were lost"), 0);
+    bed.port->heal();
+    const QSignalSpy settled(bed.store.get(), &ZELKLWAEventStore::settled);
+    QVERIFY(bed.store->save());
+    QCOMPARE(settled.size(), 1);
+    QCOMPARE(console.count("again; 0 were lost"), 1);
+    QCOMPARE(bed.asked(0, noon), u"a"_s);
+}
+
+/// From when the records began; not again, nor where the file before was set aside.
+void TestSettling::readsThePastOnce()
+{
+    const ConsoleLines console;
+    SettlingBed bed;
+    QCOMPARE(bed.store->unreadPast().value_or(ZELKDate()), ZELKDate(noon));
+    bed.clock->advance(50);
+    bed.renew();
+    QCOMPARE(bed.store->unreadPast().value_or(ZELKDate()), ZELKDate(noon));
+    bed.store->pastWasRead();
+    QVERIFY(!bed.store->unreadPast());
+    QCOMPARE(bed.store->beginning().value_or(ZELKDate()), ZELKDate(noon));
+
+    bed.store.reset();
+    writeFile(bed.folder.filePath(u"events.db"_s), "Dear diary, no database");
+    bed.renew();
+    const QSignalSpy anew(bed.store.get(), &ZELKLWAEventStore::begunAnew);
+    QVERIFY(!bed.store->unreadPast());
+    QCOMPARE(bed.store->beginning().value_or(ZELKDate()), ZELKDate(noon + 50));
+    QTRY_COMPARE(anew.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestSettling)
