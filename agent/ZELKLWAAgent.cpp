@@ -13,7 +13,7 @@
 #include <QDBusError>
 
 ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const Buses &buses,
-                           const ZELKLWAOptions &options, QObject *parent)
+                           const ZELKLWAOptions &options, const ZELKLWAMachine &machine, QObject *parent)
     : QObject(parent)
     , m_bundle(std::move(bundle))
     , m_bus(buses.serving)
@@ -24,8 +24,9 @@ ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const Buses
     , m_announcer(m_bus)
     , m_service(version(), m_store, m_announcer)
     , m_controlService(version(), m_defaults, m_bus, options.forAllUsers)
-    , m_watchers(buses.system, options, m_settings, m_defaults,
-                 [this](const std::vector<ZELKLWAEvent> &events) { m_store.record(events); })
+    , m_watchers(
+          buses.system, options, m_settings, m_defaults,
+          [this](const std::vector<ZELKLWAEvent> &events) { m_store.record(events); }, machine)
     , m_pastPlaces(options.past())
 {
     connect(&m_store, &ZELKLWAEventStore::settled, &m_announcer, [this] {

@@ -3,6 +3,7 @@
 #include "ZELKLWABackfill.h"
 #include "ZELKLWAControlService.h"
 #include "ZELKLWAEventStore.h"
+#include "ZELKLWAMachine.h"
 #include "ZELKLWAOptions.h"
 #include "ZELKLWAService.h"
 #include "ZELKLWASettler.h"
@@ -36,7 +37,7 @@ public:
 
     /// `bundle` is the agent's own.
     ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const Buses &buses, const ZELKLWAOptions &options,
-                 QObject *parent = nullptr);
+                 const ZELKLWAMachine &machine = {}, QObject *parent = nullptr);
     ~ZELKLWAAgent() override;
 
     /// Takes the two bus names, then records. False, with one console line and nothing recorded, when the bus

@@ -10,30 +10,29 @@
 
 ZELKLWAWatchers::ZELKLWAWatchers(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
                                  ZELKUserDefaults &settings, ZELKLWADefaults &defaults, ZELKLWAEventSink sink,
-                                 QObject *parent)
+                                 const ZELKLWAMachine &machine, QObject *parent)
     : QObject(parent)
     , m_sink(std::move(sink))
     , m_startups(settings)
 {
-    makeAccountingWatchers(options);
-    makeSleepWatcher(systemBus);
+    makeAccountingWatchers(options, machine);
+    makeSleepWatcher(systemBus, machine);
     makePowerWatchers(systemBus, options, defaults);
 }
 
 ZELKLWAWatchers::~ZELKLWAWatchers() = default;
 
-void ZELKLWAWatchers::makeAccountingWatchers(const ZELKLWAOptions &options)
+void ZELKLWAWatchers::makeAccountingWatchers(const ZELKLWAOptions &options, const ZELKLWAMachine &machine)
 {
     m_watchers.push_back(std::make_unique<ZELKLWASystemAccountingWatcher>(options.wtmp, wakefulSink()));
-    ZELKLWAStartupWatcher::Places places;
+    ZELKLWAStartupWatcher::Places places = machine.kernel;
     places.wtmp = options.wtmp;
     m_watchers.push_back(std::make_unique<ZELKLWAStartupWatcher>(places, m_startups, wakefulSink()));
 }
 
-void ZELKLWAWatchers::makeSleepWatcher(const QDBusConnection &systemBus)
+void ZELKLWAWatchers::makeSleepWatcher(const QDBusConnection &systemBus, const ZELKLWAMachine &machine)
 {
-    auto sleep =
-        std::make_unique<ZELKLWASleepWatcher>(systemBus, m_sink, std::make_shared<ZELKSystemSuspendClock>());
+    auto sleep = std::make_unique<ZELKLWASleepWatcher>(systemBus, m_sink, machine.suspendClock);
     m_sleep = sleep.get();
     m_watchers.push_back(std::move(sleep));
 }

@@ -2,6 +2,7 @@
 
 #include "ZELKLWADefaults.h"
 #include "ZELKLWAEvent.h"
+#include "ZELKLWAMachine.h"
 #include "ZELKLWAOptions.h"
 #include "ZELKLWAWatcher.h"
 #include "ZELKSettingsStartupMemory.h"
@@ -24,7 +25,7 @@ public:
     /// `settings` and `defaults` outlive it.
     ZELKLWAWatchers(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
                     ZELKUserDefaults &settings, ZELKLWADefaults &defaults, ZELKLWAEventSink sink,
-                    QObject *parent = nullptr);
+                    const ZELKLWAMachine &machine = {}, QObject *parent = nullptr);
     ~ZELKLWAWatchers() override;
 
     void start();
@@ -33,10 +34,10 @@ public:
     void checkClocks();
 
 private:
-    void makeSleepWatcher(const QDBusConnection &systemBus);
+    void makeSleepWatcher(const QDBusConnection &systemBus, const ZELKLWAMachine &machine);
     void makePowerWatchers(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
                            ZELKLWADefaults &defaults);
-    void makeAccountingWatchers(const ZELKLWAOptions &options);
+    void makeAccountingWatchers(const ZELKLWAOptions &options, const ZELKLWAMachine &machine);
     ZELKLWAEventSink wakefulSink();
 
     ZELKLWAEventSink m_sink;

@@ -1,0 +1,234 @@
+#include "NightBed.h"
+
+#include "Files.h"
+
+#include <QCoreApplication>
+#include <QTest>
+
+#include <sqlite3.h>
+#include <utmpx.h>
+
+namespace {
+
+constexpr char agentSession[] = "agent's session";
+constexpr char agentSystem[] = "agent's system";
+constexpr char battery[] = "/org/freedesktop/UPower/devices/battery_BAT0";
+constexpr char mains[] = "/org/freedesktop/UPower/devices/line_power_AC";
+constexpr char readings[] = "event = 'Power state changed'";
+
+QString deviceInterface()
+{
+    return u"org.freedesktop.UPower.Device"_s;
+}
+
+void await(const std::function<bool()> &condition)
+{
+    if (!QTest::qWaitFor(condition, 20000))
+        qFatal("what was waited for did not come");
+}
+
+QTime timeOfDay(const char *time)
+{
+    return QTime::fromString(QString::fromLatin1(time), u"HH:mm"_s);
+}
+
+} // namespace
+
+QDateTime NightClock::local() const
+{
+    return m_now.date.toDateTime(QTimeZone("Europe/Berlin"));
+}
+
+void NightClock::moveTo(const char *time, bool asleep)
+{
+    QDateTime then = local();
+    then.setTime(timeOfDay(time));
+    if (then < local())
+        then = then.addDays(1);
+    const ZELKDate date = ZELKDate::fromDateTime(then);
+    (asleep ? m_now.suspended : m_now.awake) += date.timeIntervalSinceDate(m_now.date);
+    m_now.date = date;
+}
+
+NightAgent::NightAgent(const ZELKLWAOptions &options, const ZELKLWAMachine &machine)
+{
+    const auto connect = [](QDBusConnection::BusType bus, const char *name) {
+        return QDBusConnection::connectToBus(bus, QString::fromLatin1(name));
+    };
+    m_agent.emplace(std::make_shared<const ZELKBundle>(QCoreApplication::applicationDirPath()),
+                    ZELKLWAAgent::Buses{connect(QDBusConnection::SessionBus, agentSession),
+                                        connect(QDBusConnection::SystemBus, agentSystem)},
+                    options, machine);
+}
+
+NightAgent::~NightAgent()
+{
+    m_agent.reset();
+    for (const char *name : {agentSession, agentSystem})
+        QDBusConnection::disconnectFromBus(QString::fromLatin1(name));
+}
+
+NightBed::NightBed()
+{
+    m_options.database = path("agent.db");
+    m_options.settings = path("agent.ini");
+    m_options.wtmp = path("wtmp");
+    m_options.powerSupply = path("supplies");
+    m_options.pastAccounting = QStringList(m_options.wtmp); // and nothing else of this machine's past
+    m_machine.suspendClock = m_clock;
+    m_machine.kernel = {path("boot_id"), path("stat"), path("utmp"), {}};
+    addDevices();
+}
+
+ZELKEnvironment NightBed::environment() const
+{
+    ZELKEnvironment made = ZELKEnvironment::system();
+    made.clock = m_clock;
+    return made;
+}
+
+void NightBed::boot(const char *time)
+{
+    m_clock->moveTo(time);
+    m_clock->boot();
+    const QByteArray since1970 = QByteArray::number(seconds());
+    writeFile(path("boot_id"), "0b6f7d5c-9f4e-4d7a-8b53-00" + since1970 + '\n');
+    writeFile(path("stat"), "btime " + since1970 + '\n');
+    writeFile(path("utmp"), account(BOOT_TIME, "reboot"));
+}
+
+void NightBed::shutDown(const char *time)
+{
+    m_clock->moveTo(time);
+    if (m_agent) {
+        isRecorded([this] { m_logind.emitSignal(u"PrepareForShutdown"_s, u"b"_s, {true}); });
+        (*m_agent)->terminate();
+        m_agent.reset();
+    }
+    account(RUN_LVL, "shutdown");
+}
+
+void NightBed::startAgent(const char *time)
+{
+    m_clock->moveTo(time);
+    const int before = records(readings);
+    m_agent.emplace(m_options, m_machine);
+    if (!(*m_agent)->start())
+        qFatal("the agent does not start");
+    await([&] { return locks() > 0 && records(readings) > before; });
+}
+
+void NightBed::fallAsleep(const char *time)
+{
+    m_clock->moveTo(time);
+    isRecorded([this] { m_logind.emitSignal(u"PrepareForSleep"_s, u"b"_s, {true}); });
+    await([this] { return locks() == 0; });
+}
+
+void NightBed::wake(const char *time)
+{
+    m_clock->moveTo(time, true);
+    if (!m_agent)
+        return;
+    isRecorded([this] { m_logind.emitSignal(u"PrepareForSleep"_s, u"b"_s, {false}); });
+    await([this] { return locks() > 0; });
+}
+
+void NightBed::batteryIs(const char *time, double percent, bool charging)
+{
+    m_clock->moveTo(time);
+    isRecorded([&] {
+        setDevice(battery, {{u"Percentage"_s, percent},
+                            {u"State"_s, charging ? 1U : 2U},
+                            {u"UpdateTime"_s, qulonglong(seconds())}});
+    });
+}
+
+void NightBed::batteryWas(const char *time, double percent)
+{
+    QDateTime then = m_clock->local().addDays(-1);
+    then.setTime(timeOfDay(time));
+    setDevice(battery, {{u"Percentage"_s, percent}, {u"UpdateTime"_s, qulonglong(then.toSecsSinceEpoch())}});
+}
+
+void NightBed::plugIn(const char *time)
+{
+    m_clock->moveTo(time);
+    isRecorded([this] { setDevice(mains, {{u"Online"_s, true}}); });
+}
+
+QString NightBed::list() const
+{
+    await([this] { return records("settled IS NULL") == 0; });
+    QProcess program;
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    for (const char *folder : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+        variables.insert(QString::fromLatin1(folder), path("home"));
+    variables.insert(u"TZ"_s, u"Europe/Berlin"_s);
+    program.setProcessEnvironment(variables);
+    program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    program.start(QStringLiteral(LULLWATCH), {u"list"_s});
+    await([&] { return program.state() == QProcess::NotRunning; }); // meanwhile the agent serves it
+    return QString::fromUtf8(program.readAllStandardOutput());
+}
+
+/// Writes the accounting file's next record, and answers it.
+QByteArray NightBed::account(short type, const char *user) const
+{
+    utmpx record = {};
+    record.ut_type = type;
+    qstrncpy(record.ut_user, user, sizeof record.ut_user);
+    record.ut_line[0] = '~';
+    record.ut_tv.tv_sec = decltype(record.ut_tv.tv_sec)(seconds());
+    const QByteArray bytes(reinterpret_cast<const char *>(&record), sizeof record);
+    writeFile(path("wtmp"), bytes, QIODevice::Append);
+    return bytes;
+}
+
+/// The mock's own devices lack some of what UPower shows.
+void NightBed::addDevices() const
+{
+    m_upower.tell(u"AddAC"_s, {u"line_power_AC"_s, u"AC"_s});
+    m_upower.tell(u"AddDischargingBattery"_s, {u"battery_BAT0"_s, u"PRB-1"_s, 83.0, qlonglong(14400)});
+    const std::tuple<const char *, const char *, QVariant> properties[] = {
+        {mains, "Type", 1U},
+        {mains, "NativePath", u"AC"_s},
+        {battery, "NativePath", u"BAT0"_s},
+        {battery, "UpdateTime", qulonglong(seconds())},
+    };
+    for (const auto &[device, name, value] : properties)
+        m_upower.tell(
+            u"AddProperty"_s,
+            {deviceInterface(), QString::fromLatin1(name), QVariant::fromValue(QDBusVariant(value))},
+            QString::fromLatin1(device));
+    m_upower.tell(u"AddMethod"_s, {deviceInterface(), u"Refresh"_s, QString(), QString(), QString()},
+                  QString::fromLatin1(battery));
+    setDevice(mains, {{u"Online"_s, false}});
+}
+
+void NightBed::setDevice(const char *name, const QVariantMap &properties) const
+{
+    m_upower.tell(u"UpdateProperties"_s, {deviceInterface(), properties}, QString::fromLatin1(name));
+}
+
+/// How many events the agent's file holds that are like that.
+int NightBed::records(const char *condition) const
+{
+    sqlite3 *database = nullptr;
+    sqlite3_stmt *statement = nullptr;
+    const QByteArray sql = QByteArray("SELECT COUNT(*) FROM events WHERE ") + condition;
+    sqlite3_open(QFile::encodeName(m_options.database).constData(), &database);
+    sqlite3_prepare_v2(database, sql.constData(), -1, &statement, nullptr);
+    const int count = sqlite3_step(statement) == SQLITE_ROW ? sqlite3_column_int(statement, 0) : 0;
+    sqlite3_finalize(statement);
+    sqlite3_close(database);
+    return count;
+}
+
+/// Returns when the agent has recorded something of it.
+void NightBed::isRecorded(const std::function<void()> &what) const
+{
+    const int before = records("1");
+    what();
+    await([&] { return records("1") > before; });
+}

@@ -1,0 +1,106 @@
+#include "NightBed.h"
+
+#include <QTest>
+
+namespace {
+
+/// Line by line, so that the first one that differs is told.
+void compare(const QString &printed, const char *expected)
+{
+    const QStringList lines = printed.split(u'\n');
+    const QStringList wanted = QString::fromLatin1(expected).split(u'\n');
+    for (qsizetype i = 0; i < std::max(lines.size(), wanted.size()); ++i)
+        QCOMPARE(lines.value(i), wanted.value(i));
+}
+
+} // namespace
+
+/// What a person finds in the morning: everything between the buses and the printed line.
+class TestNight : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void likeAnyOther()
+    {
+        NightBed laptop;
+        laptop.boot("18:00");
+        laptop.startAgent("18:01");
+        laptop.batteryIs("20:30", 71);
+        laptop.batteryIs("23:05", 62);
+        laptop.fallAsleep("23:10");
+        laptop.wake("07:05");
+        laptop.batteryWas("23:09", 61); // not believed after the wake
+        laptop.batteryIs("07:05", 57);
+        laptop.plugIn("07:20");
+        laptop.batteryIs("07:20", 57, true);
+        laptop.batteryIs("08:10", 88, true);
+        laptop.shutDown("08:30");
+        laptop.boot("12:00");
+        laptop.startAgent("12:01");
+        compare(laptop.list(), R"(Date                       Summary
+2025-03-11 18:00:00 +0100  Boot
+2025-03-11 18:01:00 +0100  Starting monitor
+2025-03-11 18:01:00 +0100  'PRB-1' connected
+2025-03-11 20:30:00 +0100  'PRB-1' down to 71% capacity
+2025-03-11 23:05:00 +0100  'PRB-1' down to 62% capacity
+2025-03-11 23:10:00 +0100  System sleeping after 5 hours, 10 minutes
+2025-03-12 07:05:00 +0100  System powering on after 7 hours, 55 minutes
+2025-03-12 07:05:00 +0100  'PRB-1' down to 57% capacity
+2025-03-12 07:20:00 +0100  Switched to 'AC Power'
+2025-03-12 07:20:00 +0100  Started charging 'PRB-1' from 'AC Power'
+2025-03-12 08:10:00 +0100  'PRB-1' up to 88% capacity
+2025-03-12 08:30:00 +0100  System will power off
+2025-03-12 08:30:00 +0100  Stopping monitor
+2025-03-12 08:30:00 +0100  Shutting down after 1 hour, 25 minutes
+2025-03-12 12:00:00 +0100  Starting up after 3 hours, 30 minutes
+2025-03-12 12:01:00 +0100  Starting monitor
+16 entries
+)");
+    }
+
+    /// The gap begins with its last sign of life.
+    void agentIsKilled()
+    {
+        NightBed laptop;
+        laptop.boot("18:00");
+        laptop.startAgent("18:01");
+        laptop.batteryIs("22:40", 62);
+        laptop.killAgent();
+        laptop.startAgent("07:05");
+        compare(laptop.list(), R"(Date                       Summary
+2025-03-11 18:00:00 +0100  Boot
+2025-03-11 18:01:00 +0100  Starting monitor
+2025-03-11 18:01:00 +0100  'PRB-1' connected
+2025-03-11 22:40:00 +0100  'PRB-1' down to 62% capacity
+2025-03-11 22:40:00 +0100  Stopping monitor
+2025-03-12 07:05:00 +0100  Starting monitor
+6 entries
+)");
+    }
+
+    /// Nothing is left to tell of the end.
+    void batteryRunsOutAsleep()
+    {
+        NightBed laptop;
+        laptop.boot("18:00");
+        laptop.startAgent("18:01");
+        laptop.fallAsleep("23:10");
+        laptop.killAgent();
+        laptop.boot("07:05");
+        laptop.startAgent("07:06");
+        compare(laptop.list(), R"(Date                       Summary
+2025-03-11 18:00:00 +0100  Boot
+2025-03-11 18:01:00 +0100  Starting monitor
+2025-03-11 18:01:00 +0100  'PRB-1' connected
+2025-03-11 23:10:00 +0100  System sleeping after 5 hours, 10 minutes
+2025-03-11 23:10:00 +0100  Stopping monitor
+2025-03-12 07:05:00 +0100  Starting up after 7 hours, 55 minutes
+2025-03-12 07:06:00 +0100  Starting monitor
+7 entries
+)");
+    }
+};
+
+QTEST_GUILESS_MAIN(TestNight)
+#include "tst_night.moc"
