@@ -14,9 +14,11 @@ ZELKLWAWatchers::ZELKLWAWatchers(const QDBusConnection &systemBus, const ZELKLWA
     : QObject(parent)
     , m_sink(std::move(sink))
     , m_startups(settings)
+    , m_sourceNames(settings)
+    , m_shutdowns(options.database + QStringLiteral("-shutdown"))
 {
     makeAccountingWatchers(options, machine);
-    makeSleepWatcher(systemBus, machine);
+    makeSleepWatcher(systemBus, options, machine);
     makePowerWatchers(systemBus, options, defaults);
 }
 
@@ -30,9 +32,13 @@ void ZELKLWAWatchers::makeAccountingWatchers(const ZELKLWAOptions &options, cons
     m_watchers.push_back(std::make_unique<ZELKLWAStartupWatcher>(places, m_startups, wakefulSink()));
 }
 
-void ZELKLWAWatchers::makeSleepWatcher(const QDBusConnection &systemBus, const ZELKLWAMachine &machine)
+/// An agent of one user lives in his session, and that is the one bus it serves on.
+void ZELKLWAWatchers::makeSleepWatcher(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
+                                       const ZELKLWAMachine &machine)
 {
-    auto sleep = std::make_unique<ZELKLWASleepWatcher>(systemBus, m_sink, machine.suspendClock);
+    const auto session = options.forAllUsers ? std::nullopt : std::optional(QDBusConnection::sessionBus());
+    auto sleep =
+        std::make_unique<ZELKLWASleepWatcher>(systemBus, m_sink, machine.suspendClock, m_shutdowns, session);
     m_sleep = sleep.get();
     m_watchers.push_back(std::move(sleep));
 }
@@ -40,13 +46,16 @@ void ZELKLWAWatchers::makeSleepWatcher(const QDBusConnection &systemBus, const Z
 void ZELKLWAWatchers::makePowerWatchers(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
                                         ZELKLWADefaults &defaults)
 {
-    auto power = std::make_unique<ZELKLWAPowerSourceWatcher>(systemBus, options.powerSupply, wakefulSink());
+    auto power = std::make_unique<ZELKLWAPowerSourceWatcher>(systemBus, options.powerSupply, wakefulSink(),
+                                                             &m_sourceNames);
     power->setInterval(defaults.powerSupplyInterval());
     connect(&defaults, &ZELKLWADefaults::powerSupplyIntervalChanged, power.get(),
             &ZELKLWAPowerSourceWatcher::setInterval);
     ZELKPoweredDevices::Folders folders;
     folders.powerSupply = options.powerSupply;
     auto devices = std::make_unique<ZELKLWADeviceWatcher>(folders, wakefulSink());
+    power->setWakeCheck([this] { checkClocks(); });
+    devices->setWakeCheck([this] { checkClocks(); });
     connect(m_sleep, &ZELKLWASleepWatcher::didWake, this, [power = power.get(), devices = devices.get()] {
         zelkGuard([&] {
             power->systemDidWake(ZELKEnvironment::current().clock->now());

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "ZELKFileShutdownMemory.h"
 #include "ZELKLWADefaults.h"
 #include "ZELKLWAEvent.h"
 #include "ZELKLWAMachine.h"
 #include "ZELKLWAOptions.h"
 #include "ZELKLWAWatcher.h"
+#include "ZELKSettingsPowerSourceNames.h"
 #include "ZELKSettingsStartupMemory.h"
 
 #include <QDBusConnection>
@@ -34,7 +36,8 @@ public:
     void checkClocks();
 
 private:
-    void makeSleepWatcher(const QDBusConnection &systemBus, const ZELKLWAMachine &machine);
+    void makeSleepWatcher(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
+                          const ZELKLWAMachine &machine);
     void makePowerWatchers(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
                            ZELKLWADefaults &defaults);
     void makeAccountingWatchers(const ZELKLWAOptions &options, const ZELKLWAMachine &machine);
@@ -42,6 +45,8 @@ private:
 
     ZELKLWAEventSink m_sink;
     ZELKSettingsStartupMemory m_startups;
+    ZELKSettingsPowerSourceNames m_sourceNames;
+    ZELKFileShutdownMemory m_shutdowns;
     std::vector<std::unique_ptr<ZELKLWAWatcher>> m_watchers;
     ZELKLWASleepWatcher *m_sleep = nullptr; // one of them
 };
