@@ -8,7 +8,9 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QStringList>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -20,6 +22,38 @@ constexpr int sqliteError = 1; // of a statement without a fault: the header nam
 
 // With its closing NUL.
 constexpr std::array sqliteHeader = std::to_array("SQLite format 3");
+
+/// What a database consists of, the file itself last. Without its journals it is what it was some time ago,
+/// and is met again; a journal without its file would be deleted, or played into the file that follows.
+QStringList parts()
+{
+    return {QStringLiteral("-wal"), QStringLiteral("-journal"), QStringLiteral("-shm"), QString()};
+}
+
+/// Journals that wait there for their file are no hindrance: an earlier attempt was cut short.
+bool isTaken(const QString &path, const QString &aside)
+{
+    const QStringList all = parts();
+    return std::any_of(all.begin(), all.end(), [&](const QString &part) {
+        return QFileInfo::exists(aside + part) && QFileInfo::exists(path + part);
+    });
+}
+
+bool renameAll(const QString &path, const QString &aside)
+{
+    QStringList renamed;
+    for (const QString &part : parts()) {
+        if (!part.isEmpty() && !QFileInfo::exists(path + part))
+            continue;
+        if (!QFile::rename(path + part, aside + part)) {
+            for (const QString &back : renamed)
+                QFile::rename(aside + back, path + back);
+            return false;
+        }
+        renamed.append(part);
+    }
+    return true;
+}
 
 } // namespace
 
@@ -57,16 +91,12 @@ void ZELKDamagedDatabase::setAside(const QString &path)
     const QString day =
         ZELKCalendar::format(ZELKEnvironment::current().clock->now(), QStringLiteral("%Y-%m-%d"));
     QString aside;
-    for (int number = 1; aside.isEmpty() || QFileInfo::exists(aside); ++number)
+    for (int number = 1; aside.isEmpty() || isTaken(path, aside); ++number)
         aside = ZELKFormat("%@.damaged-%@-%d", {path, day, number});
-    if (!QFile::rename(path, aside)) {
+    if (!renameAll(path, aside)) {
         ZELKConsole::log(ZELKFormat("%@ is damaged and could not be set aside.", {path}));
         return;
     }
-    // A journal left behind would be played into the file that follows.
-    for (const QString &companion :
-         {QStringLiteral("-wal"), QStringLiteral("-shm"), QStringLiteral("-journal")})
-        QFile::rename(path + companion, aside + companion);
     ZELKConsole::log(
         ZELKFormat("%@ is damaged. It was set aside as %@, and a new one was begun.", {path, aside}));
 }

@@ -1,4 +1,8 @@
 #include "StoreFixture.h"
+#include "ZELKDamagedDatabase.h"
+
+#include <sys/inotify.h>
+#include <unistd.h>
 
 using Damage = std::function<void(QByteArray &)>;
 
@@ -63,6 +67,38 @@ private Q_SLOTS:
             store->applicationWillTerminate();
             QVERIFY(QFile::remove(fixture.file()));
         }
+    }
+
+    /// Ended in between, the file is met again and joins its journals; never are they beside a new file, or
+    /// deleted as those of a file that is not there.
+    void theFileIsSetAsideAfterItsJournals()
+    {
+        const ConsoleLines console;
+        StoreFixture fixture;
+        fixture.store->applicationWillTerminate();
+        const QStringList parts{u"-journal"_s, u"-shm"_s, u"-wal"_s, QString()};
+        for (const QString &part : parts)
+            writeFile(fixture.file() + part, "of cache" + part.toUtf8());
+        const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        inotify_add_watch(watch, qPrintable(fixture.folder.path()), IN_MOVED_FROM);
+        ZELKDamagedDatabase::setAside(fixture.file());
+        alignas(inotify_event) std::array<char, 4096> moves;
+        const ssize_t size = read(watch, moves.data(), moves.size());
+        close(watch);
+        QStringList moved;
+        for (ssize_t at = 0; at < size;) {
+            const auto *move = reinterpret_cast<const inotify_event *>(moves.data() + at);
+            moved.append(QString::fromUtf8(move->name).mid(QFileInfo(fixture.file()).fileName().size()));
+            at += ssize_t(sizeof *move + move->len);
+        }
+        QCOMPARE(moved.value(3, u"none"_s), QString());
+        QCOMPARE(moved.size(), 4);
+
+        const QString aside = fixture.file() + u".damaged-2025-01-31-1"_s;
+        QVERIFY(QFile::rename(aside, fixture.file()));
+        ZELKDamagedDatabase::setAside(fixture.file());
+        for (const QString &part : parts)
+            QCOMPARE(readFile(aside + part), "of cache" + part.toUtf8());
     }
 
     /// Whatever byte is another one: no crash, and events can be kept and read again.
