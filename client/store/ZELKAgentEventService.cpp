@@ -3,43 +3,78 @@
 #include "ZELKAssertion.h"
 #include "ZELKServiceNames.h"
 
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 
 namespace {
 
-QString ownerOf(const QDBusConnection &bus, const QString &name)
+class LookUp : public QObject
 {
-    if (!bus.isConnected() || !bus.interface()->isServiceRegistered(name))
-        return {};
-    return bus.interface()->serviceOwner(name);
-}
+public:
+    LookUp(const QList<QDBusConnection> &buses, const QString &agentName, int limit,
+           ZELKAgentEventService::Found found)
+        : m_buses(buses)
+        , m_agentName(agentName)
+        , m_limit(limit)
+        , m_found(std::move(found))
+    {
+        askNext();
+    }
+
+private:
+    void askNext()
+    {
+        while (!m_buses.isEmpty()) {
+            const QDBusConnection bus = m_buses.takeFirst();
+            if (bus.isConnected())
+                return ask(bus);
+        }
+        m_found(nullptr);
+    }
+
+    void ask(const QDBusConnection &bus)
+    {
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetNameOwner"));
+        call << m_agentName;
+        auto *watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, m_limit), this);
+        connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                [this, bus](QDBusPendingCallWatcher *finished) {
+                    finished->deleteLater();
+                    zelkGuard([&] { take(bus, *finished); });
+                });
+    }
+
+    void take(const QDBusConnection &bus, const QDBusPendingReply<QString> &owner)
+    {
+        if (owner.isError())
+            askNext();
+        else
+            m_found(std::make_unique<ZELKAgentEventService>(bus, owner.value(), m_limit));
+    }
+
+    QList<QDBusConnection> m_buses; // not yet asked
+    QString m_agentName;
+    int m_limit;
+    ZELKAgentEventService::Found m_found;
+};
 
 } // namespace
 
-ZELKAgentEventService::ZELKAgentEventService(const QDBusConnection &bus, const QString &agentName,
-                                             const QString &owner, int limit)
+ZELKAgentEventService::ZELKAgentEventService(const QDBusConnection &bus, const QString &owner, int limit)
     : m_bus(bus)
-    , m_agentName(agentName)
     , m_owner(owner)
     , m_limit(limit)
 {
 }
 
-std::unique_ptr<ZELKAgentEventService> ZELKAgentEventService::lookUp(const QDBusConnection &bus,
-                                                                     const QString &agentName, int limit)
+std::unique_ptr<QObject> ZELKAgentEventService::lookUp(const QList<QDBusConnection> &buses,
+                                                       const QString &agentName, int limit,
+                                                       const Found &found)
 {
-    const QString owner = ownerOf(bus, agentName);
-    if (owner.isEmpty())
-        return nullptr;
-    return std::unique_ptr<ZELKAgentEventService>(new ZELKAgentEventService(bus, agentName, owner, limit));
-}
-
-bool ZELKAgentEventService::isValid() const
-{
-    return ownerOf(m_bus, m_agentName) == m_owner;
+    return std::make_unique<LookUp>(buses, agentName, limit, found);
 }
 
 void ZELKAgentEventService::registerForEventUpdates(const QString &serviceName)

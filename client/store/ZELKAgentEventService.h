@@ -4,6 +4,7 @@
 
 #include <QDBusConnection>
 #include <QDBusUnixFileDescriptor>
+#include <QList>
 #include <QObject>
 #include <QString>
 
@@ -20,13 +21,17 @@ public:
     /// Called once with the descriptor, or with an invalid one and the reason.
     using Answer = std::function<void(QDBusUnixFileDescriptor events, const QString &error)>;
 
-    /// Null when nobody owns the agent's name on the bus; never starts a program. The limit is in
-    /// milliseconds.
-    static std::unique_ptr<ZELKAgentEventService> lookUp(const QDBusConnection &bus, const QString &agentName,
-                                                         int limit);
+    /// Called once, with null when nobody owns the agent's name on any of the buses.
+    using Found = std::function<void(std::unique_ptr<ZELKAgentEventService> agent)>;
 
-    /// The name is still owned by the one it was when this was looked up.
-    bool isValid() const;
+    /// Asks one bus after the other, at least one of them connected, who owns the agent's name; the first
+    /// that knows an owner counts. Each bus has the limit, in milliseconds, for its answer. Never starts a
+    /// program. What it returns is the question: nothing is found when it is destroyed first.
+    static std::unique_ptr<QObject> lookUp(const QList<QDBusConnection> &buses, const QString &agentName,
+                                           int limit, const Found &found);
+
+    /// The owner is a connection's unique name: who takes the agent's name over later is not met here.
+    ZELKAgentEventService(const QDBusConnection &bus, const QString &owner, int limit);
 
     bool isOn(const QDBusConnection &bus) const { return m_bus.name() == bus.name(); }
 
@@ -36,12 +41,9 @@ public:
     void sortedEventsFromDate(ZELKDate from, ZELKDate to, const Answer &answer);
 
 private:
-    ZELKAgentEventService(const QDBusConnection &bus, const QString &agentName, const QString &owner,
-                          int limit);
     static void deliver(const QDBusPendingCallWatcher &call, const Answer &answer);
 
     QDBusConnection m_bus;
-    QString m_agentName;
     QString m_owner;
     int m_limit;
 };

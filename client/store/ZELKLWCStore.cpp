@@ -65,6 +65,7 @@ void ZELKLWCStore::applicationWillTerminate()
 void ZELKLWCStore::endAgentConnection()
 {
     m_fetch.reset();
+    m_agentLookUp.reset();
     m_fetching = false;
     m_agentConnection.reset();
     if (m_updateConnection)
@@ -106,29 +107,23 @@ void ZELKLWCStore::registerUpdateConnection()
                          m_bus.registerService(updateIdentifier());
     if (!m_updateConnection)
         return;
-    service->registerOn(m_systemBus, ZELKServiceNames::storeServicePath());
+    m_isOnSystemBus = service->registerOn(m_systemBus, ZELKServiceNames::storeServicePath());
     m_updateService = std::move(service);
 }
 
-/// A name on the system bus is one for the whole machine, and not for a user to own; there the agent calls
-/// back the connection itself.
-QString ZELKLWCStore::callBackName()
+ZELKLWCStore::Agent ZELKLWCStore::agent() const
 {
-    return m_agentConnection->isOn(m_systemBus) ? m_systemBus.baseService() : updateIdentifier();
+    return m_agentConnection->isOn(m_systemBus) ? Agent::OnSystemBus : Agent::OnSessionBus;
 }
 
-ZELKAgentEventService *ZELKLWCStore::agentConnection()
+/// A name on the system bus is one for the whole machine, and not for a user to own; there the agent calls
+/// back the connection itself. Empty where nothing of ours would answer: the name may be another copy's,
+/// which the agent would forget together with us.
+QString ZELKLWCStore::callBackName()
 {
-    if (m_agentConnection && m_agentConnection->isValid())
-        return m_agentConnection.get();
-    if (!m_fetch)
-        m_fetching = false; // a request that waits goes with its connection
-    for (const QDBusConnection *bus : {&m_systemBus, &m_bus}) {
-        m_agentConnection = ZELKAgentEventService::lookUp(*bus, m_agentController->agentName(), m_agentLimit);
-        if (m_agentConnection)
-            break;
-    }
-    return m_agentConnection.get();
+    if (agent() == Agent::OnSystemBus)
+        return m_isOnSystemBus ? m_systemBus.baseService() : QString();
+    return m_updateConnection ? updateIdentifier() : QString();
 }
 
 void ZELKLWCStore::updateAgentConnection()
@@ -138,7 +133,9 @@ void ZELKLWCStore::updateAgentConnection()
     if (m_agentController->installed())
         return fetchAgentEvents();
     m_agentConnection.reset();
-    if (m_fetching)
+    if (std::exchange(m_agentLookUp, nullptr))
+        endFetch(false);
+    else if (m_fetching)
         endReading(false, QStringLiteral("The agent has gone."));
     if (m_logController->count() >= 1)
         addEntryForMonitor(ZELKEventStoppingMonitor, ZELKMonitorLullwatch,
@@ -161,35 +158,47 @@ void ZELKLWCStore::fetchAgentEvents()
 {
     // The bus may call before the outlets are connected.
     const bool installed = m_agentController && m_agentController->installed();
-    ZELKAgentEventService *agent = installed ? agentConnection() : nullptr;
-    if (!agent) {
-        if (!m_fetching)
-            endFetch(false);
-        return;
-    }
-    if (m_servesUpdates)
-        agent->registerForEventUpdates(callBackName());
     if (m_fetching) {
-        m_fetchAgain = true;
+        m_fetchAgain = m_fetchAgain || installed;
         return;
     }
+    if (!installed || !(m_systemBus.isConnected() || m_bus.isConnected()))
+        return endFetch(false);
+    m_fetching = true;
+    // Each time anew: an agent may have gone, and that for all users comes first as soon as it is there.
+    m_agentLookUp =
+        ZELKAgentEventService::lookUp({m_systemBus, m_bus}, m_agentController->agentName(), m_agentLimit,
+                                      [this](std::unique_ptr<ZELKAgentEventService> agent) {
+                                          // It is still in its own call.
+                                          m_agentLookUp.release()->deleteLater();
+                                          m_agentConnection = std::move(agent);
+                                          askAgent();
+                                      });
+}
+
+void ZELKLWCStore::askAgent()
+{
+    if (!m_agentConnection)
+        return endFetch(false);
+    if (const QString name = callBackName(); !name.isEmpty())
+        m_agentConnection->registerForEventUpdates(name);
     std::optional<ZELKDate> last;
-    const bool raised = !zelkGuard([&] { last = lastSyncDate(); });
+    const bool raised = !zelkGuard([&] { last = lastSyncDateWith(agent()); });
     if (raised || lastResult().failed()) {
         recover(raised);
         return endFetch(false);
     }
-    m_fetching = true;
-    m_fetchDate = ZELKEnvironment::current().clock->now();
+    m_fetchSync = {ZELKEnvironment::current().clock->now(), agent()};
     m_streamedCount = 0;
     m_fetchedCount = 0;
-    agent->sortedEventsFromDate(last->addingTimeInterval(secondsPastBoundary), m_fetchDate,
-                                [this](const QDBusUnixFileDescriptor &events, const QString &error) {
-                                    if (events.isValid())
-                                        beginReading(events);
-                                    else
-                                        endReading(false, error);
-                                });
+    m_agentConnection->sortedEventsFromDate(
+        last->addingTimeInterval(secondsPastBoundary), m_fetchSync.date,
+        [this](const QDBusUnixFileDescriptor &events, const QString &error) {
+            if (events.isValid())
+                beginReading(events);
+            else
+                endReading(false, error);
+        });
 }
 
 void ZELKLWCStore::beginReading(const QDBusUnixFileDescriptor &events)
@@ -249,11 +258,12 @@ void ZELKLWCStore::endReading(bool complete, const QString &error)
     const std::vector<CacheRow> rows = std::exchange(m_fetched, {});
     const bool anything = m_fetchedCount > 0;
     const bool written =
-        rows.empty() || writeRows(rows, complete ? std::optional(m_fetchDate) : std::nullopt);
+        rows.empty() || writeRows(rows, complete ? std::optional(m_fetchSync) : std::nullopt);
     if (!complete)
         ZELKConsole::log(ZELKFormat("agent events could not be fetched: %@", {error}));
     if (complete && written && anything)
-        ZELKConsole::log(ZELKFormat("agent provided %u entries up to %@.", {m_fetchedCount, m_fetchDate}));
+        ZELKConsole::log(
+            ZELKFormat("agent provided %u entries up to %@.", {m_fetchedCount, m_fetchSync.date}));
     if (complete && written && (anything || m_logIsBehind))
         zelkGuard([this] { updateLogEvents(); });
     endFetch(complete && written && !m_logIsBehind);

@@ -39,7 +39,7 @@ public:
         QDBusConnection bus;
         /// The cache's file; empty for the one in the user's documents folder.
         QString databaseFile = {};
-        /// Milliseconds for the agent's answer, and for each silence in its stream, after which it has
+        /// Milliseconds for a bus's answer, the agent's, and each silence in its stream, after which it has
         /// failed. Less than usual only where a test waits for it.
         int agentLimit = ZELKServiceNames::callTimeoutMilliseconds;
         /// Serve the call-back: for a store that stays. One of a short command would keep the name from it.
@@ -106,8 +106,9 @@ private:
     void setLogIsBehind(bool isBehind);
     void registerUpdateConnection();
     void endAgentConnection();
-    ZELKAgentEventService *agentConnection();
+    Agent agent() const;
     QString callBackName();
+    void askAgent();
     void beginReading(const QDBusUnixFileDescriptor &events);
     bool takeFetchedEvent(std::string_view event);
     std::optional<CacheRow> rowForFetchedEvent(std::string_view event);
@@ -120,16 +121,18 @@ private:
     bool m_servesUpdates;
     ZELKAgentController *m_agentController = nullptr;
     ZELKLWCLog *m_logController = nullptr;
+    std::unique_ptr<QObject> m_agentLookUp; // while the buses are asked for the agent
     std::unique_ptr<ZELKAgentEventService> m_agentConnection;
     std::unique_ptr<QObject> m_updateService;
     bool m_updateConnection = false;
+    bool m_isOnSystemBus = false; // the update service
     QString m_updateIdentifier;
     QTimer m_updateTimer;
     bool m_terminated = false;
 
     bool m_fetching = false;
     bool m_fetchAgain = false;
-    ZELKDate m_fetchDate; // "now" of the fetch under way
+    LastSync m_fetchSync; // "now" of the fetch under way, and whom it asks
     std::uint64_t m_streamedCount = 0;
     std::uint64_t m_fetchedCount = 0;
     std::vector<CacheRow> m_fetched; // not yet written

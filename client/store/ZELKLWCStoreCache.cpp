@@ -21,6 +21,18 @@ QString lastSyncSetting()
     return QStringLiteral("lastSync");
 }
 
+/// "session" or "system". A cache without it is from when there was no agent but the session's.
+QString lastSyncAgentSetting()
+{
+    return QStringLiteral("lastSyncAgent");
+}
+
+QString nameOf(ZELKLWCStoreCache::Agent agent)
+{
+    return agent == ZELKLWCStoreCache::Agent::OnSystemBus ? QStringLiteral("system")
+                                                          : QStringLiteral("session");
+}
+
 QVariant stored(const ZELKDatabaseColumn &column)
 {
     const QByteArray bytes(column.bytes.data(), qsizetype(column.bytes.size()));
@@ -148,7 +160,7 @@ bool ZELKLWCStoreCache::inTransaction(const std::function<bool()> &write)
     return !raised && written;
 }
 
-bool ZELKLWCStoreCache::writeRows(const std::vector<CacheRow> &rows, std::optional<ZELKDate> lastSync)
+bool ZELKLWCStoreCache::writeRows(const std::vector<CacheRow> &rows, std::optional<LastSync> lastSync)
 {
     return inTransaction([&] {
         for (const CacheRow &row : rows)
@@ -156,7 +168,7 @@ bool ZELKLWCStoreCache::writeRows(const std::vector<CacheRow> &rows, std::option
                 return false;
         if (!lastSync)
             return true;
-        setLastSyncDate(lastSync);
+        setLastSyncDate(lastSync->date, lastSync->agent);
         return !lastResult().failed();
     });
 }
@@ -200,9 +212,22 @@ ZELKDate ZELKLWCStoreCache::lastSyncDate()
     return seconds && std::isfinite(number) ? ZELKDate(number) : ZELKDate::distantPast();
 }
 
-void ZELKLWCStoreCache::setLastSyncDate(std::optional<ZELKDate> date)
+ZELKDate ZELKLWCStoreCache::lastSyncDateWith(Agent agent)
+{
+    const ZELKDate date = lastSyncDate();
+    if (lastResult().failed())
+        return date;
+    const QString whose = stringForSetting(lastSyncAgentSetting()).value_or(nameOf(Agent::OnSessionBus));
+    if (lastResult().failed())
+        recover(false);
+    return whose == nameOf(agent) ? date : ZELKDate::distantPast();
+}
+
+void ZELKLWCStoreCache::setLastSyncDate(std::optional<ZELKDate> date, Agent agent)
 {
     setString(date ? std::optional(ZELKDateText(*date)) : std::nullopt, lastSyncSetting());
+    if (!lastResult().failed())
+        setString(date ? std::optional(nameOf(agent)) : std::nullopt, lastSyncAgentSetting());
 }
 
 // MARK: reading

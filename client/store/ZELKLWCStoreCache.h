@@ -42,9 +42,16 @@ public:
     /// Rows changed through this connection so far; an event that was there already changes none.
     std::uint64_t changeCount();
 
+    /// Where an agent is met: the user's own, or that of all users.
+    enum class Agent { OnSessionBus, OnSystemBus };
+
     /// When events were last brought; distant past at first, and when lastResult() failed().
     ZELKDate lastSyncDate();
-    void setLastSyncDate(std::optional<ZELKDate> date);
+    /// The same if this agent brought them, else distant past: what one agent had to give, and when it came
+    /// to have it, says nothing of another.
+    ZELKDate lastSyncDateWith(Agent agent);
+    /// Both together, or neither. Not a transaction of its own.
+    void setLastSyncDate(std::optional<ZELKDate> date, Agent agent = Agent::OnSessionBus);
 
 protected:
     static constexpr std::size_t eventsInTransaction = 10000;
@@ -54,6 +61,11 @@ protected:
     {
         QString date; ///< null when the event has none
         QByteArray properties;
+    };
+    struct LastSync
+    {
+        ZELKDate date;
+        Agent agent = Agent::OnSessionBus;
     };
     struct UnreadableRow
     {
@@ -69,7 +81,7 @@ protected:
     CacheRow serialised(const ZELKRawEvent &event) const;
     /// One transaction; "lastSync" moves with it. False, and nothing of it is kept, when something failed,
     /// which the console has been told.
-    bool writeRows(const std::vector<CacheRow> &rows, std::optional<ZELKDate> lastSync);
+    bool writeRows(const std::vector<CacheRow> &rows, std::optional<LastSync> lastSync);
     bool inTransaction(const std::function<bool()> &write);
     /// Rows of the cache: the event and the row's number. Raises like forEachRow.
     ZELKDatabaseResult readRows(std::optional<ZELKDate> from, std::optional<ZELKDate> to,

@@ -33,7 +33,7 @@ public:
     using Answer = std::function<void(const QDBusMessage &call)>;
 
     explicit FakeAgent(QDBusConnection::BusType bus = QDBusConnection::SessionBus)
-        : m_bus(QDBusConnection::connectToBus(bus, u"agent"_s))
+        : m_bus(QDBusConnection::connectToBus(bus, u"agent %1"_s.arg(int(bus))))
     {
         m_bus.registerObject(ZELKServiceNames::eventServicePath(), this, QDBusConnection::ExportAllSlots);
         m_bus.registerService(u"org.zelk.lullwatch.agent"_s);
@@ -45,7 +45,7 @@ public:
         for (const int writingEnd : std::exchange(m_open, {}))
             close(writingEnd);
         m_bus.unregisterObject(ZELKServiceNames::eventServicePath());
-        QDBusConnection::disconnectFromBus(u"agent"_s);
+        QDBusConnection::disconnectFromBus(m_bus.name());
     }
     /// Answers a call with these bytes: through a pipe as far as one holds them, else from memory.
     void give(const QDBusMessage &call, const QByteArray &bytes, bool staysOpen = false)

@@ -51,6 +51,7 @@ struct StoreFixture
     ZELKLWCDateRangeController range;
     ZELKLWCLog log;
     QDBusConnection bus;
+    QDBusConnection systemBus = QDBusConnection(QString());
     int agentLimit = ZELKServiceNames::callTimeoutMilliseconds;
     bool servesUpdates = true;
     std::shared_ptr<ZELKFailingSQLitePort> port = std::make_shared<ZELKFailingSQLitePort>();
@@ -81,8 +82,9 @@ struct StoreFixture
     QString file() const { return folder.filePath(u"cache.lullwatch-events"_s); }
     std::unique_ptr<ZELKLWCStore> bareStore() const
     {
-        return std::make_unique<ZELKLWCStore>(
-            ZELKLWCStore::World{bundle, sqlite, bus, file(), agentLimit, servesUpdates});
+        ZELKLWCStore::World world{bundle, sqlite, bus, file(), agentLimit, servesUpdates};
+        world.systemBus = systemBus;
+        return std::make_unique<ZELKLWCStore>(world);
     }
     /// One that is told of agent and log, in the place of the one before.
     void renewStore()
