@@ -7,27 +7,28 @@
 
 #include <utility>
 
-ZELKAgentFiles::ZELKAgentFiles(const ZELKInstalledAgent &place, int timeoutMilliseconds, QObject *parent)
+ZELKAgentFiles::ZELKAgentFiles(const ZELKInstalledAgent &place, QObject *parent)
     : QObject(parent)
     , m_place(place)
 {
     m_limit.setSingleShot(true);
-    m_limit.setInterval(timeoutMilliseconds);
     connect(&m_limit, &QTimer::timeout, this, [this] { zelkGuard([this] { answer(areRemoved()); }); });
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this,
             [this] { zelkGuard([this] { look(); }); });
 }
 
-void ZELKAgentFiles::remove(const Handler &done)
+void ZELKAgentFiles::remove(int milliseconds, const Handler &done)
 {
-    const bool isInstalled = QFileInfo(m_place.runtimeFolder()).isWritable() && !areRemoved();
-    if (m_done || !isInstalled || ZELKFileManager::writeFile(m_place.request(), {})) {
-        QTimer::singleShot(0, this, [done] { zelkGuard([&] { done(false); }); });
+    const bool isInstalled = QFileInfo(m_place.runtimeFolder()).isWritable();
+    const bool nothingIsLeft = isInstalled && areRemoved();
+    if (m_done || !isInstalled || nothingIsLeft || ZELKFileManager::writeFile(m_place.request(), {})) {
+        const bool removed = !m_done && nothingIsLeft;
+        QTimer::singleShot(0, this, [done, removed] { zelkGuard([&] { done(removed); }); });
         return;
     }
     m_done = done;
     m_watcher.addPaths({m_place.bundleFolder(), m_place.unitFolder()});
-    m_limit.start();
+    m_limit.start(milliseconds);
     look();
 }
 

@@ -10,23 +10,19 @@
 
 /// The files of an agent that records for all users, as the agent sees them: it may have them deleted, but
 /// has no rights over them itself. A request in its runtime folder makes the service manager run the
-/// installer, which deletes the bundle and the units; when the request is withdrawn it deletes the bus
-/// policy.
+/// installer, which deletes the bundle and the units. The bus policy stays until the job goes.
 class ZELKAgentFiles : public QObject
 {
     Q_OBJECT
 
 public:
-    /// How long the deletion may take; less than a caller waits for its answer.
-    static constexpr int usualTimeout = 3000;
-
-    explicit ZELKAgentFiles(const ZELKInstalledAgent &place, int timeoutMilliseconds = usualTimeout,
-                            QObject *parent = nullptr);
+    explicit ZELKAgentFiles(const ZELKInstalledAgent &place, QObject *parent = nullptr);
 
     using Handler = std::function<void(bool removed)>;
-    /// `done` is called once, later, unless this object is destroyed before. False when this agent is none
-    /// that was installed so, when a removal is under way, or when files are left after the time.
-    void remove(const Handler &done);
+    /// `done` is called once, later, unless this object is destroyed before. True also when the files were
+    /// gone before, as when the job's own removal did not follow. False when this agent is none that was
+    /// installed so, when a removal is under way, or when files are left after the time.
+    void remove(int milliseconds, const Handler &done);
     /// Withdraws the request: everybody who has to be told was told.
     void finish();
 

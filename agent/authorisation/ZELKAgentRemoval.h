@@ -8,13 +8,18 @@
 #include <QObject>
 
 /// What the control service does when it is asked to remove the agent's files: checks that the caller may,
-/// has them deleted, answers, and only then lets the bus policy go.
+/// has them deleted, answers, and only then withdraws the request.
 class ZELKAgentRemoval : public QObject
 {
     Q_OBJECT
 
 public:
-    ZELKAgentRemoval(const QDBusConnection &bus, const ZELKInstalledAgent &place, QObject *parent = nullptr);
+    /// All of it has to be answered before the caller gives up, which it does after
+    /// ZELKServiceNames::callTimeoutMilliseconds.
+    static constexpr int usualTimeout = 4500;
+
+    ZELKAgentRemoval(const QDBusConnection &bus, const ZELKInstalledAgent &place, QObject *parent = nullptr,
+                     int timeoutMilliseconds = usualTimeout);
 
     /// Answers the call with a boolean, later. The call is to be marked as answered so (setDelayedReply).
     /// A no leaves a console line.
@@ -24,6 +29,7 @@ private:
     void reply(const QDBusMessage &call, bool removed);
 
     QDBusConnection m_bus;
+    int m_timeout;
     ZELKAuthorizationCheck m_check;
     ZELKAgentFiles m_files;
 };

@@ -7,8 +7,11 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusReply>
+#include <QDeadlineTimer>
 #include <QTimer>
 #include <QVariantMap>
+
+#include <algorithm>
 
 namespace {
 
@@ -42,6 +45,7 @@ struct ZELKAuthorizationCheck::Request
     QString action;
     bool mayAsk;
     Handler done;
+    QDeadlineTimer deadline;
 };
 
 ZELKAuthorizationCheck::ZELKAuthorizationCheck(const QDBusConnection &bus, const Surroundings &surroundings,
@@ -65,7 +69,7 @@ void ZELKAuthorizationCheck::check(const QByteArray &form, const QString &caller
         QTimer::singleShot(0, this, [done, problem] { zelkGuard([&] { done(problem); }); });
         return;
     }
-    const Request request{*decoded, action, mayAsk, done};
+    const Request request{*decoded, action, mayAsk, done, QDeadlineTimer(m_surroundings.timeoutMilliseconds)};
     ask(m_bus, credentialsOf(caller), m_surroundings.timeoutMilliseconds, this,
         [this, request](const QDBusMessage &message) {
             const QDBusReply<QVariantMap> reply = message;
@@ -85,7 +89,8 @@ void ZELKAuthorizationCheck::compare(const Request &request, const QVariantMap &
     const auto running = ZELKProcessTable(m_surroundings.procFolder).process(request.form.processIdentifier);
     const bool isCaller = process.isValid() && process.toUInt() == request.form.processIdentifier &&
                           user.isValid() && user.toUInt() == request.form.userIdentifier && running &&
-                          running->startTime == request.form.startTime;
+                          running->startTime == request.form.startTime &&
+                          running->userIdentifier == request.form.userIdentifier;
     if (!isCaller)
         request.done(QStringLiteral("the form is not the caller's"));
     else if (user.toUInt() == m_surroundings.administrator)
@@ -97,7 +102,8 @@ void ZELKAuthorizationCheck::compare(const Request &request, const QVariantMap &
 void ZELKAuthorizationCheck::askPolkit(const Request &request)
 {
     const QDBusMessage question = ZELKPolkit::question(request.form, request.action, request.mayAsk);
-    const int timeout = request.mayAsk ? millisecondsToAsk : m_surroundings.timeoutMilliseconds;
+    const int timeout =
+        request.mayAsk ? millisecondsToAsk : std::max(1, int(request.deadline.remainingTime()));
     ask(m_bus, question, timeout, this, [this, request](const QDBusMessage &reply) {
         const auto answer = ZELKPolkit::answer(reply);
         if (!answer)

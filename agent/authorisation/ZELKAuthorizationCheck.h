@@ -17,7 +17,7 @@ class ZELKAuthorizationCheck : public QObject
 public:
     struct Surroundings
     {
-        int timeoutMilliseconds = 1500; ///< what the bus and polkit may take each
+        int timeoutMilliseconds = 4500; ///< what bus and polkit may take together, unless polkit asks
         QString procFolder = QStringLiteral("/proc");
         uint administrator = 0; ///< the user who may do everything
     };

@@ -15,7 +15,7 @@ QStringList ZELKInstalledAgent::unitFiles() const
             wantedFolder() + QLatin1Char('/') + removalPathName(), unit(), removalPath(), removalService()};
 }
 
-QByteArray ZELKInstalledAgent::filledTemplate(const QString &name, const QString &program) const
+QByteArray ZELKInstalledAgent::filledTemplate(const QString &name) const
 {
     initialiseTemplates();
     QFile file(QStringLiteral(":/lullwatch/") + name);
@@ -23,10 +23,8 @@ QByteArray ZELKInstalledAgent::filledTemplate(const QString &name, const QString
         return {};
     QString text = QString::fromUtf8(file.readAll());
     const std::pair<const char *, QString> words[] = {
-        {"@LABEL@", label()},      {"@USER@", user()},
-        {"@PROGRAM@", program},    {"@INSTALLER@", installer()},
-        {"@REQUEST@", request()},  {"@HOME@", home()},
-        {"@UNITS@", unitFolder()}, {"@POLICIES@", policyFolder()},
+        {"@LABEL@", label()},     {"@USER@", user()}, {"@PROGRAM@", program()},  {"@INSTALLER@", installer()},
+        {"@REQUEST@", request()}, {"@HOME@", home()}, {"@UNITS@", unitFolder()},
     };
     for (const auto &[word, value] : words)
         text.replace(QLatin1String(word), value);

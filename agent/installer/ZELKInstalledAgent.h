@@ -15,8 +15,10 @@ public:
 
     /// Bus name, bundle identifier, and the beginning of the units' names.
     static QString label() { return QStringLiteral("org.zelk.lullwatch.agent"); }
-    /// Whom it runs as.
-    static QString user() { return QStringLiteral("lullwatch"); }
+    /// The one program of its bundle that is ever executed, whatever else the bundle names.
+    static QString programName() { return QStringLiteral("lullwatch-agent"); }
+    /// Whom it runs as; a person's account hardly begins so.
+    static QString user() { return QStringLiteral("_lullwatch"); }
     static QString unitName() { return label() + QStringLiteral(".service"); }
     static QString removalPathName() { return label() + QStringLiteral("-removal.path"); }
     static QString removalServiceName() { return label() + QStringLiteral("-removal.service"); }
@@ -24,6 +26,9 @@ public:
     QString home() const { return m_root + QStringLiteral("/opt/lullwatch"); }
     QString bundleFolder() const { return home() + QStringLiteral("/agents"); }
     QString bundle() const { return bundleFolder() + QLatin1Char('/') + label() + QStringLiteral(".app"); }
+    QString program() const { return bundle() + QLatin1Char('/') + programName(); }
+    /// What stood there before, until a new one runs.
+    QString earlierBundle() const { return home() + QStringLiteral("/earlier.app"); }
     /// A copy of the installer, which the removal runs.
     QString installer() const { return home() + QStringLiteral("/lullwatch-installer"); }
 
@@ -44,7 +49,7 @@ public:
     /// The units and the links to them.
     QStringList unitFiles() const;
     /// A file of packaging/ with places and names put in for the words between at signs.
-    QByteArray filledTemplate(const QString &name, const QString &program) const;
+    QByteArray filledTemplate(const QString &name) const;
 
 private:
     QString m_root;

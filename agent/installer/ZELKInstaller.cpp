@@ -1,6 +1,7 @@
 #include "ZELKInstaller.h"
 
 #include "ZELKBundle.h"
+#include "ZELKEarlierAgent.h"
 #include "ZELKFileManager.h"
 
 #include <QDir>
@@ -27,13 +28,6 @@ Problem removeAll(const QStringList &paths)
             first = problem;
     }
     return first;
-}
-
-Problem makeFolder(const QString &path)
-{
-    if (QDir().mkpath(path))
-        return std::nullopt;
-    return path + QStringLiteral(": cannot be made");
 }
 
 Problem link(const QString &target, const QString &path)
@@ -82,26 +76,51 @@ std::optional<QString> ZELKInstaller::install(const QString &bundle, const QStri
 {
     if (const Problem problem = checkBundle(bundle))
         return problem;
+    ZELKEarlierAgent earlier(m_place);
+    Problem problem = earlier.keep();
+    if (!problem) {
+        problem = replace(bundle, installer);
+        if (problem && earlier.isThere())
+            problem = bringBack(earlier, *problem);
+        else if (problem)
+            purge();
+    }
+    earlier.forget();
+    return problem;
+}
+
+std::optional<QString> ZELKInstaller::replace(const QString &bundle, const QString &installer) const
+{
     Problem problem = copyAgent(bundle, installer);
     if (!problem)
         problem = makeUser();
     if (!problem)
-        problem = writeFiles(ZELKBundle(m_place.bundle()).executablePath());
-    if (!problem)
-        problem = startJob();
-    if (problem)
-        purge();
-    return problem;
+        problem = writeFiles();
+    return problem ? problem : startJob();
 }
 
-/// What is executed has to lie in the bundle itself.
+/// Answers why the new agent failed, and if need be why the earlier one did not come back.
+QString ZELKInstaller::bringBack(const ZELKEarlierAgent &earlier, const QString &failure) const
+{
+    Problem problem = earlier.restore();
+    if (!problem)
+        problem = makeLinks();
+    if (!problem)
+        problem = startJob();
+    if (!problem)
+        return failure;
+    return failure + QStringLiteral("; the agent that was there could not be brought back: ") + *problem;
+}
+
+/// The program has its name here and not from Info.plist, which could make anything of the unit's lines.
 std::optional<QString> ZELKInstaller::checkBundle(const QString &bundle) const
 {
     const ZELKBundle agent(bundle);
-    const QFileInfo program(agent.executablePath());
-    const bool isAgent = agent.isValid() && agent.bundleIdentifier() == ZELKInstalledAgent::label();
-    const bool isProgram = program.isFile() && !program.isSymLink() && program.isExecutable() &&
-                           program.absolutePath() == agent.path();
+    const QString name = ZELKInstalledAgent::programName();
+    const QFileInfo program(bundle + QLatin1Char('/') + name);
+    const bool isAgent = agent.isValid() && agent.bundleIdentifier() == ZELKInstalledAgent::label() &&
+                         agent.infoDictionary().string(QStringLiteral("CFBundleExecutable")) == name;
+    const bool isProgram = program.isFile() && !program.isSymLink() && program.isExecutable();
     if (isAgent && isProgram)
         return std::nullopt;
     return bundle + QStringLiteral(": not the recording agent");
@@ -109,17 +128,16 @@ std::optional<QString> ZELKInstaller::checkBundle(const QString &bundle) const
 
 std::optional<QString> ZELKInstaller::copyAgent(const QString &bundle, const QString &installer) const
 {
-    if (const Problem problem = makeFolder(m_place.bundleFolder()))
-        return problem;
-    if (const Problem problem = ZELKFileManager::copyFolder(bundle, m_place.bundle()))
+    if (const Problem problem = ZELKFileManager::makeFolder(m_place.bundleFolder()))
         return problem;
     // The bundle's folder may be somebody's who goes on writing to it: what counts is what was copied.
-    if (const Problem problem = checkBundle(m_place.bundle()))
+    const auto check = [this](const QString &copy) { return checkBundle(copy); };
+    if (const Problem problem = ZELKFileManager::copyFolder(bundle, m_place.bundle(), check))
         return problem;
     return copyProgram(installer, m_place.installer());
 }
 
-std::optional<QString> ZELKInstaller::writeFiles(const QString &program) const
+std::optional<QString> ZELKInstaller::writeFiles() const
 {
     const std::pair<QString, QString> files[] = {
         {QStringLiteral("agent.service"), m_place.unit()},
@@ -128,13 +146,18 @@ std::optional<QString> ZELKInstaller::writeFiles(const QString &program) const
         {QStringLiteral("agent.conf"), m_place.policy()},
     };
     for (const QString &folder : {m_place.wantedFolder(), m_place.policyFolder()}) {
-        if (const Problem problem = makeFolder(folder))
+        if (const Problem problem = ZELKFileManager::makeFolder(folder))
             return problem;
     }
     for (const auto &[name, path] : files) {
-        if (const Problem problem = ZELKFileManager::writeFile(path, m_place.filledTemplate(name, program)))
+        if (const Problem problem = ZELKFileManager::writeFile(path, m_place.filledTemplate(name)))
             return problem;
     }
+    return makeLinks();
+}
+
+std::optional<QString> ZELKInstaller::makeLinks() const
+{
     for (const QString &wanted : {m_place.unit(), m_place.removalPath()}) {
         const QString path = m_place.wantedFolder() + QLatin1Char('/') + QFileInfo(wanted).fileName();
         if (const Problem problem = link(wanted, path))
@@ -156,11 +179,21 @@ std::optional<QString> ZELKInstaller::startJob() const
     const QString systemctl = QStringLiteral("systemctl");
     if (const Problem problem = reload())
         return problem;
+    forgetFailures();
     for (const QString &unit : {ZELKInstalledAgent::removalPathName(), ZELKInstalledAgent::unitName()}) {
         if (const Problem problem = execute({systemctl, QStringLiteral("restart"), unit}))
             return problem;
     }
     return std::nullopt;
+}
+
+/// Else an agent that could not be started again and again keeps the next one from being started. It is no
+/// failure when there were none.
+void ZELKInstaller::forgetFailures() const
+{
+    QString ignored;
+    m_runner({QStringLiteral("systemctl"), QStringLiteral("reset-failed"), ZELKInstalledAgent::unitName()},
+             &ignored);
 }
 
 std::optional<QString> ZELKInstaller::reload() const
@@ -177,18 +210,35 @@ std::optional<QString> ZELKInstaller::reload() const
 
 std::optional<QString> ZELKInstaller::remove() const
 {
-    // Until it has ended the job is known by what was loaded, so nothing is reloaded before.
+    return removeJob({});
+}
+
+/// Stops the job first, and reloads last: until it has ended the job is known by what was loaded.
+std::optional<QString> ZELKInstaller::removeJob(const QStringList &more) const
+{
     for (const QString &unit : {ZELKInstalledAgent::unitName(), ZELKInstalledAgent::removalPathName()}) {
         QString complaint;
         const int status = m_runner({QStringLiteral("systemctl"), QStringLiteral("stop"), unit}, &complaint);
         if (status != 0 && status != notLoaded)
             return QStringLiteral("systemctl stop %1 (%2): %3").arg(unit).arg(status).arg(complaint);
     }
-    Problem problem = removeAll(m_place.unitFiles() + QStringList{m_place.policy()});
+    Problem problem = removeAll(m_place.unitFiles() + QStringList{m_place.policy()} + more);
     const Problem reloaded = reload();
-    if (!QFileInfo::exists(m_place.bundle()))
-        problem = problem ? problem : ZELKFileManager::remove(m_place.home());
+    forgetFailures();
+    if (!problem && !QFileInfo::exists(m_place.bundle()))
+        problem = removeHome();
     return problem ? problem : reloaded;
+}
+
+/// What is ours by name. The folders stay when others keep something in them.
+std::optional<QString> ZELKInstaller::removeHome() const
+{
+    const Problem problem = removeAll({m_place.installer(), m_place.earlierBundle(),
+                                       ZELKFileManager::unfinishedCopy(m_place.bundle()),
+                                       ZELKFileManager::unfinishedCopy(m_place.earlierBundle())});
+    for (const QString &folder : {m_place.bundleFolder(), m_place.home()})
+        QDir().rmdir(folder);
+    return problem;
 }
 
 std::optional<QString> ZELKInstaller::removeFiles(int millisecondsToWait) const
@@ -197,9 +247,10 @@ std::optional<QString> ZELKInstaller::removeFiles(int millisecondsToWait) const
     if (const Problem problem = removeAll(m_place.unitFiles() + QStringList{m_place.bundle()}))
         return problem;
     waitUntilRequestIsGone(millisecondsToWait);
-    return removeAll({m_place.policy(), m_place.installer()});
+    return std::nullopt;
 }
 
+/// As long as the request stands, whoever watches it would run this again and again.
 void ZELKInstaller::waitUntilRequestIsGone(int milliseconds) const
 {
     QElapsedTimer time;
@@ -210,7 +261,5 @@ void ZELKInstaller::waitUntilRequestIsGone(int milliseconds) const
 
 std::optional<QString> ZELKInstaller::purge() const
 {
-    const Problem bundle = ZELKFileManager::remove(m_place.bundle());
-    const Problem job = remove();
-    return job ? job : bundle;
+    return removeJob({m_place.bundle()});
 }

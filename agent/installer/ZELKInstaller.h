@@ -8,6 +8,8 @@
 #include <functional>
 #include <optional>
 
+class ZELKEarlierAgent;
+
 /// Installs the agent for all users and removes it. Has to be the administrator's, except below a root of its
 /// own. Every operation tells what went wrong, else nothing.
 class ZELKInstaller
@@ -24,25 +26,33 @@ public:
     }
 
     /// Copies the bundle, which has to be the agent's, and the installer itself, writes the units and the bus
-    /// policy, and starts the job. Replaces an older one. When it fails it leaves nothing behind.
+    /// policy, and starts the job. Replaces an older one, which it brings back when it fails; without one, a
+    /// failure leaves nothing behind.
     std::optional<QString> install(const QString &bundle, const QString &installer) const;
-    /// Stops the job and waits until it has ended; then deletes the units and the bus policy. What is left of
-    /// the agent's folder goes when its bundle has gone.
+    /// Stops the job and waits until it has ended; then deletes the units and the bus policy, and when the
+    /// bundle has gone the installer too. The agent's folder goes when nothing else is in it.
     std::optional<QString> remove() const;
-    /// Deletes the bundle and the units, which is what a request asks for, and when the request is gone, or
-    /// has stood too long, the bus policy and the installer.
+    /// Deletes the bundle and the units, which is what a request asks for, and returns when the request is
+    /// gone or has stood too long. Bus policy and installer stay for remove(): until the job has ended, the
+    /// agent has to be reached by whoever asks again.
     std::optional<QString> removeFiles(int millisecondsToWait = 5000) const;
     /// All of it, whoever asks: for an agent that does not answer.
     std::optional<QString> purge() const;
 
 private:
     std::optional<QString> checkBundle(const QString &bundle) const;
+    std::optional<QString> replace(const QString &bundle, const QString &installer) const;
+    QString bringBack(const ZELKEarlierAgent &earlier, const QString &failure) const;
     std::optional<QString> copyAgent(const QString &bundle, const QString &installer) const;
     std::optional<QString> makeUser() const;
-    std::optional<QString> writeFiles(const QString &program) const;
+    std::optional<QString> writeFiles() const;
+    std::optional<QString> makeLinks() const;
     std::optional<QString> startJob() const;
     std::optional<QString> execute(const QStringList &command) const;
     std::optional<QString> reload() const;
+    void forgetFailures() const;
+    std::optional<QString> removeJob(const QStringList &more) const;
+    std::optional<QString> removeHome() const;
     void waitUntilRequestIsGone(int milliseconds) const;
 
     ZELKInstalledAgent m_place;

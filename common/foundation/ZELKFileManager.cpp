@@ -144,13 +144,20 @@ bool exchange(const QByteArray &made, const QByteArray &destination)
 
 } // namespace
 
-std::optional<QString> ZELKFileManager::copyFolder(const QString &source, const QString &destination)
+QString ZELKFileManager::unfinishedCopy(const QString &destination)
 {
     const QFileInfo place(destination);
-    const QString made = place.path() + QStringLiteral("/.") + place.fileName() + QStringLiteral(".new");
+    return place.path() + QStringLiteral("/.") + place.fileName() + QStringLiteral(".new");
+}
+
+std::optional<QString> ZELKFileManager::copyFolder(const QString &source, const QString &destination,
+                                                   const Check &check)
+{
+    const QString made = unfinishedCopy(destination);
     if (const Problem left = remove(made))
         return left;
-    const Descriptor from(::open(QFile::encodeName(source).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const Descriptor from(
+        ::open(QFile::encodeName(source).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     if (!from)
         return problem(source);
     const QByteArray madeName = QFile::encodeName(made);
@@ -160,10 +167,21 @@ std::optional<QString> ZELKFileManager::copyFolder(const QString &source, const 
     Problem failure = !to || ::fchmod(to.number(), folderMode) != 0 ? problem(made) : std::nullopt;
     if (!failure)
         failure = copyEntries(from.number(), to.number(), source, 0);
+    if (!failure && check)
+        failure = check(made);
     if (!failure && !exchange(madeName, QFile::encodeName(destination)))
         failure = problem(destination);
     remove(made);
     return failure;
+}
+
+std::optional<QString> ZELKFileManager::makeFolder(const QString &path)
+{
+    std::error_code error;
+    std::filesystem::create_directories(QFile::encodeName(path).toStdString(), error);
+    if (error)
+        return path + QStringLiteral(": ") + QString::fromStdString(error.message());
+    return std::nullopt;
 }
 
 std::optional<QString> ZELKFileManager::remove(const QString &path)
