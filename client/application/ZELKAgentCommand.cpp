@@ -4,6 +4,7 @@
 #include "ZELKCommandLineText.h"
 #include "ZELKEntryJson.h"
 #include "ZELKFormat.h"
+#include "ZELKTerminalAuthentication.h"
 #include "ZELKTextOutput.h"
 
 #include <QEventLoop>
@@ -98,10 +99,18 @@ bool ZELKAgentCommand::install(Agent::State form)
             {m_agent.localisedState()}));
         return false;
     }
-    if (!isPossible(form) || !told(m_agent.startWithState(form)) || !settle(true))
+    if (!isPossible(form) || !start(form) || !settle(true))
         return false;
     printState();
     return true;
+}
+
+bool ZELKAgentCommand::start(Agent::State form)
+{
+    std::optional<ZELKTerminalAuthentication> password;
+    if (form == Agent::PrivilegedJob)
+        password.emplace();
+    return told(m_agent.startWithState(form));
 }
 
 bool ZELKAgentCommand::isPossible(Agent::State form)
@@ -127,11 +136,19 @@ bool ZELKAgentCommand::remove()
         printState();
         return true;
     }
+    const auto password = passwordForSystemJob();
     const bool wasRemoved = m_agent.enabled() ? told(m_agent.stop()) : removeRemains();
     if (!settle() || !wasRemoved)
         return false;
     printState();
     return true;
+}
+
+/// A command stands often where no desktop could ask.
+std::unique_ptr<ZELKTerminalAuthentication> ZELKAgentCommand::passwordForSystemJob() const
+{
+    const bool isSystemJob = m_agent.isLaunchdJobForAgentName(m_agent.agentName(), ZELKServiceDomain::System);
+    return isSystemJob ? std::make_unique<ZELKTerminalAuthentication>() : nullptr;
 }
 
 /// The controller leaves an agent alone that is half there. Here somebody asks for exactly that half.
@@ -141,7 +158,7 @@ bool ZELKAgentCommand::removeRemains()
     ZELKAgentError error;
     m_agent.expectStateChange();
     if (m_agent.isLaunchdJobForAgentName(name, ZELKServiceDomain::System))
-        m_agent.stopPrivilegedWithError(&error);
+        m_agent.purgePrivilegedWithError(&error);
     else if (m_agent.isLaunchdJobForAgentName(name, ZELKServiceDomain::User))
         m_agent.stopUserWithError(&error);
     else if (m_agent.isAgentRunningInUserSessionWithName(name))
@@ -170,6 +187,7 @@ bool ZELKAgentCommand::update()
         print(ZELKCommandLineText("The recording agent is this application's own already."));
         return true;
     }
+    const auto password = passwordForSystemJob();
     bool failed = false;
     connect(&m_agent, &Agent::errorPresented, this,
             [&](const ZELKAgentError &error) { zelkGuard([&] { failed = !told(error); }); });

@@ -3,7 +3,9 @@
 #include "ZELKAgentController.h"
 
 #include <functional>
+#include <memory>
 
+class ZELKTerminalAuthentication;
 class ZELKTextOutput;
 
 /// What "lullwatch agent" is asked for. A value.
@@ -42,10 +44,12 @@ public:
 private:
     bool status(bool asJson);
     bool install(ZELKAgentController::State form);
+    bool start(ZELKAgentController::State form);
     bool isPossible(ZELKAgentController::State form);
     bool remove();
     bool removeRemains();
     bool update();
+    std::unique_ptr<ZELKTerminalAuthentication> passwordForSystemJob() const;
 
     bool works() const { return m_agent.installed() && m_agent.enabled(); }
     bool isAnswering() const;

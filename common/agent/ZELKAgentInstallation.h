@@ -47,6 +47,9 @@ public:
     /// Has the agent remove its files, then removes the job. True with `error` filled when the job went and
     /// the files stayed.
     bool stopPrivilegedWithError(ZELKAgentError *error);
+    /// Removes job and files of an agent of the system that does not answer, and so cannot remove them
+    /// itself.
+    bool purgePrivilegedWithError(ZELKAgentError *error);
     /// Whether jobs of that domain can be made on this computer; the session form always can.
     bool isAvailable(ZELKServiceDomain domain) const;
 

@@ -100,7 +100,20 @@ ZELKAgentInstallation::removeAgentFiles(const ZELKAuthorization &authorization) 
     if (!connection)
         return ZELKAgentError::withCode(ZELKAgentError::ServiceNotReached);
     QString reason;
-    if (connection->removeAgentFiles(data, &reason).value_or(false))
-        return std::nullopt;
-    return ZELKAgentError::withCode(ZELKAgentError::FilesNotRemoved, reason);
+    const std::optional<bool> answer = connection->removeAgentFiles(data, &reason);
+    if (!answer)
+        return ZELKAgentError::withCode(ZELKAgentError::ServiceNotReached, reason);
+    return *answer ? std::nullopt : std::optional(ZELKAgentError::withCode(ZELKAgentError::FilesNotRemoved));
+}
+
+bool ZELKAgentInstallation::purgePrivilegedWithError(ZELKAgentError *error)
+{
+    QString reason;
+    const auto authorization = authorizationForRight(modifyRight(), toAskForIt, &reason);
+    if (!authorization)
+        return fail(error, ZELKAgentError::ModifyRightRefused, reason);
+    if (const auto failure =
+            m_ports.serviceManagement->purgeJob(agentName(), ZELKServiceDomain::System, *authorization))
+        return fail(error, ZELKAgentError::SystemJobNotRemoved, failure->fullText());
+    return true;
 }

@@ -4,7 +4,6 @@
 #include "ZELKFileManager.h"
 #include "ZELKPropertyList.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -21,11 +20,11 @@ bool fail(ZELKAgentError *error, ZELKAgentError::Code code, const QString &under
 
 std::optional<QUrl> folder(const QString &path, bool create, QString *reason)
 {
-    if (create && !QDir().mkpath(path)) {
-        if (reason)
-            *reason = path;
+    const auto problem = create ? ZELKFileManager::makeFolder(path) : std::nullopt;
+    if (problem && reason)
+        *reason = *problem;
+    if (problem)
         return std::nullopt;
-    }
     return QUrl::fromLocalFile(path);
 }
 

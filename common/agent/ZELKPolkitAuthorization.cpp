@@ -47,11 +47,15 @@ std::optional<ZELKAgentError> ZELKPolkitAuthorization::obtainRight(const ZELKAut
         m_systemBus.call(ZELKPolkit::question(authorization.form(), right, mayAsk), QDBus::Block,
                          mayAsk ? millisecondsToAsk : ZELKServiceNames::callTimeoutMilliseconds);
     const auto answer = ZELKPolkit::answer(reply);
+    if (ZELKPolkit::isUnknownAction(reply))
+        return refusal("polkit.unknownAction", ENOENT);
     if (!answer)
         return refusal("polkit.absent", ENOTSUP, reply.errorMessage());
-    if (!answer->isAuthorized)
-        return refusal("polkit.refused", EACCES);
-    return std::nullopt;
+    if (answer->isAuthorized)
+        return std::nullopt;
+    if (answer->wasDismissed)
+        return refusal("polkit.dismissed", ECANCELED);
+    return refusal(mayAsk && answer->wouldAsk ? "polkit.nobodyAsks" : "polkit.refused", EACCES);
 }
 
 QByteArray ZELKPolkitAuthorization::externalForm(const ZELKAuthorization &authorization, int *status)

@@ -21,6 +21,12 @@ std::optional<ZELKAgentError> ZELKServiceManagement::removeJob(const QString &, 
     return unavailable();
 }
 
+std::optional<ZELKAgentError> ZELKServiceManagement::purgeJob(const QString &, ZELKServiceDomain,
+                                                              const ZELKAuthorization &)
+{
+    return unavailable();
+}
+
 std::optional<ZELKAgentError> ZELKServiceManagement::blessJob(const QString &, ZELKServiceDomain,
                                                               const ZELKAuthorization &)
 {

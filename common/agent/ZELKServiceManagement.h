@@ -32,6 +32,9 @@ public:
     /// Stops the job, waits until it has ended, and forgets it.
     virtual std::optional<ZELKAgentError> removeJob(const QString &label, ZELKServiceDomain domain,
                                                     const ZELKAuthorization &authorization);
+    /// Removes a job of the system with the files of its installation, whatever state they are in.
+    virtual std::optional<ZELKAgentError> purgeJob(const QString &label, ZELKServiceDomain domain,
+                                                   const ZELKAuthorization &authorization);
     /// Installs the program that the main bundle carries under that label where only the administrator can
     /// write, as a job of the domain, and starts it.
     virtual std::optional<ZELKAgentError> blessJob(const QString &label, ZELKServiceDomain domain,

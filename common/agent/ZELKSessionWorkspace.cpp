@@ -3,18 +3,23 @@
 #include "ZELKBundle.h"
 #include "ZELKEnvironment.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <iterator>
 #include <map>
 
 namespace {
 
 constexpr QLatin1String deletedMark(" (deleted)");
 constexpr QLatin1String bundleSuffix(".app");
+// What an agent is told that records nothing.
+constexpr const char *errands[] = {"--backfill-", "--read-journal", "--version", "--help"};
 
 /// Whose bundle an executable stands in; what was learnt about folders is kept for the next executable.
 class BundleFinder
@@ -95,6 +100,7 @@ int errorOfBundle(const ZELKBundle &bundle)
 ZELKSessionWorkspace::ZELKSessionWorkspace(const QString &procFolder, uint userIdentifier,
                                            const QByteArray &sessionBus)
     : m_processes(procFolder)
+    , m_procFolder(procFolder)
     , m_userIdentifier(userIdentifier)
     , m_sessionBus(withoutIdentifier(sessionBus))
 {
@@ -109,6 +115,19 @@ bool ZELKSessionWorkspace::isOfThisSession(qint64 identifier, const ZELKProcessT
     return bus.isEmpty() || m_sessionBus.isEmpty() || bus == m_sessionBus;
 }
 
+/// By its command line, which only the user's own processes show for certain.
+bool ZELKSessionWorkspace::isErrand(qint64 identifier) const
+{
+    QFile file(QStringLiteral("%1/%2/cmdline").arg(m_procFolder).arg(identifier));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QList<QByteArray> words = file.readAll().split('\0').mid(1);
+    return std::any_of(words.begin(), words.end(), [](const QByteArray &word) {
+        const auto begins = [&](const char *option) { return word.startsWith(option); };
+        return std::any_of(std::begin(errands), std::end(errands), begins);
+    });
+}
+
 std::vector<ZELKRunningApplication>
 ZELKSessionWorkspace::runningApplicationsWithBundleIdentifier(const QString &identifier) const
 {
@@ -121,7 +140,7 @@ ZELKSessionWorkspace::runningApplicationsWithBundleIdentifier(const QString &ide
         if (executable.isEmpty() || finder.identifierForExecutable(executable) != identifier)
             continue;
         const auto process = m_processes.process(candidate);
-        if (process && !process->hasEnded && isOfThisSession(candidate, *process))
+        if (process && !process->hasEnded && isOfThisSession(candidate, *process) && !isErrand(candidate))
             matches.emplace(candidate, *process);
     }
     std::vector<ZELKRunningApplication> instances;

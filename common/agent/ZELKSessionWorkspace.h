@@ -11,7 +11,8 @@
 /// Applications as processes. A process is an instance of the application in whose bundle folder its
 /// executable stands; where the executable or Info.plist is gone, the folder's name without ".app" tells the
 /// identifier. A process of another user, or one that was started under another session bus, belongs to
-/// another session. Processes that an instance forked belong to it and are not counted.
+/// another session. Processes that an instance forked belong to it and are not counted, and neither are those
+/// that were started to do one thing and end: to read the past, or to tell their version.
 class ZELKSessionWorkspace final : public ZELKWorkspace
 {
 public:
@@ -35,8 +36,10 @@ public:
 
 private:
     bool isOfThisSession(qint64 identifier, const ZELKProcessTable::Process &process) const;
+    bool isErrand(qint64 identifier) const;
 
     ZELKProcessTable m_processes;
+    QString m_procFolder;
     uint m_userIdentifier;
     QByteArray m_sessionBus; // without its unique identifier
     QHash<QString, QUrl> m_registered;

@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusReply>
+#include <QDBusVariant>
 #include <QElapsedTimer>
 #include <QStringList>
 #include <QThread>
@@ -16,6 +17,11 @@ constexpr unsigned long millisecondsBetweenLooks = 20;
 QString managerName()
 {
     return QStringLiteral("org.freedesktop.systemd1");
+}
+
+QString managerPath()
+{
+    return QStringLiteral("/org/freedesktop/systemd1");
 }
 
 QString propertiesInterface()
@@ -32,8 +38,7 @@ QDBusMessage call(const QString &path, const QString &interface, const QString &
 
 QDBusMessage managerCall(const QString &method)
 {
-    return call(QStringLiteral("/org/freedesktop/systemd1"),
-                QStringLiteral("org.freedesktop.systemd1.Manager"), method);
+    return call(managerPath(), QStringLiteral("org.freedesktop.systemd1.Manager"), method);
 }
 
 bool isError(const QDBusMessage &reply, const char *name)
@@ -67,6 +72,14 @@ QVariantMap ZELKSystemdManager::unitProperties(const QString &unit) const
     return properties.isValid() ? properties.value() : QVariantMap();
 }
 
+QStringList ZELKSystemdManager::unitFolders() const
+{
+    QDBusMessage get = call(managerPath(), propertiesInterface(), QStringLiteral("Get"));
+    get << QStringLiteral("org.freedesktop.systemd1.Manager") << QStringLiteral("UnitPath");
+    const QDBusReply<QDBusVariant> folders = m_bus.call(get, QDBus::Block, m_timeout);
+    return folders.isValid() ? folders.value().variant().toStringList() : QStringList();
+}
+
 std::optional<QString> ZELKSystemdManager::change(const QString &method, const QVariantList &arguments) const
 {
     QDBusMessage message = managerCall(method);
@@ -94,6 +107,8 @@ std::optional<QString> ZELKSystemdManager::disable(const QString &unit) const
 
 std::optional<QString> ZELKSystemdManager::start(const QString &unit) const
 {
+    // One that failed too often would be refused; that there was none is no failure here.
+    change(QStringLiteral("ResetFailedUnit"), {unit});
     if (const auto problem = runJob(QStringLiteral("StartUnit"), unit))
         return problem;
     const QString state = unitProperties(unit).value(QStringLiteral("ActiveState")).toString();

@@ -4,6 +4,7 @@
 
 #include <QDBusConnection>
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
 
@@ -23,6 +24,9 @@ public:
     /// A unit's properties, after loading it; empty without an answer. That succeeds for any name: the
     /// properties tell whether there is such a unit.
     QVariantMap unitProperties(const QString &unit) const;
+
+    /// Where it looks for units, the first place first; empty without an answer.
+    QStringList unitFolders() const;
 
     // What went wrong, else nothing.
     std::optional<QString> reload() const;

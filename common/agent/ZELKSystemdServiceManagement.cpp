@@ -1,9 +1,10 @@
 #include "ZELKSystemdServiceManagement.h"
 
+#include "ZELKAgentFolders.h"
 #include "ZELKEnvironment.h"
 #include "ZELKFileManager.h"
 
-#include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
@@ -40,6 +41,14 @@ QString userFolder(QStandardPaths::StandardLocation location, const QString &nam
     return QStandardPaths::writableLocation(location) + QLatin1Char('/') + name;
 }
 
+/// The user's manager knows nothing of what only a shell has set.
+QMap<QString, QString> usersFolders()
+{
+    const ZELKAgentFolders folders = ZELKAgentFolders::ofUser();
+    return {{QStringLiteral("XDG_DATA_HOME"), folders.applicationSupport},
+            {QStringLiteral("XDG_CONFIG_HOME"), folders.library}};
+}
+
 } // namespace
 
 ZELKSystemdServiceManagement::Places ZELKSystemdServiceManagement::Places::usual()
@@ -51,7 +60,7 @@ ZELKSystemdServiceManagement::Places ZELKSystemdServiceManagement::Places::usual
         folders = {userFolder(QStandardPaths::GenericDataLocation, agent),
                    userFolder(QStandardPaths::GenericConfigLocation, agent)};
     return {userFolder(QStandardPaths::GenericConfigLocation, QStringLiteral("systemd/user")),
-            {folders, ZELKUnitFile::usersHaveNamespaces()},
+            {folders, ZELKUnitFile::usersHaveNamespaces(), usersFolders()},
             ZELKInstallerProgram(ZELKInstallerProgram::pathInMainBundle())};
 }
 
@@ -104,16 +113,26 @@ std::optional<ZELKAgentError> ZELKSystemdServiceManagement::submitJob(const ZELK
     return errorOf(problem);
 }
 
+/// The manager may have been started with other folders than this program. The user's own comes before those
+/// of the computer.
+QString ZELKSystemdServiceManagement::userUnitFile(const QString &unit) const
+{
+    static const QRegularExpression ofUser(QStringLiteral("\\A(?!/(etc|run|usr)/).*/systemd/user\\z"));
+    const QString folder = m_userManager.unitFolders().filter(ofUser).value(0, m_places.userUnits);
+    return folder + QLatin1Char('/') + unit;
+}
+
 std::optional<QString> ZELKSystemdServiceManagement::submitUnit(const QString &unit,
                                                                 const ZELKDictionary &ticket) const
 {
-    for (const QString &folder : QStringList{m_places.userUnits} + m_places.surroundings.writableFolders) {
-        if (!QDir().mkpath(folder))
-            return folder;
+    const QString file = userUnitFile(unit);
+    for (const QString &folder :
+         QStringList{QFileInfo(file).path()} + m_places.surroundings.writableFolders) {
+        if (const auto problem = ZELKFileManager::makeFolder(folder))
+            return problem;
     }
     const QString text = ZELKUnitFile::text(ticket, m_places.surroundings);
-    if (const auto problem =
-            ZELKFileManager::writeFile(m_places.userUnits + QLatin1Char('/') + unit, text.toUtf8()))
+    if (const auto problem = ZELKFileManager::writeFile(file, text.toUtf8()))
         return problem;
     if (const auto problem = m_userManager.reload())
         return problem;
@@ -145,7 +164,7 @@ std::optional<QString> ZELKSystemdServiceManagement::removeUnit(const QString &u
 std::optional<QString> ZELKSystemdServiceManagement::forgetUnit(const QString &unit) const
 {
     const auto disabled = m_userManager.disable(unit);
-    if (const auto problem = ZELKFileManager::remove(m_places.userUnits + QLatin1Char('/') + unit))
+    if (const auto problem = ZELKFileManager::remove(userUnitFile(unit)))
         return problem;
     const auto reloaded = m_userManager.reload();
     return disabled ? disabled : reloaded;
@@ -160,4 +179,16 @@ std::optional<ZELKAgentError> ZELKSystemdServiceManagement::blessJob(const QStri
     if (!isAvailable(domain))
         return unavailable();
     return errorOf(m_places.installer.run({QStringLiteral("install")}));
+}
+
+std::optional<ZELKAgentError> ZELKSystemdServiceManagement::purgeJob(const QString &label,
+                                                                     ZELKServiceDomain domain,
+                                                                     const ZELKAuthorization &)
+{
+    if (domain != ZELKServiceDomain::System || !isLabel(label))
+        return invalid(label);
+    if (!isAvailable(domain))
+        return unavailable();
+    // One word more, and not another one first: polkit knows by that for which right it asks.
+    return errorOf(m_places.installer.run({QStringLiteral("remove"), QStringLiteral("--purge")}));
 }

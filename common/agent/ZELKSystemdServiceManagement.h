@@ -14,7 +14,7 @@ class ZELKSystemdServiceManagement final : public ZELKServiceManagement
 public:
     struct Places
     {
-        QString userUnits; ///< where the user's manager looks for the user's own units
+        QString userUnits; ///< for the user's own units, where their manager does not tell where it looks
         ZELKUnitFile::Surroundings surroundings;
         ZELKInstallerProgram installer;
 
@@ -38,11 +38,15 @@ public:
     std::optional<ZELKAgentError> removeJob(const QString &label, ZELKServiceDomain domain,
                                             const ZELKAuthorization &authorization) override;
     /// Of the system's domain.
+    std::optional<ZELKAgentError> purgeJob(const QString &label, ZELKServiceDomain domain,
+                                           const ZELKAuthorization &authorization) override;
+    /// Of the system's domain.
     std::optional<ZELKAgentError> blessJob(const QString &label, ZELKServiceDomain domain,
                                            const ZELKAuthorization &authorization) override;
 
 private:
     const ZELKSystemdManager &manager(ZELKServiceDomain domain) const;
+    QString userUnitFile(const QString &unit) const;
     std::optional<QString> submitUnit(const QString &unit, const ZELKDictionary &ticket) const;
     std::optional<QString> removeUnit(const QString &unit) const;
     std::optional<QString> forgetUnit(const QString &unit) const;

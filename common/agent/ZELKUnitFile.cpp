@@ -59,15 +59,18 @@ QString escapedCharacter(QChar character)
     return QStringLiteral("\\x%1").arg(uint(character.unicode()), 2, 16, QLatin1Char('0'));
 }
 
+QString argument(const QString &word)
+{
+    return ZELKUnitFile::quoted(word).replace(QLatin1Char('$'), QStringLiteral("$$"));
+}
+
 /// The program's name is the one word in which "$" is not looked at.
 QString command(const QVariantList &words)
 {
     QStringList quotedWords;
     for (const QVariant &word : words) {
-        QString text = ZELKUnitFile::quoted(word.toString());
-        if (!quotedWords.isEmpty())
-            text.replace(QLatin1Char('$'), QStringLiteral("$$"));
-        quotedWords.append(text);
+        const QString text = word.toString();
+        quotedWords.append(quotedWords.isEmpty() ? ZELKUnitFile::quoted(text) : argument(text));
     }
     return quotedWords.join(QLatin1Char(' '));
 }
@@ -97,12 +100,15 @@ QString startLines(const ZELKDictionary &ticket)
     return line("Type", QStringLiteral("dbus")) + line("BusName", plain(services.begin()->first));
 }
 
-QString environmentLines(const ZELKDictionary &ticket)
+QString environmentLines(const ZELKDictionary &ticket, QMap<QString, QString> variables)
 {
-    QString lines;
     for (const auto &[name, value] :
          ticket.value(QStringLiteral("EnvironmentVariables")).value<ZELKDictionary>())
-        lines += line("Environment", ZELKUnitFile::quoted(name + QLatin1Char('=') + value.toString()));
+        variables.insert(name, value.toString());
+    QString lines;
+    for (auto variable = variables.begin(); variable != variables.end(); ++variable)
+        lines +=
+            line("Environment", ZELKUnitFile::quoted(variable.key() + QLatin1Char('=') + variable.value()));
     return lines;
 }
 
@@ -112,11 +118,11 @@ QString numberLine(const ZELKDictionary &ticket, const char *ticketKey, const ch
     return number.isValid() ? line(unitKey, QString::number(ZELKValue::intValue(number))) : QString();
 }
 
-QString serviceLines(const ZELKDictionary &ticket)
+QString serviceLines(const ZELKDictionary &ticket, const ZELKUnitFile::Surroundings &surroundings)
 {
     QString lines = startLines(ticket) +
                     line("ExecStart", command(ticket.value(QStringLiteral("ProgramArguments")).toList())) +
-                    environmentLines(ticket) +
+                    environmentLines(ticket, surroundings.environment) +
                     line("Restart", restart(ticket.value(QStringLiteral("KeepAlive"))));
     lines += numberLine(ticket, "ThrottleInterval", "RestartSec");
     lines += numberLine(ticket, "ExitTimeOut", "TimeoutStopSec");
@@ -132,8 +138,12 @@ QString sandboxLines(const ZELKUnitFile::Surroundings &surroundings)
     if (!surroundings.hasNamespaces)
         return lines;
     lines += QLatin1String(withNamespaces);
-    for (const QString &folder : surroundings.writableFolders)
-        lines += line("ReadWritePaths", ZELKUnitFile::quoted(folder));
+    // A folder that was deleted meanwhile cannot be made from inside, where all around it is read-only; and
+    // without it there would be no inside. "+" is before that, and "-" looks away until then.
+    for (const QString &folder : surroundings.writableFolders) {
+        lines += line("ExecStartPre", QStringLiteral("+mkdir -p ") + argument(folder));
+        lines += line("ReadWritePaths", ZELKUnitFile::quoted(QLatin1Char('-') + folder));
+    }
     return lines;
 }
 
@@ -150,8 +160,8 @@ QString ZELKUnitFile::text(const ZELKDictionary &ticket, const Surroundings &sur
 {
     QString text = QStringLiteral("# Written by Lullwatch, and removed by it.\n[Unit]\n") +
                    line("Description", plain(ticket.string(QStringLiteral("Label")))) +
-                   QLatin1String(startLimit) + QStringLiteral("\n[Service]\n") + serviceLines(ticket) +
-                   sandboxLines(surroundings);
+                   QLatin1String(startLimit) + QStringLiteral("\n[Service]\n") +
+                   serviceLines(ticket, surroundings) + sandboxLines(surroundings);
     if (isTrue(ticket.value(QStringLiteral("RunAtLoad"))))
         text += QStringLiteral("\n[Install]\nWantedBy=default.target\n");
     return text;

@@ -2,6 +2,7 @@
 
 #include "ZELKDictionary.h"
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -16,11 +17,13 @@ namespace ZELKUnitFile {
 
 struct Surroundings
 {
-    /// The only folders that the service may write to; they have to be there.
+    /// The only folders that the service may write to. They are made when it starts, should they be missing.
     QStringList writableFolders;
     /// The user's manager can give a service a view of its own of the file system. Where the kernel does not
     /// let users do that, asking for it would keep the service from starting.
     bool hasNamespaces = true;
+    /// Variables that the service starts with; those of the ticket go before them.
+    QMap<QString, QString> environment = {};
 };
 
 QString text(const ZELKDictionary &ticket, const Surroundings &surroundings);

@@ -59,7 +59,17 @@ std::optional<ZELKPolkit::Answer> ZELKPolkit::answer(const QDBusMessage &reply)
     const auto argument = reply.arguments().constFirst().value<QDBusArgument>();
     Answer answer;
     argument.beginStructure();
-    argument >> answer.isAuthorized >> answer.wouldAsk;
+    Details details;
+    argument >> answer.isAuthorized >> answer.wouldAsk >> details;
+    answer.wasDismissed = details.contains(QStringLiteral("polkit.dismissed"));
     argument.endStructure();
     return answer;
+}
+
+/// There is no name of its own for that error.
+bool ZELKPolkit::isUnknownAction(const QDBusMessage &reply)
+{
+    return reply.type() == QDBusMessage::ErrorMessage &&
+           reply.errorName().startsWith(QLatin1String("org.freedesktop.PolicyKit1.Error.")) &&
+           reply.errorMessage().contains(QLatin1String("is not registered"));
 }

@@ -27,9 +27,12 @@ QDBusMessage question(const ZELKAuthorizationForm &process, const QString &actio
 struct Answer
 {
     bool isAuthorized = false;
-    bool wouldAsk = false; ///< with a password it might be
+    bool wouldAsk = false; ///< with a password it might be; when it may ask: nobody is there who would ask
+    bool wasDismissed = false; ///< the user was asked, and gave none
 };
 /// Nothing when the reply is an error or is not polkit's.
 std::optional<Answer> answer(const QDBusMessage &reply);
+/// polkit answered that it knows no such action: our policy is not installed.
+bool isUnknownAction(const QDBusMessage &reply);
 
 } // namespace ZELKPolkit

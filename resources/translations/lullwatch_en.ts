@@ -497,11 +497,11 @@
     </message>
     <message>
         <source>ZELKAgentController.error.5</source>
-        <translation>The recording agent could not be removed, because it could not be reached.</translation>
+        <translation>The recording agent could not be removed, because it could not be reached or did not answer.</translation>
     </message>
     <message>
         <source>ZELKAgentController.error.6</source>
-        <translation>The recording agent was stopped, but its files could not be deleted.</translation>
+        <translation>The recording agent was stopped, but it refused to have its files deleted, or could not delete them.</translation>
     </message>
     <message>
         <source>ZELKAgentController.error.7</source>
@@ -561,7 +561,15 @@
     </message>
     <message>
         <source>ZELKAgentController.polkit.dismissed</source>
-        <translation>the password was not given</translation>
+        <translation>the request for a password was cancelled</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.polkit.nobodyAsks</source>
+        <translation>nothing here can ask for a password; use sudo</translation>
+    </message>
+    <message>
+        <source>ZELKAgentController.polkit.unknownAction</source>
+        <translation>Lullwatch is not installed on this computer; install it, or use sudo</translation>
     </message>
     <message>
         <source>ZELKAgentController.installer.failed</source>

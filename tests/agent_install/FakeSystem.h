@@ -38,6 +38,11 @@ public:
     {
         return done(u"remove"_s, domain == ZELKServiceDomain::System ? systemJob : userJob, false);
     }
+    std::optional<ZELKAgentError> purgeJob(const QString &, ZELKServiceDomain,
+                                           const ZELKAuthorization &) override
+    {
+        return done(u"purge"_s, systemJob, false);
+    }
     std::optional<ZELKAgentError> blessJob(const QString &, ZELKServiceDomain,
                                            const ZELKAuthorization &) override
     {

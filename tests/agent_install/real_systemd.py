@@ -1,9 +1,9 @@
 """Installs and removes the agent in all forms where a real systemd, bus and polkit run: in a container of this
 machine's own root, over which a temporary file system takes what is written.
 
-usage: real_systemd.py BUNDLE POLICY LULLWATCH
+usage: real_systemd.py CMAKE BUILD
 
-BUNDLE is the main bundle with installer and agent, POLICY polkit's, LULLWATCH the program.
+What the folder BUILD holds is installed by CMAKE as the administrator of a computer would.
 Where a container cannot be made, the exit status is 77 and the reason is said.
 """
 import contextlib
@@ -21,11 +21,38 @@ import unittest
 SKIPPED = 77
 SECONDS_TO_BOOT = 40
 LABEL = "org.zelk.lullwatch.agent"
+PROGRAM = "/usr/bin/lullwatch"
 HOME = "/usr/share/lullwatch"
+ACTIONS = "/usr/share/polkit-1/actions/org.zelk.lullwatch.policy"
 RULE = """polkit.addRule(function(action, subject) {
     if (action.id.startsWith("org.zelk.lullwatch.") && subject.user == "may") { return polkit.Result.YES; }
 });
 """
+# Runs a program at a terminal of its own as a user, types his password when asked, and tells how often that was and
+# how the program ended.
+TERMINAL = '''
+import os, pty, pwd, sys
+user, password, *command = sys.argv[1:]
+person = pwd.getpwnam(user)
+child, terminal = pty.fork()
+if child == 0:
+    os.initgroups(user, person.pw_gid)
+    os.setgid(person.pw_gid)
+    os.setuid(person.pw_uid)
+    os.execve(command[0], command, {"PATH": "/usr/bin:/bin", "HOME": person.pw_dir})
+said, asked = b"", 0
+while True:
+    try:
+        said += os.read(terminal, 4096)
+    except OSError:
+        break
+    if said.count(b"Password:") > asked:
+        asked += 1
+        os.write(terminal, password.encode() + b"\\n")
+status = os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
+print(said.decode(errors="replace"))
+print(asked, status)
+'''
 SERVED = ["dbus-send", "--system", "--print-reply", f"--dest={LABEL}._service", "/org/zelk/lullwatch/agent/service"]
 
 
@@ -138,20 +165,17 @@ class Container:
 
     def user_run(self, user, *command):
         uid = self.root_run("id", "-u", user).stdout.strip()
-        return self.root_run("runuser", "-u", user, "--", "env", "-u", "XDG_CONFIG_HOME",
+        return self.root_run("runuser", "-u", user, "--", "env", "-u", "XDG_CONFIG_HOME", "-u", "ZELK_MAIN_BUNDLE",
                              "-u", "XDG_DATA_HOME", f"XDG_RUNTIME_DIR=/run/user/{uid}",
                              f"DBUS_SESSION_BUS_ADDRESS=unix:path=/run/user/{uid}/bus",
-                             f"HOME=/home/{user}", f"ZELK_MAIN_BUNDLE={HOME}", *command)
+                             f"HOME=/home/{user}", *command)
 
 
 def prepare(root):
-    bundle, policy, program = map(pathlib.Path, sys.argv[1:4])
-    home = root / HOME[1:]
-    shutil.rmtree(home, ignore_errors=True)
-    shutil.copytree(bundle, home)
-    shutil.copy(program, root / "usr/bin/lullwatch")
-    actions = root / "usr/share/polkit-1/actions/org.zelk.lullwatch.policy"
-    actions.write_text(policy.read_text().replace("/usr/local/share/lullwatch", HOME))
+    cmake, build = sys.argv[1:3]
+    installation = run(cmake, "--install", build, "--prefix", "/usr", env={**os.environ, "DESTDIR": str(root)})
+    if installation.returncode != 0:
+        sys.exit(installation.stdout + installation.stderr)
     rules = root / "etc/polkit-1/rules.d/10-test.rules"
     rules.parent.mkdir(parents=True, exist_ok=True)
     rules.write_text(RULE)
@@ -175,7 +199,10 @@ class RealSystemd(unittest.TestCase):
         return cls.container.root_run("id", "-u", user).stdout.strip()
 
     def agent(self, user, *words):
-        return self.container.user_run(user, "/usr/bin/lullwatch", "agent", *words)
+        return self.container.user_run(user, PROGRAM, "agent", *words)
+
+    def shell(self, command):
+        return self.container.root_run("sh", "-c", command)
 
     def status(self, user):
         return json.loads(self.agent(user, "status", "--format", "json").stdout)["state"]
@@ -184,10 +211,10 @@ class RealSystemd(unittest.TestCase):
         result = self.agent(user, *words)
         self.assertEqual((result.returncode, self.status(user)), (0, state), result.stderr + self.journal())
 
-    def refuse(self, state, user, *words):
+    def refuse(self, state, user, *words, why="you were not given the right"):
         result = self.agent(user, *words)
         self.assertEqual((result.returncode, self.status(user)), (1, state), result.stderr + self.journal())
-        self.assertIn("you were not given the right", result.stderr)
+        self.assertIn(why, result.stderr)
 
     def journal(self):
         return self.container.root_run("journalctl", "-b", "--no-pager", "-n", "30").stdout
@@ -198,7 +225,7 @@ class RealSystemd(unittest.TestCase):
 
     def test_system(self):
         self.assertEqual(self.status("may"), 1)
-        self.refuse(1, "maynot", "install", "--as", "system")
+        self.refuse(1, "maynot", "install", "--as", "system", why="nothing here can ask for a password; use sudo")
         self.succeed(2, "may", "install", "--as", "system")
         self.assertEqual(self.status("maynot"), 2)
         self.assert_delays_sleep()
@@ -207,9 +234,59 @@ class RealSystemd(unittest.TestCase):
         self.update("may", 2)
         self.refuse(2, "maynot", "remove")
         self.succeed(1, "may", "remove")
-        left = self.container.root_run("sh", "-c", "ls -d /opt/lullwatch /etc/dbus-1/system.d/*lullwatch* "
-                                       "/etc/systemd/system/*lullwatch* /etc/systemd/system/*.wants/*lullwatch*")
+        self.assert_nothing_is_left()
+
+    def assert_nothing_is_left(self):
+        left = self.shell("ls -d /opt/lullwatch /etc/dbus-1/system.d/*lullwatch* "
+                          "/etc/systemd/system/*lullwatch* /etc/systemd/system/*.wants/*lullwatch*")
         self.assertEqual(left.stdout, "")
+
+    def test_not_installed(self):
+        self.shell(f"mv {ACTIONS} /root/policy; systemctl restart polkit")
+        self.refuse(1, "may", "install", "--as", "system", why="Lullwatch is not installed on this computer")
+        self.shell(f"mv /root/policy {ACTIONS}; systemctl restart polkit")
+
+    def test_what_others_can_change_is_not_installed(self):
+        self.shell(f"cp -r {HOME} /srv/lullwatch; chown may /srv/lullwatch/agents")
+        uid = self.uid("may")
+        result = self.shell(f"PKEXEC_UID={uid} /srv/lullwatch/lullwatch-installer install")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("/srv/lullwatch/agents: does not belong to the administrator", result.stderr)
+        self.assert_nothing_is_left()
+
+    def test_broken_agent_is_removed(self):
+        self.succeed(2, "may", "install", "--as", "system")
+        program = f"/opt/lullwatch/agents/{LABEL}.app/lullwatch-agent"
+        self.shell(f"rm {program}; ln -s /bin/false {program}; systemctl restart {LABEL}")
+        self.assertEqual(self.status("may"), 6)
+        self.refuse(6, "maynot", "remove")
+        self.succeed(1, "may", "remove")
+        self.assert_nothing_is_left()
+
+    def test_removal_whose_last_step_was_refused(self):
+        self.succeed(2, "may", "install", "--as", "system")
+        self.shell("mv /usr/bin/pkexec /usr/bin/pkexec.off")
+        self.refuse(2, "may", "remove", why="could not be stopped")
+        self.shell("mv /usr/bin/pkexec.off /usr/bin/pkexec")
+        self.succeed(1, "may", "remove")
+        self.assert_nothing_is_left()
+
+    def test_failed_replacement(self):
+        self.succeed(2, "may", "install", "--as", "system")
+        program = f"/root/other/agents/{LABEL}.app/lullwatch-agent"
+        self.shell(f"cp -r {HOME} /root/other; cp /bin/false {program}")
+        result = self.container.root_run("/root/other/lullwatch-installer", "install")
+        self.assertEqual(result.returncode, 1, result.stderr)
+        self.assertEqual(self.status("may"), 2, self.journal())
+        self.succeed(1, "may", "remove")
+        self.assert_nothing_is_left()
+
+    def test_password_on_a_terminal(self):
+        self.shell("useradd -m -G sudo asks; echo asks:secret | chpasswd")
+        for words, state in ((("install", "--as", "system"), 2), (("remove",), 1)):
+            result = self.container.root_run("python3", "-c", TERMINAL, "asks", "secret", PROGRAM, "agent", *words)
+            self.assertEqual(result.stdout.splitlines()[-1], "1 0", result.stdout + result.stderr + self.journal())
+            self.assertEqual(self.status("may"), state)
 
     def check_bus_policy(self):
         interface = "org.zelk.ZELKAgentServiceProtocol"
@@ -234,9 +311,23 @@ class RealSystemd(unittest.TestCase):
         self.succeed(1, "maynot", "remove")
         self.assertEqual(self.in_home("find . -name '*lullwatch*' -type f"), "")
 
+    def test_user_folders_of_a_shell(self):
+        agent = ["env", "XDG_DATA_HOME=/home/maynot/data", "XDG_CONFIG_HOME=/home/maynot/settings", PROGRAM, "agent"]
+        result = self.container.user_run("maynot", *agent, "install", "--as", "user")
+        self.assertEqual(result.returncode, 0, result.stderr + self.journal())
+        self.assertIn("events.db", self.in_home(f"ls data/{LABEL}"))
+        # It records again after somebody tidied up, even at the service manager's hands.
+        self.in_home(f"rm -r data/{LABEL} settings/{LABEL}")
+        restart = self.container.user_run("maynot", "systemctl", "--user", "restart", LABEL)
+        self.assertEqual(restart.returncode, 0, restart.stderr + self.journal())
+        self.assertIn("events.db", self.in_home(f"ls data/{LABEL}"))
+        self.assertEqual(self.container.user_run("maynot", *agent, "remove").returncode, 0)
+        self.assertEqual(self.in_home(f"find . -name '{LABEL}.*'"), "")
+        self.in_home("rm -r data settings")
+
     def update(self, user, form):
         """An application of another version brings its own agent, which is another process."""
-        process = ["pgrep", "-u", "lullwatch" if form == 2 else user, "lullwatch-agent"]
+        process = ["pgrep", "-u", "_lullwatch" if form == 2 else user, "lullwatch-agent"]
         before = self.container.root_run(*process).stdout
         info = self.container.root / HOME[1:] / "Info.plist"
         text = info.read_text()
@@ -247,7 +338,7 @@ class RealSystemd(unittest.TestCase):
         self.assertTrue(before and after and before != after, (before, after))
 
     def in_home(self, command):
-        return self.container.root_run("sh", "-c", f"cd ~maynot && {command}").stdout
+        return self.shell(f"cd ~maynot && {command}").stdout
 
 
 if __name__ == "__main__":

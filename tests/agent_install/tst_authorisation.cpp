@@ -166,13 +166,14 @@ private Q_SLOTS:
         const ZELKInstalledAgent place(folder.path());
         if (isInstalled)
             install(place);
-        ZELKAgentFiles files(place, isRemoved ? 20000 : 50);
+        ZELKAgentFiles files(place);
+        const int milliseconds = isRemoved ? 20000 : 50;
         QList<bool> answers;
         const auto take = [&](bool removed) { answers.append(removed); };
-        files.remove(take);
+        files.remove(milliseconds, take);
         QCOMPARE(QFile::exists(place.request()), isInstalled);
         if (isRemoved) {
-            files.remove(take); // one at a time
+            files.remove(milliseconds, take); // one at a time
             QTRY_COMPARE(answers, QList{false});
             answers.clear();
             QDir(place.bundle()).removeRecursively();
@@ -184,6 +185,11 @@ private Q_SLOTS:
         QCOMPARE(QFile::exists(place.request()), expected); // it stands until the answer has gone out
         files.finish();
         QVERIFY(!QFile::exists(place.request()));
+        if (isRemoved) { // and asked again, since the job's removal did not follow
+            files.remove(milliseconds, take);
+            QTRY_COMPARE(answers, (QList{true, true}));
+            QVERIFY(!QFile::exists(place.request()));
+        }
     }
 
     /// Over the bus: checked, asked for, answered, and only then withdrawn.

@@ -35,8 +35,8 @@ private Q_SLOTS:
         row("4", "form", 2, false, 4, "", QStringList{authorization, modify, form});
         row("6 answered no", "files", 2, false, 6, "",
             QStringList{authorization, modify, form, files, remove});
-        row("6 no answer", "call", 2, false, 6, "no answer",
-            QStringList{authorization, modify, form, files, call, remove});
+        row("5 no answer", "call", 2, false, 5, "no answer",
+            QStringList{authorization, modify, form, files, call});
         row("7", "remove", 2, false, 7, "remove failed",
             QStringList{authorization, modify, form, files, call, remove});
         row("user, started", "", 3, true, 0, "", QStringList{authorization, submit});
@@ -78,6 +78,17 @@ private Q_SLOTS:
         QVERIFY(!installation.stopPrivilegedWithError(&error));
         QCOMPARE(error.code(), 5);
         QVERIFY(!world.system->calls.contains(u"remove"_s));
+        // What somebody asks for who sees it so.
+        world.system->systemJob = true;
+        world.system->failing = u"right"_s;
+        QVERIFY(!installation.purgePrivilegedWithError(&error));
+        QCOMPARE(error.code(), 3);
+        world.system->failing = u"purge"_s;
+        QVERIFY(!installation.purgePrivilegedWithError(&error));
+        QCOMPARE(error.code(), 7);
+        world.system->failing.clear();
+        QVERIFY(installation.purgePrivilegedWithError(&error));
+        QVERIFY(!world.system->systemJob);
     }
 
     void userFormPutsItsFilesInPlaceAndTakesThemAway()
@@ -129,6 +140,9 @@ private Q_SLOTS:
         ZELKAgentError error;
         QVERIFY(!ZELKAgentInstallation(world.ports()).startUserWithError(&error));
         QCOMPARE(error.code(), code);
+        if (code == 8 || code == 11)
+            QVERIFY2(error.underlyingText().endsWith(u": Not a directory"_s),
+                     qPrintable(error.underlyingText()));
         QVERIFY(world.system->calls.isEmpty());
     }
 

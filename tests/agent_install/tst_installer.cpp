@@ -3,6 +3,7 @@
 #include "ZELKDictionary.h"
 #include "ZELKFileManager.h"
 #include "ZELKInstaller.h"
+#include "ZELKOwnership.h"
 #include "ZELKPropertyList.h"
 
 #include <QDirIterator>
@@ -21,7 +22,8 @@ namespace {
 /// A bundle to install, a root to install it below, and a system that only remembers what it was told.
 struct World
 {
-    explicit World(const QString &identifier = ZELKInstalledAgent::label())
+    explicit World(const QString &identifier = ZELKInstalledAgent::label(),
+                   const QString &executable = ZELKInstalledAgent::programName())
         : place(folder.filePath(u"root"_s))
         , installer(place, [this](const QStringList &command, QString *complaint) {
             commands.append(command.join(u' '));
@@ -30,7 +32,7 @@ struct World
         })
     {
         const ZELKDictionary info{{u"CFBundleIdentifier"_s, identifier},
-                                  {u"CFBundleExecutable"_s, u"agent"_s}};
+                                  {u"CFBundleExecutable"_s, executable}};
         writeFile(bundle + u"/Info.plist"_s, ZELKPropertyList::writeXml(QVariant::fromValue(info)).bytes);
         writeFile(program, "program");
         ::chmod(qPrintable(program), 04755);
@@ -55,7 +57,7 @@ struct World
 
     QTemporaryDir folder;
     QString bundle = folder.filePath(u"agents/org.zelk.lullwatch.agent.app"_s);
-    QString program = bundle + u"/agent"_s;
+    QString program = bundle + u"/lullwatch-agent"_s;
     QString source = folder.filePath(u"lullwatch-installer"_s);
     QStringList commands;
     QString failing;
@@ -77,8 +79,9 @@ const QString stopAgent = u"systemctl stop org.zelk.lullwatch.agent.service"_s;
 const QString reloadBus =
     u"busctl call org.freedesktop.DBus /org/freedesktop/DBus org.freedesktop.DBus ReloadConfig"_s;
 const QString reloadUnits = u"systemctl daemon-reload"_s;
+const QString forget = u"systemctl reset-failed org.zelk.lullwatch.agent.service"_s;
 const QString makeUser =
-    u"systemd-sysusers --inline u lullwatch - \"Lullwatch recording agent\" /var/lib/lullwatch"_s;
+    u"systemd-sysusers --inline u _lullwatch - \"Lullwatch recording agent\" /var/lib/lullwatch"_s;
 
 } // namespace
 
@@ -91,14 +94,15 @@ private Q_SLOTS:
     {
         World world;
         QVERIFY(!world.install());
-        QCOMPARE(world.commands, (QStringList{makeUser, reloadBus, reloadUnits, restartPath, restartAgent}));
+        QCOMPARE(world.commands,
+                 (QStringList{makeUser, reloadBus, reloadUnits, forget, restartPath, restartAgent}));
         const ZELKInstalledAgent &place = world.place;
         QCOMPARE(readFile(place.bundle() + u"/deeper/text"_s), "text");
-        QCOMPARE(modeOf(place.bundle() + u"/agent"_s), mode_t(0755)); // not what would make it somebody else
+        QCOMPARE(modeOf(place.program()), mode_t(0755)); // not what would make it somebody else
         QCOMPARE(modeOf(place.bundle() + u"/deeper/text"_s), mode_t(0644));
         QCOMPARE(modeOf(place.installer()), mode_t(0755));
         QVERIFY(
-            readFile(place.unit()).contains("\nExecStart=" + place.bundle().toUtf8() + "/agent --system\n"));
+            readFile(place.unit()).contains("\nExecStart=\"" + place.program().toUtf8() + "\" --system\n"));
         QCOMPARE(QFile::symLinkTarget(place.wantedFolder() + u"/org.zelk.lullwatch.agent.service"_s),
                  place.unit());
         for (const QString &file :
@@ -110,14 +114,14 @@ private Q_SLOTS:
         world.commands.clear();
         QVERIFY(!world.installer.removeFiles(0));
         QVERIFY(world.commands.isEmpty());
-        QVERIFY(!QFile::exists(place.bundle()) && !QFile::exists(place.unit()) &&
-                !QFile::exists(place.policy()));
+        QVERIFY(!QFile::exists(place.bundle()) && !QFile::exists(place.unit()));
+        QVERIFY(QFile::exists(place.policy()) && QFile::exists(place.installer()));
         QVERIFY(!world.installer.remove());
-        QCOMPARE(world.commands, (QStringList{stopAgent, stopPath, reloadBus, reloadUnits}));
+        QCOMPARE(world.commands, (QStringList{stopAgent, stopPath, reloadBus, reloadUnits, forget}));
         QCOMPARE(world.files(), QStringList());
     }
 
-    void policyStaysUntilTheRequestIsWithdrawn()
+    void removalWaitsUntilTheRequestIsWithdrawn()
     {
         World world;
         QVERIFY(!world.install());
@@ -125,10 +129,9 @@ private Q_SLOTS:
         std::unique_ptr<QThread> removal(QThread::create([&] { world.installer.removeFiles(20000); }));
         removal->start();
         QTRY_VERIFY(!QFile::exists(world.place.bundle()));
-        QVERIFY(QFile::exists(world.place.policy()));
+        QVERIFY(!removal->wait(100));
         QVERIFY(QFile::remove(world.place.request()));
         QVERIFY(removal->wait());
-        QVERIFY(!QFile::exists(world.place.policy()));
     }
 
     void jobAloneIsRemovedAndTheFilesStay()
@@ -140,6 +143,18 @@ private Q_SLOTS:
         QVERIFY(!world.install()); // over what is left
         QVERIFY(!world.installer.purge());
         QCOMPARE(world.files(), QStringList());
+    }
+
+    void whatOthersKeepThereStays()
+    {
+        World world;
+        writeFile(world.place.home() + u"/bin/tool"_s, "theirs");
+        writeFile(world.place.bundleFolder() + u"/other"_s, "theirs");
+        QVERIFY(!world.install());
+        QVERIFY(!world.installer.purge());
+        QVERIFY(QFile::exists(world.place.home() + u"/bin/tool"_s));
+        QVERIFY(QFile::exists(world.place.bundleFolder() + u"/other"_s));
+        QVERIFY(!QFile::exists(world.place.bundle()) && !QFile::exists(world.place.installer()));
     }
 
     void jobThatDoesNotStopKeepsItsFiles()
@@ -171,11 +186,76 @@ private Q_SLOTS:
         QCOMPARE(world.files(), QStringList());
     }
 
+    void failedReplacementBringsTheEarlierAgentBack_data()
+    {
+        const Rows<QString> row;
+        row("copy", "");
+        row("user", "sysusers");
+        row("bus", "busctl");
+        row("start", "restart org.zelk.lullwatch.agent.service");
+    }
+    void failedReplacementBringsTheEarlierAgentBack()
+    {
+        const auto [failing] = Rows<QString>::fetch();
+        World world;
+        QVERIFY(!world.install());
+        QStringList files = world.files();
+        const QByteArray unit = readFile(world.place.unit()) + "# of a version before\n";
+        writeFile(world.place.unit(), unit);
+        writeFile(world.program, "new program");
+        if (failing.isEmpty())
+            QVERIFY(QFile::link(u"/bin/true"_s, world.bundle + u"/link"_s));
+        world.failing = failing;
+        world.commands.clear();
+        QVERIFY(world.install());
+        QCOMPARE(readFile(world.place.program()), "program");
+        QCOMPARE(modeOf(world.place.program()), mode_t(0755));
+        QCOMPARE(modeOf(world.place.installer()), mode_t(0755));
+        QCOMPARE(readFile(world.place.unit()), unit);
+        QStringList found = world.files();
+        files.sort();
+        found.sort();
+        QCOMPARE(found, files);
+        QVERIFY(!world.commands.contains(stopAgent));
+        if (failing != "busctl"_L1) // without it nothing is started, neither the one nor the other
+            QCOMPARE(world.commands.last(), restartAgent);
+        world.failing.clear();
+        QFile::remove(world.bundle + u"/link"_s);
+        QVERIFY(!world.install());
+        QCOMPARE(readFile(world.place.program()), "new program");
+    }
+
+    void onlyWhatNobodyElseCanChangeIsTheAdministrators()
+    {
+        QTemporaryDir folder;
+        const QString program = folder.filePath(u"a/b/program"_s);
+        writeFile(program, "x");
+        QVERIFY(QFile::link(program, folder.filePath(u"a/b/link"_s)));
+        const auto problem = [&](const QString &name, uid_t owner = ::getuid()) {
+            return ZELKOwnership::problem(folder.filePath(name), owner, folder.path()).value_or(QString());
+        };
+        for (const char *name : {"a", "a/b", "a/b/program"})
+            ::chmod(qPrintable(folder.filePath(QLatin1String(name))), 0755);
+        QCOMPARE(problem(u"a/b/program"_s), QString());
+        QVERIFY(problem(u"a/b/program"_s, ::getuid() + 1).contains("does not belong"_L1));
+        QVERIFY(problem(u"a/b/link"_s).contains("symbolic link"_L1));
+        QVERIFY(problem(u"a"_s).contains("symbolic link"_L1)); // inside
+        QVERIFY(!problem(u"a/missing"_s).isEmpty() && ZELKOwnership::problem(u"a"_s));
+        for (const char *name : {"a", "a/b", "a/b/program"}) {
+            ::chmod(qPrintable(folder.filePath(QLatin1String(name))), 0775);
+            QVERIFY(problem(u"a/b/program"_s).contains("can be changed"_L1));
+            ::chmod(qPrintable(folder.filePath(QLatin1String(name))), 0755);
+        }
+    }
+
     void whatIsNotTheAgentIsRefused_data()
     {
         const Rows<QString, QString> row;
         row("another bundle", "org.zelk.other");
+        row("another program", "", "other");
+        row("lines for the unit", "", "lullwatch-agent --system\nUser=root");
         row("no program", "", "missing");
+        row("a link as bundle", "", "bundle");
         row("a link as program", "", "link");
         row("a link in the bundle", "", "deeper/link");
         row("a pipe in the bundle", "", "pipe");
@@ -183,7 +263,17 @@ private Q_SLOTS:
     void whatIsNotTheAgentIsRefused()
     {
         const auto [identifier, fault] = Rows<QString, QString>::fetch();
-        World world(identifier.isEmpty() ? ZELKInstalledAgent::label() : identifier);
+        const bool isOther = fault == "other"_L1 || fault.contains(u'\n');
+        World world(identifier.isEmpty() ? ZELKInstalledAgent::label() : identifier,
+                    isOther ? fault : ZELKInstalledAgent::programName());
+        if (isOther) {
+            writeFile(world.bundle + u'/' + fault, "x");
+            ::chmod(qPrintable(world.bundle + u'/' + fault), 0755);
+        }
+        if (fault == "bundle"_L1) {
+            QVERIFY(QFile::rename(world.bundle, world.bundle + u"2"_s));
+            QVERIFY(QFile::link(world.bundle + u"2"_s, world.bundle));
+        }
         if (fault == "missing"_L1 || fault == "link"_L1)
             QVERIFY(QFile::remove(world.program));
         if (fault.endsWith("link"_L1))

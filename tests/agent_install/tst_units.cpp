@@ -1,12 +1,19 @@
 #include "Files.h"
 #include "Rows.h"
+#include "ZELKPolkitAuthorization.h"
 #include "ZELKPropertyList.h"
+#include "ZELKSessionWorkspace.h"
 #include "ZELKSystemdServiceManagement.h"
 #include "ZELKUnitFile.h"
 
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusVirtualObject>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QThread>
 
 using namespace Qt::StringLiterals;
 
@@ -26,6 +33,39 @@ QVariant dictionary(const QString &key, const QVariant &value)
 {
     return QVariant::fromValue(ZELKDictionary{{key, value}});
 }
+
+/// What polkit answers: (bba{ss}).
+struct Verdict
+{
+    bool isAuthorized = false;
+    bool isChallenge = false;
+    QMap<QString, QString> details;
+};
+QDBusArgument &operator<<(QDBusArgument &argument, const Verdict &verdict)
+{
+    argument.beginStructure();
+    argument << verdict.isAuthorized << verdict.isChallenge << verdict.details;
+    argument.endStructure();
+    return argument;
+}
+const QDBusArgument &operator>>(const QDBusArgument &argument, Verdict &verdict)
+{
+    argument.beginStructure();
+    argument >> verdict.isAuthorized >> verdict.isChallenge >> verdict.details;
+    argument.endStructure();
+    return argument;
+}
+
+/// polkit with one answer; where it fails, these are its words.
+class Authority : public QDBusVirtualObject
+{
+public:
+    Verdict verdict;
+    QString failure;
+
+    QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &question, const QDBusConnection &bus) override;
+};
 
 /// user_manager.py, and what it says.
 class UserManager
@@ -56,6 +96,16 @@ private:
 };
 
 } // namespace
+
+Q_DECLARE_METATYPE(Verdict)
+
+bool Authority::handleMessage(const QDBusMessage &question, const QDBusConnection &bus)
+{
+    const QString error = u"org.freedesktop.PolicyKit1.Error.Failed"_s;
+    bus.send(failure.isEmpty() ? question.createReply(QVariant::fromValue(verdict))
+                               : question.createErrorReply(error, failure));
+    return true;
+}
 
 class Units : public QObject
 {
@@ -99,12 +149,17 @@ private Q_SLOTS:
     void foldersNeedNamespaces()
     {
         const QStringList folders{u"/home/a b"_s};
-        QVERIFY(ZELKUnitFile::text(ticket(), {folders, true}).contains("ReadWritePaths=\"/home/a b\"\n"_L1));
+        QVERIFY(ZELKUnitFile::text(ticket(), {folders, true})
+                    .contains("ExecStartPre=+mkdir -p \"/home/a b\"\nReadWritePaths=\"-/home/a b\"\n"_L1));
         QVERIFY(!ZELKUnitFile::text(ticket(), {folders, false}).contains("ProtectSystem"_L1));
         QTemporaryDir settings;
         QVERIFY(!ZELKUnitFile::usersHaveNamespaces(settings.path()));
         writeFile(settings.filePath(u"user/max_user_namespaces"_s), "100\n");
         QVERIFY(ZELKUnitFile::usersHaveNamespaces(settings.path()));
+        // What is around the service goes into it, unless the ticket says something else.
+        const auto job = ticket(u"EnvironmentVariables"_s, dictionary(u"A"_s, u"ticket"_s));
+        const QString text = ZELKUnitFile::text(job, {{}, false, {{u"A"_s, u"b"_s}, {u"C"_s, u"$d e"_s}}});
+        QVERIFY(text.contains("Environment=\"A=ticket\"\nEnvironment=\"C=$d e\"\n"_L1));
         writeFile(settings.filePath(u"kernel/unprivileged_userns_clone"_s), "0\n");
         QVERIFY(!ZELKUnitFile::usersHaveNamespaces(settings.path()));
     }
@@ -149,13 +204,13 @@ private Q_SLOTS:
     {
         const auto [failing, calls, isSubmitted, isRemoved] = Rows<QString, QStringList, bool, bool>::fetch();
         QTemporaryDir folder;
-        const QString unit = folder.filePath(u"units/org.test.agent.service"_s);
+        const QString unit = folder.filePath(u"systemd/user/org.test.agent.service"_s);
         UserManager manager(unit, failing);
         QVERIFY(manager.isReady);
         const QDBusConnection bus = QDBusConnection::sessionBus();
         ZELKSystemdServiceManagement services(
             bus, bus, 5000,
-            {folder.filePath(u"units"_s), {{folder.filePath(u"records"_s)}, true}, ZELKInstallerProgram({})});
+            {u"/not/asked/for"_s, {{folder.filePath(u"records"_s)}, true}, ZELKInstallerProgram({})});
         QVERIFY(services.isAvailable(ZELKServiceDomain::User));
         QVERIFY(!services.hasJob(label, ZELKServiceDomain::User));
         QCOMPARE(!services.submitJob(ticket(), ZELKServiceDomain::User, {}), isSubmitted);
@@ -168,6 +223,31 @@ private Q_SLOTS:
         QCOMPARE(manager.said(), calls);
     }
 
+    /// A process that only reads the past is no agent that could be stopped.
+    void errandsAreNoInstances()
+    {
+        QTemporaryDir folder;
+        const QByteArray commands[] = {"agent",
+                                       "agent|--database|x",
+                                       "agent|--backfill-wtmp|x",
+                                       "agent|--backfill-upower=x",
+                                       "agent|--version",
+                                       "agent|--read-journal|1"};
+        const QString bundle = folder.filePath(u"org.test.agent.app/agent"_s);
+        int number = 10;
+        for (QByteArray words : commands) {
+            const QString process = folder.filePath(u"proc/%1/"_s.arg(number++));
+            writeFile(process + u"stat"_s, "1 (agent) S 1" + QByteArray(" 0").repeated(30));
+            writeFile(process + u"status"_s, "Name:\tagent\nUid:\t7\t7\t7\t7\n");
+            writeFile(process + u"cmdline"_s, words.replace('|', '\0') + '\0');
+            QVERIFY(QFile::link(bundle, process + u"exe"_s));
+        }
+        const auto found = ZELKSessionWorkspace(folder.filePath(u"proc"_s), 7)
+                               .runningApplicationsWithBundleIdentifier(label);
+        QCOMPARE(found.size(), 2U);
+        QCOMPARE(found.back().processIdentifier, 11);
+    }
+
     void labelsThatNameOtherFilesAreRefused()
     {
         const QDBusConnection none(u"none"_s);
@@ -176,6 +256,44 @@ private Q_SLOTS:
             QCOMPARE(services.removeJob(name, ZELKServiceDomain::User, {})->code(), EINVAL);
         QCOMPARE(services.removeJob(label, ZELKServiceDomain::User, {})->code(), ENOTSUP);
         QVERIFY(!services.isAvailable(ZELKServiceDomain::System));
+    }
+
+    void whoAsksForARightIsToldWhyNot_data()
+    {
+        const Rows<QString, bool, QString, int, QString> row; // failure, challenge, detail; flags; the reason
+        row("refused", "", false, "", 3, "refused");
+        row("not asked for", "", true, "", 2, "refused");
+        row("nobody to ask", "", true, "", 3, "nobodyAsks");
+        row("cancelled", "", true, "polkit.dismissed", 3, "dismissed");
+        row("no policy", "Action a.b is not registered", false, "", 3, "unknownAction");
+        row("broken", "out of order", false, "", 3, "absent");
+    }
+    void whoAsksForARightIsToldWhyNot()
+    {
+        const auto [failure, challenge, detail, flags, reason] =
+            Rows<QString, bool, QString, int, QString>::fetch();
+        qDBusRegisterMetaType<QMap<QString, QString>>();
+        qDBusRegisterMetaType<Verdict>();
+        Authority authority;
+        authority.failure = failure;
+        authority.verdict = {false, challenge, {}};
+        if (!detail.isEmpty())
+            authority.verdict.details.insert(detail, u"true"_s);
+        QDBusConnection polkit = QDBusConnection::connectToBus(QDBusConnection::SystemBus, u"polkit"_s);
+        QVERIFY(polkit.registerVirtualObject(u"/org/freedesktop/PolicyKit1"_s, &authority,
+                                             QDBusConnection::SubPath));
+        QVERIFY(polkit.registerService(u"org.freedesktop.PolicyKit1"_s));
+        ZELKPolkitAuthorization rights(QDBusConnection::systemBus(), false);
+        std::optional<ZELKAgentError> error;
+        // It blocks, and polkit lives in this thread.
+        const std::unique_ptr<QThread> asking(QThread::create([&, asked = unsigned(flags)] {
+            error = rights.obtainRight(rights.authorization(), u"a.b"_s, asked);
+        }));
+        asking->start();
+        QTRY_VERIFY(asking->isFinished());
+        QDBusConnection::disconnectFromBus(u"polkit"_s);
+        QVERIFY(error);
+        QCOMPARE(error->localisedDescription(), u"ZELKAgentController.polkit."_s + reason);
     }
 
     void installerTellsWhyItFailed_data()

@@ -54,6 +54,11 @@ class Manager(dbus.service.Object):
         Job(self.bus, path)
         return dbus.ObjectPath(path)
 
+    @dbus.service.method(PROPERTIES, in_signature="ss", out_signature="v")
+    def Get(self, _interface, _name):
+        folder = os.path.dirname(UNIT_FILE)
+        return dbus.Array([folder + ".control", "/run/user/1/systemd/user", folder, "/etc/systemd/user"], "s")
+
     @dbus.service.method(MANAGER, in_signature="s", out_signature="o")
     def LoadUnit(self, _name):
         return dbus.ObjectPath("/unit")
