@@ -101,6 +101,7 @@ void ZELKLWADeviceWatcher::look(std::initializer_list<Kind> kinds)
 {
     if (!m_running)
         return;
+    checkWake();
     const ZELKDate now = ZELKEnvironment::current().clock->now();
     std::vector<ZELKLWAEvent> events;
     for (const Kind kind : kinds)

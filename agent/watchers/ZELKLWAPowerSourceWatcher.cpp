@@ -7,14 +7,16 @@
 
 ZELKLWAPowerSourceWatcher::ZELKLWAPowerSourceWatcher(const QDBusConnection &systemBus,
                                                      const QString &powerSupplyFolder, ZELKLWAEventSink sink,
-                                                     QObject *parent)
+                                                     ZELKPowerSourceNameMemory *names, QObject *parent)
     : ZELKLWAWatcher(sink, parent)
     , m_bus(systemBus)
-    , m_ledger(std::make_shared<ZELKPowerSourceLedger>())
+    , m_ledger(std::make_shared<ZELKPowerSourceLedger>(names))
     , m_uPower(systemBus, powerSupplyFolder, sink, m_ledger)
     , m_kernel(powerSupplyFolder, std::move(sink), m_ledger)
     , m_services(ZELKUPowerPort::serviceName(), systemBus)
 {
+    m_uPower.setWakeCheck([this] { checkWake(); });
+    m_kernel.setWakeCheck([this] { checkWake(); });
     connect(&m_services, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString &, const QString &, const QString &owner) {
                 zelkGuard([&] {

@@ -17,9 +17,10 @@ class ZELKLWAPowerSourceWatcher : public ZELKLWAWatcher
 
 public:
     /// `powerSupplyFolder` is the kernel's /sys/class/power_supply. A bus without connection is one without
-    /// UPower.
+    /// UPower. `names` keeps the sources' names, and outlives this; without it they are given anew.
     ZELKLWAPowerSourceWatcher(const QDBusConnection &systemBus, const QString &powerSupplyFolder,
-                              ZELKLWAEventSink sink, QObject *parent = nullptr);
+                              ZELKLWAEventSink sink, ZELKPowerSourceNameMemory *names = nullptr,
+                              QObject *parent = nullptr);
 
     /// Has the bus start UPower, once, where it can: who asks nothing of it would else never see it.
     void start() override;

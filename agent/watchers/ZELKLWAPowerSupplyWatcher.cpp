@@ -49,6 +49,7 @@ void ZELKLWAPowerSupplyWatcher::setInterval(int seconds)
 
 void ZELKLWAPowerSupplyWatcher::readNow()
 {
+    checkWake();
     record(m_ledger->eventsFor(ZELKKernelPowerSupplies::read(m_folder),
                                ZELKEnvironment::current().clock->now()));
 }

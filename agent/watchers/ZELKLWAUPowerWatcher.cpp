@@ -1,5 +1,6 @@
 #include "ZELKLWAUPowerWatcher.h"
 
+#include "ZELKAssertion.h"
 #include "ZELKConsole.h"
 #include "ZELKEnvironment.h"
 
@@ -11,6 +12,8 @@ ZELKLWAUPowerWatcher::ZELKLWAUPowerWatcher(const QDBusConnection &systemBus, con
     , m_devices(powerSupplyFolder)
     , m_port(systemBus)
 {
+    m_secondLook.setSingleShot(true);
+    m_secondLook.setInterval(millisecondsToLeave);
     connectPort();
 }
 
@@ -24,9 +27,12 @@ void ZELKLWAUPowerWatcher::connectPort()
                     tell();
             });
     connect(&m_port, &ZELKUPowerPort::deviceDidLeave, this, [this](const QString &path) {
-        if (m_devices.removeDevice(path))
-            tell();
+        if (!m_devices.removeDevice(path))
+            return;
+        tell();
+        m_secondLook.start();
     });
+    connect(&m_secondLook, &QTimer::timeout, this, [this] { zelkGuard([this] { tell(); }); });
     connect(&m_port, &ZELKUPowerPort::onBatteryDidChange, this, [this](std::optional<bool> onBattery) {
         if (m_devices.setOnBattery(onBattery))
             tell();
@@ -54,6 +60,7 @@ void ZELKLWAUPowerWatcher::start()
 void ZELKLWAUPowerWatcher::stop()
 {
     m_isComplete = false;
+    m_secondLook.stop();
     m_port.stop();
 }
 
@@ -76,6 +83,7 @@ void ZELKLWAUPowerWatcher::tell()
 {
     if (!m_isComplete)
         return;
+    checkWake();
     const ZELKDate now = ZELKEnvironment::current().clock->now();
     record(m_ledger->eventsFor(m_devices.supplies(now), now));
 }

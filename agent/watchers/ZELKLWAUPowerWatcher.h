@@ -6,6 +6,8 @@
 #include "ZELKUPowerDevices.h"
 #include "ZELKUPowerPort.h"
 
+#include <QTimer>
+
 #include <memory>
 
 /// "Power state changed" for each battery and uninterruptible supply that UPower knows of: once at start,
@@ -16,6 +18,9 @@ class ZELKLWAUPowerWatcher : public ZELKLWAWatcher
     Q_OBJECT
 
 public:
+    /// The kernel may show a battery a little longer than UPower does, and what it shows has not left.
+    static constexpr int millisecondsToLeave = 1000;
+
     /// `powerSupplyFolder` is the kernel's /sys/class/power_supply.
     ZELKLWAUPowerWatcher(const QDBusConnection &systemBus, const QString &powerSupplyFolder,
                          ZELKLWAEventSink sink, std::shared_ptr<ZELKPowerSourceLedger> ledger,
@@ -45,4 +50,6 @@ private:
     ZELKUPowerDevices m_devices;
     ZELKUPowerPort m_port;
     bool m_isComplete = false; ///< every device has been told
+    /// When a device has left; no other time.
+    QTimer m_secondLook;
 };

@@ -35,6 +35,11 @@ ZELKLWAEvent eventOf(const ZELKDictionary &properties, ZELKDate now)
 
 } // namespace
 
+ZELKPowerSourceLedger::ZELKPowerSourceLedger(ZELKPowerSourceNameMemory *names)
+    : m_names(names)
+{
+}
+
 void ZELKPowerSourceLedger::readerDidChange()
 {
     for (auto &entry : m_known)
@@ -63,7 +68,7 @@ std::optional<ZELKDictionary> ZELKPowerSourceLedger::news(const ZELKPowerSupply 
     if (!supply.isPresent && (!known || !before->second.isPresent))
         return std::nullopt;
     const bool otherReader = known && before->second.byOtherReader;
-    const ZELKDictionary properties = named(supply, otherReader);
+    const ZELKDictionary properties = named(supply.isPresent ? supply : leaving(supply), otherReader);
     const ZELKDictionary lasting = withoutEstimates(properties);
     const bool old =
         known && (otherReader ? agree(before->second.told, lasting) : before->second.told == lasting);
@@ -77,6 +82,16 @@ ZELKDictionary ZELKPowerSourceLedger::named(const ZELKPowerSupply &supply, bool 
     for (const auto &[key, value] : supply.properties())
         result.insert(key, value);
     return result;
+}
+
+/// It leaves with the charge that it was known to have: an empty bay has none.
+ZELKPowerSupply ZELKPowerSourceLedger::leaving(ZELKPowerSupply supply) const
+{
+    const ZELKDictionary &told = m_known.at(supply.device).told;
+    supply.percent = told.contains(ZELKPropertyCurrentCapacity)
+                         ? std::optional(told.value(ZELKPropertyCurrentCapacity).toDouble())
+                         : std::nullopt;
+    return supply;
 }
 
 ZELKDictionary ZELKPowerSourceLedger::leave(Known &known)

@@ -12,6 +12,9 @@
 class ZELKPowerSourceLedger
 {
 public:
+    /// `names` keeps the sources' names, and outlives this; without it they are given anew.
+    explicit ZELKPowerSourceLedger(ZELKPowerSourceNameMemory *names = nullptr);
+
     /// `supplies` are all that the reader knows now; one that is not current is there, and no more is said of
     /// it. One that is missing has left when the kernel no longer shows it either: a daemon that goes away
     /// gives up its devices too.
@@ -31,6 +34,7 @@ private:
     };
     std::optional<ZELKDictionary> news(const ZELKPowerSupply &supply);
     ZELKDictionary named(const ZELKPowerSupply &supply, bool otherReader);
+    ZELKPowerSupply leaving(ZELKPowerSupply supply) const;
     static ZELKDictionary leave(Known &known);
 
     std::map<QString, Known> m_known; ///< by the kernel's name, once seen present

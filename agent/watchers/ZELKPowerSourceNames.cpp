@@ -2,21 +2,34 @@
 
 #include <algorithm>
 
+ZELKPowerSourceNames::ZELKPowerSourceNames(ZELKPowerSourceNameMemory *memory)
+    : m_memory(memory)
+{
+    if (m_memory)
+        m_given = m_memory->recall();
+}
+
 QString ZELKPowerSourceNames::nameFor(const ZELKPowerSupply &supply, bool otherReader)
 {
-    const QString plain = supply.plainName();
     Given &given = m_given[supply.device];
-    if (!given.name.isEmpty()) {
-        if (!supply.isPresent || given.plainName == plain)
-            return given.name;
-        if (otherReader) {
-            given.plainName = plain;
-            return given.name;
-        }
-    }
-    given.plainName = plain;
-    return given.name =
-               isInUse(plain, supply.device) ? QStringLiteral("%1 (%2)").arg(plain, supply.device) : plain;
+    const Given before = given;
+    given = choose(supply, before, otherReader);
+    const QString name = given.name;
+    if (m_memory && given != before)
+        m_memory->remember(m_given);
+    return name;
+}
+
+ZELKPowerSourceNames::Given ZELKPowerSourceNames::choose(const ZELKPowerSupply &supply, const Given &before,
+                                                         bool otherReader) const
+{
+    const QString model = supply.plainName();
+    if (!before.name.isEmpty() && (!supply.isPresent || before.model == model))
+        return before;
+    if (!before.name.isEmpty() && otherReader)
+        return {before.name, model};
+    const bool isSecond = isInUse(model, supply.device);
+    return {isSecond ? QStringLiteral("%1 (%2)").arg(model, supply.device) : model, model};
 }
 
 bool ZELKPowerSourceNames::isInUse(const QString &name, const QString &device) const

@@ -48,16 +48,13 @@ ZELKDictionary ZELKPowerSupply::properties() const
 {
     ZELKDictionary result{{ZELKPropertyIsPresent, isPresent},
                           {ZELKPropertyIsCharging, isPresent && status == Status::Charging}};
-    if (isPresent) {
-        if (percent && std::isfinite(*percent))
-            result.insert(ZELKPropertyCurrentCapacity,
-                          qlonglong(std::llround(std::clamp(*percent, 0.0, 100.0))));
-        result.insert(ZELKPropertyMaxCapacity, qlonglong(100));
-        if (status == Status::Discharging)
-            insertMinutes(result, ZELKPropertyTimeToEmpty, secondsToEmpty);
-        if (status == Status::Charging)
-            insertMinutes(result, ZELKPropertyTimeToFullCharge, secondsToFull);
-    }
+    if (percent && std::isfinite(*percent))
+        result.insert(ZELKPropertyCurrentCapacity, qlonglong(std::llround(std::clamp(*percent, 0.0, 100.0))));
+    result.insert(ZELKPropertyMaxCapacity, qlonglong(100));
+    if (isPresent && status == Status::Discharging)
+        insertMinutes(result, ZELKPropertyTimeToEmpty, secondsToEmpty);
+    if (isPresent && status == Status::Charging)
+        insertMinutes(result, ZELKPropertyTimeToFullCharge, secondsToFull);
     result.insert(ZELKPropertyPowerSourceID, device);
     result.insert(ZELKPropertyTransportType, transportOf(path));
     insertLevel(result, ZELKPropertyLowWarnLevel, lowWarnPercent);

@@ -23,6 +23,7 @@ struct ZELKPowerSupply
     /// False for one that is there, but whose reading is too old to be believed.
     bool isCurrent = true;
     Status status = Status::Unknown;
+    /// Of one that is not present, a reader can not tell: what was known last, or nothing.
     std::optional<double> percent;
     std::optional<double> secondsToEmpty;
     std::optional<double> secondsToFull;

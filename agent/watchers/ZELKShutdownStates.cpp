@@ -28,14 +28,18 @@ bool ZELKShutdownStates::isComing(const ZELKMoment &moment) const
     return m_phase != Phase::None && moment.awake - m_announced.awake <= announcementLasts;
 }
 
+ZELKLWAEvent ZELKPendingShutdown::event() const
+{
+    const bool restart = kind == ZELKShutdownKind::Restart;
+    return {date, restart ? ZELKEventSystemWillRestart : ZELKEventSystemWillPowerOff, ZELKMonitorPowerEvents};
+}
+
 ZELKShutdownStates::Events ZELKShutdownStates::decide(std::optional<ZELKShutdownKind> kind)
 {
     if (m_phase != Phase::Announced)
         return {};
     m_phase = Phase::Recorded;
-    const bool restart = kind == ZELKShutdownKind::Restart;
-    return {{m_announced.date, restart ? ZELKEventSystemWillRestart : ZELKEventSystemWillPowerOff,
-             ZELKMonitorPowerEvents}};
+    return {ZELKPendingShutdown{m_announced.date, kind}.event()};
 }
 
 ZELKShutdownStates::Events ZELKShutdownStates::jobDidStart(ZELKShutdownKind kind, const ZELKMoment &moment)

@@ -27,6 +27,8 @@ public:
     /// Announced lately, and not cancelled.
     bool isComing(const ZELKMoment &moment) const;
     bool isUndecided() const { return m_phase == Phase::Announced; }
+    /// Of the last announcement.
+    ZELKDate announced() const { return m_announced.date; }
     /// The kind of the announced shut-down; when nobody knows, it is a power-off. Dated at the announcement.
     Events decide(std::optional<ZELKShutdownKind> kind);
     /// A job that ends the system, announced or not.
@@ -39,4 +41,26 @@ private:
 
     Phase m_phase = Phase::None;
     ZELKMoment m_announced;
+};
+
+/// A shut-down that was announced and is not recorded yet.
+struct ZELKPendingShutdown
+{
+    ZELKDate date;
+    /// Known only just before it is recorded.
+    std::optional<ZELKShutdownKind> kind;
+
+    ZELKLWAEvent event() const;
+    friend bool operator==(const ZELKPendingShutdown &, const ZELKPendingShutdown &) = default;
+};
+
+/// Keeps the pending shut-down for the next agent, should this one never come to record it. What was
+/// remembered is on the disk when remember() returns.
+class ZELKShutdownMemory
+{
+public:
+    virtual ~ZELKShutdownMemory() = default;
+    virtual std::optional<ZELKPendingShutdown> recall() const = 0;
+    virtual void remember(const ZELKPendingShutdown &shutdown) = 0;
+    virtual void forget() = 0;
 };

@@ -37,6 +37,14 @@ public:
         signal << QStringLiteral("org.freedesktop.UPower.Device") << changes << unsaid;
         m_bus.send(signal);
     }
+    void remove(const QString &path)
+    {
+        devices.remove(path);
+        QDBusMessage signal = QDBusMessage::createSignal(
+            daemonPath(), QStringLiteral("org.freedesktop.UPower"), QStringLiteral("DeviceRemoved"));
+        signal << QVariant::fromValue(QDBusObjectPath(path));
+        m_bus.send(signal);
+    }
 
     QString introspect(const QString &) const override { return {}; }
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override

@@ -22,7 +22,11 @@ struct WatchedPower
 
     QTemporaryDir folder;
     QStringList lines;
-    ZELKLWAPowerSourceWatcher watcher{
-        QDBusConnection::systemBus(), folder.path(),
-        [this](const std::vector<ZELKLWAEvent> &events) { lines += powerLines(events); }};
+    QList<ZELKDate> dates;
+    ZELKLWAPowerSourceWatcher watcher{QDBusConnection::systemBus(), folder.path(),
+                                      [this](const std::vector<ZELKLWAEvent> &events) {
+                                          lines += powerLines(events);
+                                          for (const ZELKLWAEvent &event : events)
+                                              dates.append(event.date);
+                                      }};
 };

@@ -195,6 +195,14 @@ void TestDevices::tells_data()
             Q_EMIT bed.kernel->lost();
         }),
         Lines{u"Device powering off, AC, AC"_s, u"Device powered on, dock.0, dock.0"_s});
+    row("a word that waited while the machine slept", Story([](Bed &bed) {
+            bed.watcher->setWakeCheck([&bed] {
+                bed.lines += u"wake"_s;
+                bed.put("ps/AC/online", "0");
+            });
+            bed.kernel->say(supplyChanged);
+        }),
+        Lines{u"wake"_s, u"Device powering off, AC, AC"_s});
     row("stopped, and nobody to hear", Story([](Bed &bed) {
             bed.watcher->stop();
             bed.put("ps/AC/online", "0");

@@ -2,7 +2,9 @@
 #include "PowerLines.h"
 #include "Rows.h"
 #include "ZELKPowerSourceLedger.h"
+#include "ZELKSettingsPowerSourceNames.h"
 #include "ZELKUPowerDevices.h"
+#include "ZELKUserDefaults.h"
 #include "ZELKValue.h"
 
 #include <QTemporaryDir>
@@ -134,6 +136,54 @@ private Q_SLOTS:
         for (const auto &[key, value] : devices.supplies(second(5000)).at(0).properties())
             found += key + u' ' + ZELKValue::description(value);
         QCOMPARE(found.join(u", "_s), expected);
+    }
+
+    void leavesWithItsCharge_data()
+    {
+        const Rows<bool> row;
+        row("gone", false);
+        row("an empty bay", true);
+    }
+    void leavesWithItsCharge()
+    {
+        const auto [hasBay] = Rows<bool>::fetch();
+        Bed bed;
+        bed.set("/b", battery);
+        if (hasBay)
+            bed.devices.changeDevice(u"/b"_s, {{u"IsPresent"_s, false}, {u"Percentage"_s, 0.0}});
+        else
+            bed.devices.removeDevice(u"/b"_s);
+        const auto events = bed.ledger.eventsFor(bed.devices.supplies(bed.now), bed.now);
+        QCOMPARE(events.size(), 1u);
+        const ZELKDictionary properties = propertiesOf(events.front());
+        QCOMPARE(properties.value(ZELKPropertyIsPresent), QVariant(false));
+        QCOMPARE(properties.value(ZELKPropertyCurrentCapacity).toInt(), 80);
+        QCOMPARE(properties.value(ZELKPropertyMaxCapacity).toInt(), 100);
+    }
+
+    void keepsNamesFromRunToRun()
+    {
+        const QTemporaryDir folder;
+        const QString file = folder.filePath(u"settings.ini"_s);
+        const auto names = [&](const QStringList &devices) {
+            ZELKUserDefaults settings(file);
+            ZELKSettingsPowerSourceNames memory(settings);
+            ZELKPowerSourceNames given(&memory);
+            QStringList found;
+            for (const QString &device : devices) {
+                ZELKPowerSupply supply;
+                supply.device = device;
+                supply.model = u"PRB, 1"_s;
+                supply.isPresent = true;
+                found += given.nameFor(supply, false);
+            }
+            return found;
+        };
+        const QString first = u"PRB, 1"_s, second = u"PRB, 1 (BAT0)"_s;
+        QCOMPARE(names({u"BAT1"_s, u"BAT0"_s}), QStringList({first, second}));
+        QCOMPARE(names({u"BAT0"_s, u"BAT1"_s}), QStringList({second, first}));
+        ZELKUserDefaults(file).setValue(u"powerSourceNames"_s, QStringList{u"BAT0"_s, u"x"_s});
+        QCOMPARE(names({u"BAT0"_s}), QStringList{first});
     }
 
     void knowsLevels()

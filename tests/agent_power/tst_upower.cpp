@@ -66,6 +66,50 @@ private Q_SLOTS:
         QTRY_COMPARE(power.lines, lines({80, 61, 59}));
     }
 
+    void believesNothingThatWaitedWhileItSlept()
+    {
+        ZELKEnvironment slept = at(second(5000));
+        const auto clock = std::make_shared<ZELKFixedClock>(second(5000));
+        slept.clock = clock;
+        const ZELKEnvironmentScope environment(slept);
+        FakeUPower uPower;
+        WatchedPower power;
+        uPower.refresh = [&](const QString &path) { uPower.devices[path] = battery(61, 9000); };
+        uPower.devices[batteryPath] = battery(80, 4990);
+        QVERIFY(uPower.come());
+        power.watcher.start();
+        QTRY_COMPARE(power.lines, lines({80}));
+        power.watcher.setWakeCheck([&] {
+            if (clock->now() < second(9000)) {
+                clock->setNow(second(9000));
+                power.watcher.systemDidWake(clock->now());
+            }
+        });
+        uPower.change(batteryPath, {{u"Percentage"_s, 75.0}, {u"UpdateTime"_s, 4999ULL}});
+        QTRY_COMPARE(power.lines, lines({80, 61}));
+        QCOMPARE(power.dates.constLast(), second(9000));
+    }
+
+    void looksAgainForABatteryThatTheKernelStillShows()
+    {
+        const ZELKEnvironmentScope environment(at(second(5000)));
+        FakeUPower uPower;
+        WatchedPower power;
+        power.kernelSays(80);
+        uPower.devices[batteryPath] = battery(80, 4990);
+        const QString other = batteryPath + u"1"_s;
+        uPower.devices[other] = battery(50, 4990);
+        uPower.devices[other].insert({{u"NativePath"_s, u"BAT1"_s}, {u"Model"_s, u"B"_s}});
+        QVERIFY(uPower.come());
+        power.watcher.start();
+        QTRY_COMPARE(power.lines.size(), 2);
+        uPower.remove(batteryPath);
+        uPower.change(other, {{u"Percentage"_s, 49.0}});
+        QTRY_COMPARE(power.lines.constLast(), u"B 49% on Battery Power"_s);
+        QVERIFY(QDir(power.folder.filePath(u"BAT0"_s)).removeRecursively());
+        QTRY_COMPARE(power.lines.constLast(), u"PRB-1 gone on Battery Power"_s);
+    }
+
     void readsFromTheKernelWhenItsWordsMakeNoSense()
     {
         ConsoleLines console;
