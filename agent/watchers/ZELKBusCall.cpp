@@ -41,7 +41,8 @@ QDBusMessage ZELKBusCall::getAll(const QString &service, const QString &path, co
     return call;
 }
 
-std::optional<QVariant> ZELKBusCall::argument(const QDBusMessage &answer, const char *signature)
+std::optional<QVariant> ZELKBusCall::argument(const QDBusMessage &answer, const char *signature,
+                                              const QString &service)
 {
     const bool fits =
         answer.type() == QDBusMessage::ReplyMessage && answer.signature() == QLatin1String(signature);
@@ -50,6 +51,6 @@ std::optional<QVariant> ZELKBusCall::argument(const QDBusMessage &answer, const 
     const QString reason = answer.type() == QDBusMessage::ReplyMessage
                                ? ZELKFormat("an answer of the form '%@'", {answer.signature()})
                                : answer.errorMessage();
-    ZELKConsole::log(ZELKFormat("A service of the system could not be asked: %@", {reason}));
+    ZELKConsole::log(ZELKFormat("%@ could not be asked: %@", {service, reason}));
     return std::nullopt;
 }

@@ -29,6 +29,6 @@ QDBusMessage getAll(const QString &service, const QString &path, const QString &
 
 /// The one argument of an answer, when it is one of that signature; else one console line, that names the
 /// service, for what is no answer or nonsense.
-std::optional<QVariant> argument(const QDBusMessage &answer, const char *signature);
+std::optional<QVariant> argument(const QDBusMessage &answer, const char *signature, const QString &service);
 
 } // namespace ZELKBusCall

@@ -4,13 +4,28 @@
 #include "ZELKRawEvent.h"
 
 #include <cmath>
+#include <string>
+#include <utility>
 
 namespace {
 
-qlonglong idleSeconds(const ZELKIdleHint &hint)
+ZELKDictionary idleSeconds(const ZELKIdleHint &hint)
 {
     const double seconds = std::floor(hint.date.timeIntervalSinceDate(hint.since));
-    return seconds > 0.0 ? qlonglong(seconds) : 0;
+    ZELKDictionary properties;
+    if (seconds > 0.0)
+        properties.insert(ZELKPropertyIdleSeconds, qlonglong(seconds));
+    return properties;
+}
+
+/// On one line, without what no text has: any program may choose it.
+QString printable(const QString &text)
+{
+    std::u32string characters = text.simplified().toStdU32String();
+    std::erase_if(characters, [](char32_t character) {
+        return !QChar::isPrint(character) || character == QChar::ReplacementCharacter;
+    });
+    return QString::fromStdU32String(characters);
 }
 
 } // namespace
@@ -24,24 +39,22 @@ bool ZELKInhibitor::holdsSleepOff() const
 
 QString ZELKInhibitor::text() const
 {
-    return QStringLiteral("%1 (%2): %3 (%4, %5)").arg(who, QString::number(pid), why, what, mode);
+    return QStringLiteral("%1 (%2): %3 (%4, %5)")
+        .arg(printable(who), QString::number(pid), printable(why), what, mode);
 }
 
-void ZELKIdleStates::begin(bool isIdle)
+bool ZELKIdleStates::change(bool isIdle)
 {
-    m_isIdle = isIdle;
-    m_asked.reset();
+    const bool wasIdle = std::exchange(m_isIdle, isIdle);
+    return isIdle && !wasIdle;
 }
 
-ZELKIdleStates::Events ZELKIdleStates::hint(const ZELKIdleHint &hint)
+ZELKIdleStates::Events ZELKIdleStates::idles(const ZELKIdleHint &hint)
 {
-    const bool begins = hint.isIdle && !m_isIdle;
-    m_isIdle = hint.isIdle;
-    if (!begins)
-        return {};
     m_asked = hint;
-    const ZELKDictionary properties{{ZELKPropertyIdleSeconds, idleSeconds(hint)}};
-    return {{hint.date, ZELKEventCanSystemSleep, ZELKMonitorPowerEvents, ZELKPropertiesText(properties)}};
+    const ZELKDictionary properties = idleSeconds(hint);
+    return {{hint.date, ZELKEventCanSystemSleep, ZELKMonitorPowerEvents,
+             properties.isEmpty() ? ZELKEventNoProperties : ZELKPropertiesText(properties)}};
 }
 
 /// The answer's order is logind's hash table's; sorted, the same locks read the same.
@@ -59,8 +72,8 @@ ZELKIdleStates::Events ZELKIdleStates::inhibitors(const std::vector<ZELKInhibito
     if (holders.isEmpty())
         return {};
     holders.sort();
-    const ZELKDictionary properties{{ZELKPropertyIdleSeconds, idleSeconds(hint)},
-                                    {ZELKPropertyProcesses, QVariantList(holders.begin(), holders.end())}};
+    ZELKDictionary properties = idleSeconds(hint);
+    properties.insert(ZELKPropertyProcesses, QVariantList(holders.begin(), holders.end()));
     return {{hint.date.addingTimeInterval(1e-6), ZELKEventSystemWillNotSleep, ZELKMonitorPowerEvents,
              ZELKPropertiesText(properties)}};
 }

@@ -24,10 +24,9 @@ struct ZELKInhibitor
     QString text() const;
 };
 
-/// Whether the session idles.
+/// That the session idles.
 struct ZELKIdleHint
 {
-    bool isIdle = false;
     ZELKDate since;
     /// When it was heard of.
     ZELKDate date;
@@ -40,10 +39,12 @@ class ZELKIdleStates
 public:
     using Events = std::vector<ZELKLWAEvent>;
 
-    /// What is the case when the watch begins; no event.
-    void begin(bool isIdle);
-    /// "Can system sleep" when the session has begun to idle; inhibitors() is to follow then.
-    Events hint(const ZELKIdleHint &hint);
+    /// Whether the session idles. True when it has begun to: idles(), then inhibitors() are to follow. What
+    /// is the case when the watch begins, has not begun.
+    bool change(bool isIdle);
+    /// "Can system sleep". "Idle Seconds" are left out when there are none: nobody knows how long the session
+    /// idles then, and a 0 would say that somebody does. The log reads both alike.
+    Events idles(const ZELKIdleHint &hint);
     /// "System will not sleep" when one of the locks held at that time, our own left out, holds sleep off.
     Events inhibitors(const std::vector<ZELKInhibitor> &inhibitors, quint32 ownPid);
 

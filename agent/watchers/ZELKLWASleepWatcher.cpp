@@ -6,13 +6,18 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <utility>
 
 ZELKLWASleepWatcher::ZELKLWASleepWatcher(const QDBusConnection &systemBus, ZELKLWAEventSink sink,
-                                         std::shared_ptr<const ZELKSuspendClock> clock, QObject *parent)
+                                         std::shared_ptr<const ZELKSuspendClock> clock,
+                                         ZELKShutdownMemory &shutdowns,
+                                         std::optional<QDBusConnection> sessionBus, QObject *parent)
     : ZELKLWAWatcher(std::move(sink), parent)
     , m_clock(std::move(clock))
+    , m_shutdowns(shutdowns)
     , m_logind(systemBus)
     , m_jobs(systemBus)
+    , m_desktop(std::move(sessionBus))
 {
     m_jobLimit.setSingleShot(true);
     m_jobLimit.setInterval(millisecondsToTheJob);
@@ -41,7 +46,7 @@ void ZELKLWASleepWatcher::connectSources()
     connect(&m_jobs, &ZELKManagerJobs::shutdownJobDidStart, this,
             [this](ZELKShutdownKind kind) { guarded([&] { shutdownJobDidStart(kind); }); });
     connect(&m_jobLimit, &QTimer::timeout, this,
-            [this] { guarded([this] { tell(m_shutdown.decide(std::nullopt)); }); });
+            [this] { guarded([this] { decideShutdown(std::nullopt); }); });
 }
 
 void ZELKLWASleepWatcher::guarded(const std::function<void()> &body)
@@ -58,6 +63,7 @@ void ZELKLWASleepWatcher::start()
     m_sleep = ZELKSleepStates(now());
     m_shutdown = {};
     m_idle = {};
+    tellOfPendingShutdown();
     m_clockSet.start();
     m_jobs.start();
     m_logind.start();
@@ -69,11 +75,22 @@ void ZELKLWASleepWatcher::stop()
         return;
     m_running = false;
     m_jobLimit.stop();
-    if (m_shutdown.isUndecided())
-        tell(m_shutdown.decide(m_jobs.shutdownKind().kind));
+    tellOfLastShutdown();
     m_logind.stop();
     m_jobs.stop();
     m_clockSet.stop();
+}
+
+/// Announced or not, what is asked for now would be answered too late.
+void ZELKLWASleepWatcher::tellOfLastShutdown()
+{
+    if (!m_shutdown.isUndecided() && !m_jobs.isAsking())
+        return;
+    const auto kind = m_jobs.shutdownKind().kind;
+    if (m_shutdown.isUndecided())
+        decideShutdown(kind);
+    else if (kind)
+        tell(m_shutdown.jobDidStart(*kind, now()));
 }
 
 ZELKMoment ZELKLWASleepWatcher::now() const
@@ -104,7 +121,7 @@ void ZELKLWASleepWatcher::logindDidArrive()
 {
     checkClocks();
     m_logind.takeLocks();
-    m_logind.requestIdleHint([this](bool isIdle, std::optional<ZELKDate>) { m_idle.begin(isIdle); });
+    m_logind.requestIdleHint([this](bool isIdle, std::optional<ZELKDate>) { m_idle.change(isIdle); });
 }
 
 void ZELKLWASleepWatcher::prepareForSleep(bool begins)
@@ -122,6 +139,7 @@ void ZELKLWASleepWatcher::prepareForShutdown(bool begins, std::optional<ZELKShut
     tell(m_sleep.observe(moment));
     if (!begins) {
         m_jobLimit.stop();
+        decideShutdown(std::nullopt);
         tell(m_shutdown.cancel(moment));
         retakeLock();
         return;
@@ -129,6 +147,8 @@ void ZELKLWASleepWatcher::prepareForShutdown(bool begins, std::optional<ZELKShut
     const bool isNews = m_shutdown.announce(moment);
     if (isNews && kind)
         tell(m_shutdown.decide(kind));
+    else if (isNews)
+        m_shutdowns.remember({moment.date, std::nullopt});
     if (!m_shutdown.isUndecided())
         m_logind.releaseLocks();
     else if (isNews)
@@ -141,7 +161,7 @@ void ZELKLWASleepWatcher::shutdownKindDidArrive(const ZELKManagerJobs::Answer &a
     if (!m_running || !m_shutdown.isUndecided())
         return;
     if (answer.kind || !answer.isKnown)
-        tell(m_shutdown.decide(answer.kind));
+        decideShutdown(answer.kind);
     else
         m_jobLimit.start();
     m_logind.releaseLocks();
@@ -152,22 +172,52 @@ void ZELKLWASleepWatcher::shutdownJobDidStart(ZELKShutdownKind kind)
     const ZELKMoment moment = now();
     tell(m_sleep.observe(moment));
     m_jobLimit.stop();
-    tell(m_shutdown.jobDidStart(kind, moment));
+    if (m_shutdown.isUndecided())
+        decideShutdown(kind);
+    else
+        tell(m_shutdown.jobDidStart(kind, moment));
     m_logind.releaseLocks();
+}
+
+/// The memory has the kind before the record does: whoever finds it there tells the same, which is then told
+/// once.
+void ZELKLWASleepWatcher::decideShutdown(std::optional<ZELKShutdownKind> kind)
+{
+    if (!m_shutdown.isUndecided())
+        return;
+    if (kind == ZELKShutdownKind::Restart)
+        m_shutdowns.remember({m_shutdown.announced(), kind});
+    tell(m_shutdown.decide(kind));
+    m_shutdowns.forget();
+}
+
+void ZELKLWASleepWatcher::tellOfPendingShutdown()
+{
+    if (const auto left = m_shutdowns.recall())
+        tell({left->event()});
+    m_shutdowns.forget();
 }
 
 void ZELKLWASleepWatcher::idleHintDidChange()
 {
     checkClocks();
-    const ZELKDate date = ZELKEnvironment::current().clock->now();
-    m_logind.requestIdleHint([this, date](bool isIdle, std::optional<ZELKDate> since) {
-        const auto events = m_idle.hint({isIdle, since.value_or(date), date});
-        tell(events);
-        if (events.empty())
+    m_logind.requestIdleHint([this, moment = now()](bool isIdle, std::optional<ZELKDate> since) {
+        if (!m_idle.change(isIdle))
             return;
-        m_logind.requestInhibitors([this](const std::vector<ZELKInhibitor> &inhibitors) {
-            tell(m_idle.inhibitors(inhibitors, quint32(QCoreApplication::applicationPid())));
-        });
+        const ZELKDate date = moment.date;
+        const auto tells = [this, date, since](std::optional<double> seconds) {
+            if (m_running)
+                tellOfIdleness({seconds ? date.addingTimeInterval(-*seconds) : since.value_or(date), date});
+        };
+        m_desktop.request(moment.awake + moment.suspended, tells);
+    });
+}
+
+void ZELKLWASleepWatcher::tellOfIdleness(const ZELKIdleHint &hint)
+{
+    tell(m_idle.idles(hint));
+    m_logind.requestInhibitors([this](const std::vector<ZELKInhibitor> &inhibitors) {
+        tell(m_idle.inhibitors(inhibitors, quint32(QCoreApplication::applicationPid())));
     });
 }
 

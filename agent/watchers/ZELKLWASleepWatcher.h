@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZELKClockSetNotifier.h"
+#include "ZELKDesktopIdleTime.h"
 #include "ZELKIdleStates.h"
 #include "ZELKLWAWatcher.h"
 #include "ZELKLogind.h"
@@ -23,7 +24,9 @@
 /// What is about to happen is with the sink before the lock that delays it is let go. The one exception is a
 /// shut-down whose kind is not known yet: logind starts the job that tells only once nobody delays it any
 /// more, so the lock goes first, and "System will power off" or "System will restart" follows with the job,
-/// the cancellation, stop() or a limit, dated at the announcement.
+/// the cancellation, stop() or a limit, dated at the announcement. Until then the memory keeps it; what is
+/// left there by one that ended without a word is recorded by the next start(), as "System will power off"
+/// unless the kind is kept too.
 class ZELKLWASleepWatcher : public ZELKLWAWatcher
 {
     Q_OBJECT
@@ -32,8 +35,10 @@ public:
     /// The wait for the job that tells the kind of a shut-down; other programs may delay it as well.
     static constexpr int millisecondsToTheJob = 30000;
 
+    /// `shutdowns` outlive it. The desktop on `sessionBus` knows how long its session idles.
     ZELKLWASleepWatcher(const QDBusConnection &systemBus, ZELKLWAEventSink sink,
-                        std::shared_ptr<const ZELKSuspendClock> clock, QObject *parent = nullptr);
+                        std::shared_ptr<const ZELKSuspendClock> clock, ZELKShutdownMemory &shutdowns,
+                        std::optional<QDBusConnection> sessionBus = std::nullopt, QObject *parent = nullptr);
 
     void start() override;
     /// Lets the lock go. Records a shut-down that has no kind yet, after asking for it a last time.
@@ -59,10 +64,15 @@ private:
     void prepareForShutdown(bool begins, std::optional<ZELKShutdownKind> kind);
     void shutdownKindDidArrive(const ZELKManagerJobs::Answer &answer);
     void shutdownJobDidStart(ZELKShutdownKind kind);
+    void decideShutdown(std::optional<ZELKShutdownKind> kind);
+    void tellOfPendingShutdown();
+    void tellOfLastShutdown();
     void idleHintDidChange();
+    void tellOfIdleness(const ZELKIdleHint &hint);
     void retakeLock();
 
     std::shared_ptr<const ZELKSuspendClock> m_clock;
+    ZELKShutdownMemory &m_shutdowns;
     ZELKLogind m_logind;
     ZELKManagerJobs m_jobs;
     ZELKClockSetNotifier m_clockSet;
@@ -70,5 +80,6 @@ private:
     ZELKSleepStates m_sleep;
     ZELKShutdownStates m_shutdown;
     ZELKIdleStates m_idle;
+    ZELKDesktopIdleTime m_desktop;
     bool m_running = false;
 };

@@ -149,7 +149,7 @@ void ZELKLogind::requestIdleHint(const IdleAnswer &answered)
 {
     const QDBusMessage ask = ZELKBusCall::getAll(service, managerPath, managerInterface);
     ZELKBusCall::send(m_bus, ask, this, [this, answered](const QDBusMessage &answer) {
-        const auto argument = ZELKBusCall::argument(answer, "a{sv}");
+        const auto argument = ZELKBusCall::argument(answer, "a{sv}", service);
         if (!argument || !m_running)
             return;
         const auto properties = qdbus_cast<QVariantMap>(*argument);
@@ -183,7 +183,7 @@ void ZELKLogind::requestInhibitors(const std::function<void(const std::vector<ZE
 {
     ZELKBusCall::send(m_bus, managerCall("ListInhibitors"), this,
                       [this, answered](const QDBusMessage &answer) {
-                          const auto argument = ZELKBusCall::argument(answer, "a(ssssuu)");
+                          const auto argument = ZELKBusCall::argument(answer, "a(ssssuu)", service);
                           if (!argument || !m_running)
                               return;
                           std::vector<ZELKInhibitor> inhibitors;

@@ -114,11 +114,20 @@ ZELKManagerJobs::Answer ZELKManagerJobs::shutdownKind() const
     return readJobs(m_bus.call(call, QDBus::Block, timeoutMilliseconds));
 }
 
+/// The signal does not tell what the job does to the unit; the list of jobs does. A manager that does not
+/// answer is busy with the end.
 void ZELKManagerJobs::jobDidStart(uint, const QDBusObjectPath &, const QString &unit)
 {
     zelkGuard([&] {
-        if (const auto kind = ZELKShutdownKindOfTarget(unit))
-            Q_EMIT shutdownJobDidStart(*kind);
+        const auto kind = ZELKShutdownKindOfTarget(unit);
+        if (!kind)
+            return;
+        ++m_questions;
+        requestShutdownKind([this, kind](const Answer &answer) {
+            --m_questions;
+            if (m_running && (answer.kind || !answer.isKnown))
+                Q_EMIT shutdownJobDidStart(answer.kind.value_or(*kind));
+        });
     });
 }
 

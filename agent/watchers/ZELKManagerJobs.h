@@ -35,9 +35,12 @@ public:
     void requestShutdownKind(const std::function<void(Answer)> &answered);
     /// The same at once, for when the program's own end is near. Blocks for the time limit at most.
     Answer shutdownKind() const;
+    /// A job was heard of whose signal is yet to come, or not.
+    bool isAsking() const { return m_questions > 0; }
 
 Q_SIGNALS:
     void presenceChanged(bool isThere);
+    /// A job that ends the system: one that stops such a unit does not.
     void shutdownJobDidStart(ZELKShutdownKind kind);
     void sleepJobDidFinish(bool succeeded);
 
@@ -53,4 +56,6 @@ private:
     QDBusServiceWatcher m_service;
     bool m_running = false;
     bool m_isThere = false;
+    /// Of jobs heard of, what kind they are.
+    int m_questions = 0;
 };

@@ -181,8 +181,8 @@ private Q_SLOTS:
     {
         const auto [what, mode, expected] = Rows<QString, QString, QString>::fetch();
         ZELKIdleStates states;
-        QCOMPARE(states.hint({true, ZELKDate(10.2), ZELKDate(20.1)}).size(), 1u);
-        const ZELKInhibitor inhibitor{what, u"rsync"_s, u"Copying (100%1)"_s, mode, 7};
+        QCOMPARE(states.idles({ZELKDate(10.2), ZELKDate(20.1)}).size(), 1u);
+        const ZELKInhibitor inhibitor{what, u"rsync\x1b\x7f"_s, u" Copying\n(100%1)\xd800"_s, mode, 7};
         const ZELKInhibitor own{u"sleep"_s, u"Own"_s, u"Own"_s, u"block"_s, 8};
         const auto events = states.inhibitors({inhibitor, own}, 8);
         QCOMPARE(events.empty(), expected.isEmpty());
@@ -197,14 +197,13 @@ private Q_SLOTS:
     void tellsOnceOfAnIdleSession()
     {
         ZELKIdleStates states;
-        const ZELKIdleHint idle{true, ZELKDate(50.0), ZELKDate(20.0)}, active{};
-        states.begin(true);
-        QCOMPARE(states.hint(idle).size(), 0u);
-        QCOMPARE(states.hint(active).size(), 0u);
-        const auto events = states.hint(idle);
-        QCOMPARE(events.size(), 1u);
-        QVERIFY(events.front().properties.contains(u"<integer>0</integer>"_s));
-        QCOMPARE(states.hint(idle).size(), 0u);
+        QVERIFY(!states.change(false));
+        QVERIFY(states.change(true));
+        QVERIFY(!states.change(true));
+        QVERIFY(!states.change(false));
+        QVERIFY(states.change(true));
+        const auto events = states.idles({ZELKDate(50.0), ZELKDate(20.0)});
+        QCOMPARE(events.front().properties, QString(ZELKEventNoProperties));
         const std::vector<ZELKInhibitor> holders{{u"idle"_s, u"a"_s, u"b"_s, u"block"_s, 1}};
         QCOMPARE(states.inhibitors(holders, 2).size(), 1u);
         QCOMPARE(states.inhibitors(holders, 2).size(), 0u);

@@ -1,13 +1,18 @@
 #include "BusMock.h"
 #include "ConsoleLines.h"
+#include "FakeDesktop.h"
+#include "Files.h"
 #include "Rows.h"
 #include "ZELKEnvironment.h"
+#include "ZELKFileShutdownMemory.h"
 #include "ZELKLWASleepWatcher.h"
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
+#include <QTemporaryDir>
 
+#include <memory>
 #include <optional>
 
 namespace {
@@ -96,8 +101,9 @@ private Q_SLOTS:
         m_scope.emplace(environment);
         m_seen.clear();
         m_properties.clear();
-        m_watcher.emplace(
-            QDBusConnection::systemBus(), [this](const auto &events) { see(events); }, m_clock);
+        m_folder.emplace();
+        m_shutdowns = std::make_unique<ZELKFileShutdownMemory>(shutdownFile());
+        makeWatcher();
     }
     void cleanup()
     {
@@ -220,12 +226,59 @@ private Q_SLOTS:
             return;
         m_clock->pass(2, 0);
         m_manager->jobNew(u"a.service"_s);
+        m_manager->setJobs(QString::fromLatin1(rebootJob));
         m_manager->jobNew(u"reboot.target"_s);
         QTRY_COMPARE(m_seen, QStringList{u"System will restart"_s});
         QCOMPARE(m_dates.constLast(), m_clock->now().addingTimeInterval(-2));
         m_logind->prepareForShutdown(false);
         QTRY_COMPARE(m_logind->locks(), 1);
         QCOMPARE(m_seen.constLast(), u"System will not power off"_s);
+    }
+
+    void aJobThatStopsATargetEndsNothing()
+    {
+        m_manager.emplace(u"(3, 'poweroff.target', 'stop', 'waiting', '/j/3', '/u/p')"_s);
+        begin();
+        m_manager->jobNew(u"poweroff.target"_s);
+        QTRY_COMPARE(m_manager->calls(u"ListJobs"_s), 1);
+        m_manager->setJobs(QString::fromLatin1(rebootJob));
+        m_manager->jobNew(u"reboot.target"_s);
+        QTRY_COMPARE(m_seen, QStringList{u"System will restart, held"_s});
+    }
+
+    void keepsAShutdownThatItMayNotLiveToRecord()
+    {
+        m_manager.emplace(QString::fromLatin1(otherJob));
+        begin();
+        const ZELKDate announced = m_clock->now();
+        m_logind->prepareForShutdown(true);
+        QTRY_COMPARE(m_logind->locks(), 0);
+        QCOMPARE(m_seen, QStringList{});
+        m_clock->pass(100, 0);
+        makeWatcher();
+        m_watcher->start();
+        QCOMPARE(m_seen, QStringList{u"System will power off"_s});
+        QCOMPARE(m_dates.constLast(), announced);
+        m_watcher->stop();
+        m_watcher->start();
+        QCOMPARE(m_seen.size(), 1);
+    }
+
+    void tellsOfWhatWasKept_data()
+    {
+        const Rows<QByteArray, QStringList> row;
+        row("no kind", "700000000.250000\n", QStringList{u"System will power off"_s});
+        row("its record may be there", "700000000.250000 restart\n", QStringList{u"System will restart"_s});
+        row("nonsense", "soon\n", QStringList{});
+        row("nothing", "", QStringList{});
+    }
+    void tellsOfWhatWasKept()
+    {
+        const auto [text, expected] = Rows<QByteArray, QStringList>::fetch();
+        writeFile(shutdownFile(), text);
+        m_watcher->start();
+        QCOMPARE(m_seen, expected);
+        QVERIFY(!QFile::exists(shutdownFile()));
     }
 
     void asksForTheKindAtItsEnd()
@@ -237,6 +290,32 @@ private Q_SLOTS:
         m_manager->setJobs(QString::fromLatin1(rebootJob));
         m_watcher->stop();
         QCOMPARE(m_seen, QStringList{u"System will restart"_s});
+        QVERIFY(!QFile::exists(shutdownFile()));
+    }
+
+    void believesTheDesktop_data()
+    {
+        const Rows<QString, QVariant, QString> row;
+        row("milliseconds", "mutter", 125900ULL, "<integer>125</integer>");
+        row("of more kinds", "screen saver", 125900U, "<integer>125</integer>");
+        row("seconds", "screen saver", 125U, "<integer>125</integer>");
+        row("longer than there was a machine", "mutter", ~0ULL, "<integer>90</integer>");
+        row("another form", "mutter", 125900U, "<integer>90</integer>");
+        row("not at all: nothing is told of it", "mutter", 300ULL, "NULL");
+    }
+    void believesTheDesktop()
+    {
+        const auto [kind, answer, expected] = Rows<QString, QVariant, QString>::fetch();
+        const bool isMutter = kind == u"mutter"_s;
+        const FakeDesktop desktop(
+            isMutter ? u"org.gnome.Mutter.IdleMonitor"_s : u"org.freedesktop.ScreenSaver"_s,
+            isMutter ? u"/org/gnome/Mutter/IdleMonitor/Core"_s : u"/org/freedesktop/ScreenSaver"_s,
+            isMutter ? u"GetIdletime"_s : u"GetSessionIdleTime"_s, answer);
+        m_clock->pass(900, 0);
+        begin();
+        m_logind->updateProperties({{u"IdleSinceHint"_s, idleSince()}, {u"IdleHint"_s, true}});
+        QTRY_COMPARE(m_seen.size(), 1);
+        QVERIFY2(m_properties.constFirst().contains(expected), qPrintable(m_properties.constFirst()));
     }
 
     void tellsOfIdleness_data()
@@ -256,9 +335,7 @@ private Q_SLOTS:
         begin();
         const QDBusMessage holder =
             m_logind->call(u"Inhibit"_s, {u"sleep:idle"_s, u"rsync"_s, u"Copying files"_s, u"block"_s});
-        const double since =
-            m_clock->now().timeIntervalSinceReferenceDate() + ZELKDate::secondsFrom1970 - 90.5;
-        QVariantMap idle{{u"IdleSinceHint"_s, qulonglong(since * 1e6)}, {u"IdleHint"_s, true}};
+        QVariantMap idle{{u"IdleSinceHint"_s, idleSince()}, {u"IdleHint"_s, true}};
         if (isBlocked) {
             m_logind->tell(u"UpdateProperties"_s, {u"org.freedesktop.login1.Seat"_s, idle}, seat);
             idle = {{u"IdleHint"_s, false}};
@@ -272,11 +349,25 @@ private Q_SLOTS:
     }
 
 private:
+    QString shutdownFile() const { return m_folder->filePath(u"a folder/shutdown"_s); }
+    /// Like another process, when there was one before: that is gone without a word.
+    void makeWatcher()
+    {
+        m_watcher.emplace(
+            QDBusConnection::systemBus(), [this](const auto &events) { see(events); }, m_clock, *m_shutdowns,
+            QDBusConnection::sessionBus());
+    }
     void begin()
     {
         m_watcher->start();
         QTRY_COMPARE(m_logind->locks(), 1);
         QTRY_VERIFY(m_watcher->holdsLocks());
+    }
+    /// As the login manager tells it: 90 seconds and a half ago.
+    qulonglong idleSince() const
+    {
+        const double now = m_clock->now().timeIntervalSinceReferenceDate() + ZELKDate::secondsFrom1970;
+        return qulonglong((now - 90.5) * 1e6);
     }
     /// Whether the lock was held is told of what is about to happen.
     void see(const std::vector<ZELKLWAEvent> &events)
@@ -293,6 +384,8 @@ private:
     std::optional<Logind> m_logind;
     std::optional<Manager> m_manager;
     std::shared_ptr<TestClock> m_clock;
+    std::optional<QTemporaryDir> m_folder;
+    std::unique_ptr<ZELKFileShutdownMemory> m_shutdowns;
     std::optional<ZELKEnvironmentScope> m_scope;
     std::optional<ZELKLWASleepWatcher> m_watcher;
     QStringList m_seen;
