@@ -11,6 +11,8 @@
 
 #include <sys/stat.h>
 
+#include <utility>
+
 namespace {
 
 constexpr qint64 recordsAChunk = 1000;
@@ -30,6 +32,15 @@ ZELKLWASystemAccountingWatcher::ZELKLWASystemAccountingWatcher(const QString &pa
             readNew();
         });
     };
+    m_restOfRecord.setSingleShot(true);
+    m_restOfRecord.setInterval(millisecondsToWriteARecord);
+    connect(&m_restOfRecord, &QTimer::timeout, this, [this] {
+        zelkGuard([&] {
+            ZELKAccountingRecords skipped;
+            skipped.strayBytes = m_strayBytes;
+            tellOfSkipped(skipped);
+        });
+    });
     connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, changed);
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, changed);
 }
@@ -51,6 +62,7 @@ void ZELKLWASystemAccountingWatcher::start()
 void ZELKLWASystemAccountingWatcher::stop()
 {
     m_running = false;
+    m_restOfRecord.stop();
     if (const QStringList paths = m_watcher.files() + m_watcher.directories(); !paths.isEmpty())
         m_watcher.removePaths(paths);
 }
@@ -82,6 +94,16 @@ void ZELKLWASystemAccountingWatcher::readNew()
     ZELKAccountingRecords skipped;
     while (readChunk(file, skipped)) {
     }
+    m_strayBytes = std::exchange(skipped.strayBytes, 0);
+    if (m_strayBytes > 0)
+        m_restOfRecord.start();
+    else
+        m_restOfRecord.stop();
+    tellOfSkipped(skipped);
+}
+
+void ZELKLWASystemAccountingWatcher::tellOfSkipped(const ZELKAccountingRecords &skipped) const
+{
     if (skipped.skippedAny())
         ZELKConsole::log(ZELKFormat("Skipped in %@: %@.", {m_path, skipped.skippedText()}));
 }

@@ -4,6 +4,7 @@
 
 #include <QFileSystemWatcher>
 #include <QString>
+#include <QTimer>
 
 class QFile;
 struct ZELKAccountingRecords;
@@ -16,6 +17,9 @@ class ZELKLWASystemAccountingWatcher : public ZELKLWAWatcher
     Q_OBJECT
 
 public:
+    /// The end of a record that is being written comes at once; what has not come by then is no record.
+    static constexpr int millisecondsToWriteARecord = 1000;
+
     ZELKLWASystemAccountingWatcher(const QString &path, ZELKLWAEventSink sink, QObject *parent = nullptr);
 
     void start() override;
@@ -25,6 +29,7 @@ private:
     void watch();
     void readNew();
     bool readChunk(QFile &file, ZELKAccountingRecords &skipped);
+    void tellOfSkipped(const ZELKAccountingRecords &skipped) const;
 
     QString m_path;
     QFileSystemWatcher m_watcher;
@@ -32,4 +37,7 @@ private:
     quint64 m_fileNumber = 0;
     qint64 m_offset = 0;
     qint64 m_size = 0;
+    /// Bytes at the end that are less than a record, and the wait for the rest of it.
+    std::size_t m_strayBytes = 0;
+    QTimer m_restOfRecord;
 };
