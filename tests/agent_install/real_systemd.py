@@ -312,7 +312,8 @@ class RealSystemd(unittest.TestCase):
         self.assertEqual(self.in_home("find . -name '*lullwatch*' -type f"), "")
 
     def test_user_folders_of_a_shell(self):
-        agent = ["env", "XDG_DATA_HOME=/home/maynot/data", "XDG_CONFIG_HOME=/home/maynot/settings", PROGRAM, "agent"]
+        home = "/home/maynot"
+        agent = ["env", f"XDG_DATA_HOME={home}/data", f"XDG_CONFIG_HOME={home}/settings", PROGRAM, "agent"]
         result = self.container.user_run("maynot", *agent, "install", "--as", "user")
         self.assertEqual(result.returncode, 0, result.stderr + self.journal())
         self.assertIn("events.db", self.in_home(f"ls data/{LABEL}"))
