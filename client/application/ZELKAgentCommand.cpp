@@ -137,7 +137,9 @@ bool ZELKAgentCommand::remove()
         return true;
     }
     const auto password = passwordForSystemJob();
-    const bool wasRemoved = m_agent.enabled() ? told(m_agent.stop()) : removeRemains();
+    // One that hangs would have to delete its own files.
+    const bool isMuteForAll = m_agent.state() == Agent::PrivilegedJob && !isAnswering();
+    const bool wasRemoved = m_agent.enabled() && !isMuteForAll ? told(m_agent.stop()) : removeRemains();
     if (!settle() || !wasRemoved)
         return false;
     printState();

@@ -501,7 +501,7 @@
     </message>
     <message>
         <source>ZELKAgentController.error.6</source>
-        <translation>The recording agent was stopped, but it refused to have its files deleted, or could not delete them.</translation>
+        <translation>The recording agent was stopped, but it answered that its files could not be deleted.</translation>
     </message>
     <message>
         <source>ZELKAgentController.error.7</source>

@@ -225,6 +225,16 @@ private Q_SLOTS:
         QTRY_VERIFY(answered->isFinished());
         QCOMPARE(QDBusReply<bool>(answered->reply()).value(), true);
         QVERIFY(!QFile::exists(place.request()));
+
+        // Where nobody deletes them, the answer comes before the caller gives up.
+        install(place);
+        ZELKAgentRemoval inVain(bus, place, nullptr, 50);
+        Service other(inVain);
+        bus.unregisterObject(u"/removal"_s);
+        QVERIFY(bus.registerObject(u"/removal"_s, &other, QDBusConnection::ExportAllSlots));
+        const auto late = request(ownForm().encode());
+        QTRY_VERIFY_WITH_TIMEOUT(late->isFinished(), 2000);
+        QCOMPARE(QDBusReply<bool>(late->reply()).value(), false);
         QDBusConnection::disconnectFromBus(u"caller"_s);
     }
 
