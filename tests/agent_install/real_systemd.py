@@ -273,9 +273,9 @@ class RealSystemd(unittest.TestCase):
 
     def test_failed_replacement(self):
         self.succeed(2, "may", "install", "--as", "system")
-        program = f"/root/other/agents/{LABEL}.app/lullwatch-agent"
-        self.shell(f"cp -r {HOME} /root/other; cp /bin/false {program}")
-        result = self.container.root_run("/root/other/lullwatch-installer", "install")
+        program = f"/srv/other/agents/{LABEL}.app/lullwatch-agent"
+        self.shell(f"cp -r {HOME} /srv/other; cp /bin/false {program}")
+        result = self.container.root_run("/srv/other/lullwatch-installer", "install")
         self.assertEqual(result.returncode, 1, result.stderr)
         self.assertEqual(self.status("may"), 2, self.journal())
         self.succeed(1, "may", "remove")
