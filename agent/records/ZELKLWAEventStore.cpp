@@ -33,16 +33,12 @@ constexpr QLatin1String insertKey("ZELKLWAEventStoreSQLInsert");
 constexpr QLatin1String settleKey("ZELKLWAEventStoreSQLSettle");
 constexpr QLatin1String unsettledKey("ZELKLWAEventStoreSQLUnsettled");
 constexpr QLatin1String latestSettledKey("ZELKLWAEventStoreSQLLatestSettled");
-constexpr QLatin1String lastOfKey("ZELKLWAEventStoreSQLLastOf");
 constexpr QLatin1String beginKey("ZELKLWAEventStoreSQLBegin");
 constexpr QLatin1String commitKey("ZELKLWAEventStoreSQLCommit");
 constexpr QLatin1String rollbackKey("ZELKLWAEventStoreSQLRollback");
 
 /// Settings.
-constexpr QLatin1String aliveSetting("alive");
 constexpr QLatin1String servedSetting("served");
-constexpr QLatin1String beginningSetting("beginning");
-constexpr QLatin1String pastSetting("past");
 
 qint64 now()
 {
@@ -109,18 +105,6 @@ void ZELKLWAEventStore::databaseDidOpen()
     m_settlingClock.passed(stringForSetting(servedSetting).value_or(QString()).toLongLong());
     if (m_keeper == Keeper::Agent && !stringForSetting(beginningSetting))
         beginRecords();
-}
-
-/// What was set aside had read the past, and clients have it; read again, its sleeps would stand beside those
-/// that were recorded as they happened.
-void ZELKLWAEventStore::beginRecords()
-{
-    setString(QString::number(now()), beginningSetting);
-    if (!std::exchange(m_wasSetAside, false))
-        return;
-    setString(QStringLiteral("set aside"), pastSetting);
-    QTimer::singleShot(0, this,
-                       [this] { zelkGuard([&] { Q_EMIT begunAnew(); }); }); // not in the middle of a write
 }
 
 void ZELKLWAEventStore::record(const std::vector<ZELKLWAEvent> &events)
@@ -281,51 +265,6 @@ void ZELKLWAEventStore::requestWasServed(const ZELKLWAEventRange &range)
 {
     m_dueServed = std::min(range.to, now());
     save();
-}
-
-std::optional<ZELKDate> ZELKLWAEventStore::unrecordedEnd()
-{
-    std::optional<ZELKDate> end;
-    attempt([&] {
-        bool isStart = false;
-        require(forEachRow(
-            lastOfKey, {{QStringLiteral("@monitor"), ZELKMonitorLullwatch}}, [&](const ZELKDatabaseRow &row) {
-                isStart = row.column(0).bytes ==
-                          std::string_view(ZELKEventStartingMonitor.data(), ZELKEventStartingMonitor.size());
-                return true;
-            }));
-        if (!isStart)
-            return;
-        const qint64 written = stringForSetting(aliveSetting).value_or(QString()).toLongLong();
-        const qint64 seen = ZELKLWATimeOf(m_lifeSign.last().value_or(ZELKDate::distantPast()));
-        end = ZELKDate(double(std::min(std::max(written, seen), now())) / 1e6);
-    });
-    return end;
-}
-
-std::optional<ZELKDate> ZELKLWAEventStore::beginning()
-{
-    std::optional<QString> kept;
-    attempt([&] {
-        kept = stringForSetting(beginningSetting);
-        require(lastResult());
-    });
-    return kept ? std::optional(ZELKDate(double(kept->toLongLong()) / 1e6)) : std::nullopt;
-}
-
-std::optional<ZELKDate> ZELKLWAEventStore::unreadPast()
-{
-    bool isRead = false;
-    const bool known = attempt([&] {
-        isRead = stringForSetting(pastSetting).has_value();
-        require(lastResult());
-    });
-    return known && !isRead ? beginning() : std::nullopt;
-}
-
-void ZELKLWAEventStore::pastWasRead()
-{
-    attempt([&] { write([&] { setString(QStringLiteral("read"), pastSetting); }); });
 }
 
 void ZELKLWAEventStore::require(const ZELKDatabaseResult &result)

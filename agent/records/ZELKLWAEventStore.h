@@ -87,6 +87,10 @@ protected:
     void databaseDidOpen() override;
 
 private:
+    // Settings that more than one step has to do with.
+    static constexpr QLatin1String aliveSetting{"alive"};
+    static constexpr QLatin1String beginningSetting{"beginning"};
+
     bool take(const ZELKLWAEvent &event);
     void dropOldest();
     std::size_t writeSome();
