@@ -17,15 +17,6 @@
 
 namespace {
 
-QString dataFolder()
-{
-    const QString chosen = qEnvironmentVariable("ZELK_BENCH_DATA");
-    const QString folder =
-        chosen.isEmpty() ? QDir::temp().filePath(QStringLiteral("lullwatch-bench")) : chosen;
-    QDir().mkpath(folder);
-    return folder;
-}
-
 double seconds(clockid_t clock)
 {
     timespec now{};
@@ -51,13 +42,22 @@ void fill(const QString &file, int count)
 } // namespace
 
 ZELKBench::Log::Log()
-    : defaults(QDir(dataFolder()).filePath(QStringLiteral("defaults.ini")))
+    : defaults(QDir(ZELKBench::dataFolder()).filePath(QStringLiteral("defaults.ini")))
     , dateRange(defaults)
 {
     dateRange.awakeFromNib();
     dateRange.setSelectionTag(8);
     log.setDateRange(&dateRange);
     log.awakeFromNib();
+}
+
+QString ZELKBench::dataFolder()
+{
+    const QString chosen = qEnvironmentVariable("ZELK_BENCH_DATA");
+    const QString folder =
+        chosen.isEmpty() ? QDir::temp().filePath(QStringLiteral("lullwatch-bench")) : chosen;
+    QDir().mkpath(folder);
+    return folder;
 }
 
 ZELKEnvironment ZELKBench::environment()
@@ -76,7 +76,8 @@ ZELKLWCStore::World ZELKBench::world(const QString &databaseFile)
 
 QString ZELKBench::cacheWithEvents(int count)
 {
-    const QString file = QDir(dataFolder()).filePath(QStringLiteral("events-%1.lullwatch-events").arg(count));
+    const QString file =
+        QDir(ZELKBench::dataFolder()).filePath(QStringLiteral("events-%1.lullwatch-events").arg(count));
     if (!QFileInfo::exists(file)) {
         const QString partial = file + QStringLiteral(".partial");
         QFile::remove(partial);

@@ -30,8 +30,10 @@ ZELKEnvironment environment();
 
 ZELKLWCStore::World world(const QString &databaseFile);
 
-/// Path of a cache with that many events, made when it is not there yet ($ZELK_BENCH_DATA or the temporary
-/// folder).
+/// Where generated data are kept: $ZELK_BENCH_DATA, else in the temporary folder.
+QString dataFolder();
+
+/// Path of a cache with that many events, made when it is not there yet.
 QString cacheWithEvents(int count);
 
 double cpuSeconds();

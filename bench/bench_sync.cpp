@@ -2,20 +2,14 @@
 // log. Shows whether they arrive whole and in order, how long the interface was kept waiting at a time, and
 // what either program held beyond what it keeps. Run it as: tests/with-private-buses
 // build/bench/bench/bench_sync
+#include "ZELKBenchAgent.h"
 #include "ZELKBenchData.h"
-#include "ZELKEventGenerator.h"
 
 #include "ZELKAgentController.h"
-#include "ZELKEventVocabulary.h"
-#include "ZELKLWAEventStore.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QFile>
-#include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -26,38 +20,6 @@
 namespace {
 
 constexpr int eventCount = 1000000;
-
-QString agentFolder()
-{
-    return ZELKBundle::mainBundlePath(QCoreApplication::applicationDirPath()) +
-           QStringLiteral("/agents/org.zelk.lullwatch.agent.app");
-}
-
-/// The records of an agent that has been at work for long; made once.
-QString agentRecords()
-{
-    const QString file =
-        QFileInfo(ZELKBench::cacheWithEvents(1000)).dir().filePath(QStringLiteral("agent.db"));
-    if (QFileInfo::exists(file))
-        return file;
-    ZELKLWAEventStore store(file + QStringLiteral(".partial"), std::make_shared<ZELKBundle>(agentFolder()),
-                            std::make_shared<ZELKSQLitePort>());
-    ZELKEventGenerator generator;
-    for (int made = 0; made < eventCount; made += 5000) {
-        std::vector<ZELKLWAEvent> events;
-        for (int i = 0; i < 5000; ++i) {
-            const ZELKRawEvent raw = generator.next();
-            events.push_back({ZELKDate(raw.string(ZELKEventKeyDate).toDouble()),
-                              raw.string(ZELKEventKeyDescription), raw.string(ZELKEventKeyMonitor),
-                              raw.string(ZELKEventKeyProperties)});
-        }
-        store.record(events);
-    }
-    store.setPreparedStatement({});
-    store.setDatabase(nullptr);
-    QFile::rename(file + QStringLiteral(".partial"), file);
-    return file;
-}
 
 /// A line of /proc/PID/status in bytes.
 double statusBytes(qint64 pid, const std::string &name)
@@ -105,20 +67,11 @@ struct Watch
 
 void synchronise(benchmark::State &state)
 {
-    const QString records = agentRecords();
     const QTemporaryDir folder;
-    QProcess agent;
-    agent.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    agent.start(agentFolder() + QStringLiteral("/lullwatch-agent"),
-                {QStringLiteral("--database"), records, QStringLiteral("--wtmp"),
-                 folder.filePath(QStringLiteral("none")), QStringLiteral("--power-supply"), folder.path()});
+    ZELKBenchAgent agent(eventCount);
     ZELKAgentController controller(
         ZELKAgentPorts::onBuses(QDBusConnection::systemBus(), QDBusConnection::sessionBus()));
-    while (controller.state() != ZELKAgentController::SessionApplication &&
-           agent.state() != QProcess::NotRunning) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
-        controller.updateState();
-    }
+    controller.updateState();
     for ([[maybe_unused]] const auto &step : state) {
         ZELKBench::Log log;
         ZELKLWCStore::World world =
@@ -127,7 +80,7 @@ void synchronise(benchmark::State &state)
         ZELKLWCStore store(world);
         store.setLogController(&log.log);
         store.setAgentController(&controller);
-        const double agentBefore = statusBytes(agent.processId(), "VmRSS:");
+        const double agentBefore = statusBytes(agent.processIdentifier(), "VmRSS:");
         const double before = ZELKBench::residentBytes();
         const double start = ZELKBench::wallSeconds();
         Watch watch;
@@ -143,11 +96,9 @@ void synchronise(benchmark::State &state)
         state.counters["client_peak_MiB"] = (watch.mostResident - before) / 1048576.0;
         state.counters["client_kept_MiB"] = (ZELKBench::residentBytes() - before) / 1048576.0;
         state.counters["agent_peak_MiB"] =
-            (statusBytes(agent.processId(), "VmHWM:") - agentBefore) / 1048576.0;
+            (statusBytes(agent.processIdentifier(), "VmHWM:") - agentBefore) / 1048576.0;
         store.applicationWillTerminate();
     }
-    agent.terminate();
-    agent.waitForFinished();
 }
 BENCHMARK(synchronise)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 
