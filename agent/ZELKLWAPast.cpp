@@ -3,10 +3,13 @@
 #include "ZELKAssertion.h"
 #include "ZELKConsole.h"
 #include "ZELKEnvironment.h"
+#include "ZELKEventVocabulary.h"
 #include "ZELKFormat.h"
 #include "ZELKSQLitePort.h"
 
 #include <QFileInfo>
+
+#include <algorithm>
 
 ZELKLWAPast::ZELKLWAPast(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &options,
                          QObject *parent)
@@ -26,19 +29,34 @@ void ZELKLWAPast::start()
             m_allThere = false;
             return true;
         });
-    const ZELKDate until = m_store.beginning().value_or(ZELKEnvironment::current().clock->now());
+    m_recorded = m_store.recordedPeriods();
     m_backfill =
-        std::make_unique<ZELKLWABackfill>(m_places, until, [this](const std::vector<ZELKLWAEvent> &events) {
-            m_told += int(events.size());
-            m_store.record(events);
-        });
+        std::make_unique<ZELKLWABackfill>(m_places, ZELKEnvironment::current().clock->now(),
+                                          [this](const std::vector<ZELKLWAEvent> &events) { take(events); });
     connect(m_backfill.get(), &ZELKLWABackfill::finished, this,
             [this](bool complete) { zelkGuard([&] { end(complete); }); });
     m_backfill->start();
 }
 
+void ZELKLWAPast::take(const std::vector<ZELKLWAEvent> &events)
+{
+    std::vector<ZELKLWAEvent> news;
+    for (const ZELKLWAEvent &event : events) {
+        const bool wasRecorded = std::any_of(m_recorded.begin(), m_recorded.end(), [&](const auto &period) {
+            return period.begin <= event.date && event.date <= period.end;
+        });
+        // The accounting file is read alike by everybody, so that what it tells stands here once in any case.
+        if (wasRecorded && event.monitor != ZELKMonitorSystemAccounting)
+            ++m_leftOut;
+        else
+            news.push_back(event);
+    }
+    m_told += int(news.size());
+    m_store.record(news);
+}
+
 void ZELKLWAPast::end(bool complete)
 {
     const bool kept = m_store.save();
-    Q_EMIT finished(m_told, complete && kept && m_allThere);
+    Q_EMIT finished(m_told, m_leftOut, complete && kept && m_allThere);
 }

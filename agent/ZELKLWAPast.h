@@ -21,10 +21,12 @@ public:
 
 Q_SIGNALS:
     /// `told` counts the events that the files tell of, those that are recorded already among them;
+    /// `leftOut` those from times in which an agent recorded here, which it told of in its own words.
     /// `complete` when every place could be read and every event kept.
-    void finished(int told, bool complete);
+    void finished(int told, int leftOut, bool complete);
 
 private:
+    void take(const std::vector<ZELKLWAEvent> &events);
     void end(bool complete);
 
     ZELKLWABackfillPlaces m_places;
@@ -32,4 +34,6 @@ private:
     std::unique_ptr<ZELKLWABackfill> m_backfill;
     bool m_allThere = true;
     int m_told = 0;
+    int m_leftOut = 0;
+    std::vector<ZELKLWAEventStore::Period> m_recorded;
 };

@@ -48,8 +48,10 @@ int record(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions
 int readPast(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &options)
 {
     ZELKLWAPast past(bundle, options);
-    QObject::connect(&past, &ZELKLWAPast::finished, qApp, [](int told, bool complete) {
+    QObject::connect(&past, &ZELKLWAPast::finished, qApp, [](int told, int leftOut, bool complete) {
         std::printf("%d events of the past\n", told);
+        if (leftOut > 0)
+            std::printf("%d left out: an agent was recording at their time\n", leftOut);
         QCoreApplication::exit(complete ? 0 : failure);
     });
     past.start();

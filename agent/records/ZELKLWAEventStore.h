@@ -66,6 +66,14 @@ public:
     /// When the agent before this one was last known to live, if it left without its "Stopping monitor".
     std::optional<ZELKDate> unrecordedEnd();
 
+    /// The times between an agent's start and its end here; the last one may go on, and then ends now. What
+    /// ended without a word ends with the next start.
+    struct Period
+    {
+        ZELKDate begin;
+        ZELKDate end;
+    };
+    std::vector<Period> recordedPeriods();
     /// When an agent first recorded here; nothing before, and while the file can not be used.
     std::optional<ZELKDate> beginning();
     /// The same, which is now when no agent recorded here before; nothing once pastWasRead() has noted that

@@ -4,12 +4,20 @@
 #include "ZELKEnvironment.h"
 #include "ZELKEventVocabulary.h"
 
+#include <algorithm>
+
 // When the records began, what they hold of the time before, and how the agent before this one ended.
 
 namespace {
 
 constexpr QLatin1String lastOfKey("ZELKLWAEventStoreSQLLastOf");
+constexpr QLatin1String ownKey("ZELKLWAEventStoreSQLOwn");
 constexpr QLatin1String pastSetting("past");
+
+bool isStarting(std::string_view event)
+{
+    return event == std::string_view(ZELKEventStartingMonitor.data(), ZELKEventStartingMonitor.size());
+}
 
 qint64 now()
 {
@@ -35,12 +43,11 @@ std::optional<ZELKDate> ZELKLWAEventStore::unrecordedEnd()
     std::optional<ZELKDate> end;
     attempt([&] {
         bool isStart = false;
-        require(forEachRow(
-            lastOfKey, {{QStringLiteral("@monitor"), ZELKMonitorLullwatch}}, [&](const ZELKDatabaseRow &row) {
-                isStart = row.column(0).bytes ==
-                          std::string_view(ZELKEventStartingMonitor.data(), ZELKEventStartingMonitor.size());
-                return true;
-            }));
+        require(forEachRow(lastOfKey, {{QStringLiteral("@monitor"), ZELKMonitorLullwatch}},
+                           [&](const ZELKDatabaseRow &row) {
+                               isStart = isStarting(row.column(0).bytes);
+                               return true;
+                           }));
         if (!isStart)
             return;
         const qint64 written = stringForSetting(aliveSetting).value_or(QString()).toLongLong();
@@ -48,6 +55,29 @@ std::optional<ZELKDate> ZELKLWAEventStore::unrecordedEnd()
         end = ZELKDate(double(std::min(std::max(written, seen), now())) / 1e6);
     });
     return end;
+}
+
+std::vector<ZELKLWAEventStore::Period> ZELKLWAEventStore::recordedPeriods()
+{
+    std::vector<Period> periods;
+    const ZELKDate present = ZELKEnvironment::current().clock->now();
+    attempt([&] {
+        std::optional<ZELKDate> begin;
+        periods.clear();
+        require(forEachRow(
+            ownKey, {{QStringLiteral("@monitor"), ZELKMonitorLullwatch}}, [&](const ZELKDatabaseRow &row) {
+                const std::string_view time = row.column(0).bytes;
+                const ZELKDate date(QByteArray(time.data(), qsizetype(time.size())).toDouble() / 1e6);
+                if (begin)
+                    periods.push_back({*begin, date});
+                const bool isStart = isStarting(row.column(1).bytes);
+                begin = isStart ? std::optional(date) : std::nullopt;
+                return true;
+            }));
+        if (begin)
+            periods.push_back({*begin, std::max(*begin, present)});
+    });
+    return periods;
 }
 
 std::optional<ZELKDate> ZELKLWAEventStore::beginning()

@@ -74,6 +74,40 @@ private Q_SLOTS:
         QCOMPARE(recorded(), startAndStop);
     }
 
+    /// Also beside an agent; but not from the time in which one recorded, for that one told of it in its own
+    /// words.
+    void addsThePastOfNamedFiles()
+    {
+        constexpr qint64 epoch = 1700000000;
+        const ZELKDate noon = ZELKDate::fromSecondsSince1970(double(epoch));
+        {
+            ZELKLWAEventStore store(database(), agentBundle(), std::make_shared<ZELKSQLitePort>());
+            store.record({{noon, ZELKEventStartingMonitor, ZELKMonitorLullwatch},
+                          {noon.addingTimeInterval(1000), ZELKEventStoppingMonitor, ZELKMonitorLullwatch}});
+        }
+        QByteArray history = "1699990000\t0.000\tunknown\n";
+        for (const auto &[time, charge] :
+             {std::pair(epoch - 900, 80), std::pair(epoch + 500, 70), std::pair(epoch + 2000, 60)})
+            history += QByteArray::number(time) + '\t' + QByteArray::number(charge) + ".000\tdischarging\n";
+        writeFile(m_folder->filePath(u"upower/history-charge-PRB-1-80-00042.dat"_s), history);
+        for (const bool again : {false, true}) {
+            QProcess agent;
+            launch(agent, {u"--backfill-wtmp"_s, realAccounting(), u"--backfill-upower"_s,
+                           m_folder->filePath(u"upower"_s)});
+            QVERIFY(agent.waitForFinished());
+            QCOMPARE(agent.exitCode(), 0);
+            const QByteArray words = agent.readAll();
+            QVERIFY2(words.startsWith("4 events of the past\n1 left out"), words);
+            QCOMPARE(recorded(QString()).size(), 6); // the second time nothing is new
+            Q_UNUSED(again)
+        }
+        QProcess agent;
+        launch(agent, {u"--backfill-wtmp"_s, m_folder->filePath(u"none"_s)});
+        QVERIFY(agent.waitForFinished());
+        QCOMPARE(agent.exitCode(), 1);
+        QVERIFY(agent.readAll().contains("none' can not be read"));
+    }
+
     void tellsWithoutRunning_data()
     {
         const Rows<QStringList, int, QString> row;
@@ -105,8 +139,8 @@ private:
                         more);
         QVERIFY(agent.waitForStarted());
     }
-    /// What the agent has recorded of itself.
-    QStringList recorded() const
+    /// What is recorded, of the agent itself unless another part of the names is given.
+    QStringList recorded(const QString &part = u"monitor"_s) const
     {
         ZELKLWAEventStore store(database(), agentBundle(), std::make_shared<ZELKSQLitePort>());
         store.settle(); // what a kill left
@@ -116,7 +150,7 @@ private:
                               names.append(text(event.description));
                               return true;
                           });
-        return names.filter(u"monitor"_s);
+        return names.filter(part);
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
