@@ -148,12 +148,15 @@ void ZELKUPowerPort::take(const QString &path)
     read(path);
 }
 
-/// A device that has gone meanwhile does not answer, or is not listened to any more.
+/// A device that has gone meanwhile does not answer, or is not listened to any more. An answer in whose wait
+/// a change was told may be older than the change: it is asked for again.
 void ZELKUPowerPort::read(const QString &path)
 {
     ask(ZELKBusCall::getAll(serviceName(), path, deviceInterface()),
-        [this, path](const QDBusMessage &answer) {
-            if (isAnswer(answer) && m_devices.contains(path) && makesSense(answer, "a{sv}"))
+        [this, path, before = m_changes.value(path)](const QDBusMessage &answer) {
+            if (m_changes.value(path) != before)
+                read(path);
+            else if (isAnswer(answer) && m_devices.contains(path) && makesSense(answer, "a{sv}"))
                 Q_EMIT deviceDidArrive(path, qdbus_cast<QVariantMap>(answer.arguments().constFirst()));
         });
 }
@@ -214,6 +217,7 @@ void ZELKUPowerPort::propertiesChanged(const QDBusMessage &signal)
             tellOfDaemon(changes);
         if (interface != deviceInterface() || !m_devices.contains(signal.path()))
             return;
+        ++m_changes[signal.path()];
         if (!invalidated.isEmpty())
             read(signal.path());
         Q_EMIT deviceDidChange(signal.path(), changes);

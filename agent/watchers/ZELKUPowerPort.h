@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <QHash>
 #include <QObject>
 #include <QSet>
 #include <QVariantMap>
@@ -61,7 +62,8 @@ private:
     void tellOfDaemon(const QVariantMap &properties);
 
     QDBusConnection m_bus;
-    QSet<QString> m_devices; ///< that are listened to
+    QSet<QString> m_devices;       ///< that are listened to
+    QHash<QString, int> m_changes; // how many were told, by device
     /// Receives the answers; goes with stop(), and the answers with it.
     std::unique_ptr<QObject> m_session;
     int m_answersToStart = 0;
