@@ -1,5 +1,7 @@
 #include "ZELKTextOutput.h"
 
+#include "ZELKConsole.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -16,20 +18,6 @@ bool isHarmful(QChar character)
     return character.category() == QChar::Other_Control || code == QChar::LineSeparator ||
            code == QChar::ParagraphSeparator || (code >= 0x202A && code <= 0x202E) ||
            (code >= 0x2066 && code <= 0x2069);
-}
-
-QString escaped(QChar character)
-{
-    switch (character.unicode()) {
-    case u'\n':
-        return QStringLiteral("\\n");
-    case u'\r':
-        return QStringLiteral("\\r");
-    case u'\t':
-        return QStringLiteral("\\t");
-    default:
-        return QString::asprintf("\\u%04x", unsigned(character.unicode()));
-    }
 }
 
 } // namespace
@@ -73,6 +61,6 @@ QString ZELKTextOutput::safe(const QString &text)
         return text;
     QString line;
     for (const QChar character : text)
-        line += isHarmful(character) ? escaped(character) : QString(character);
+        line += isHarmful(character) ? ZELKConsole::escaped(character) : QString(character);
     return line;
 }

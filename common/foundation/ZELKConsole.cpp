@@ -12,20 +12,6 @@ bool breaksLine(QChar character)
            character == QChar(QChar::ParagraphSeparator);
 }
 
-QString escaped(QChar character)
-{
-    switch (character.unicode()) {
-    case u'\n':
-        return QStringLiteral("\\n");
-    case u'\r':
-        return QStringLiteral("\\r");
-    case u'\t':
-        return QStringLiteral("\\t");
-    default:
-        return QString::asprintf("\\u%04x", unsigned(character.unicode()));
-    }
-}
-
 QString cut(const QString &text)
 {
     if (text.size() <= longestText)
@@ -42,4 +28,18 @@ void ZELKConsole::log(const QString &text)
     for (const QChar character : cut(text))
         line += breaksLine(character) ? escaped(character) : QString(character);
     qInfo().noquote() << line;
+}
+
+QString ZELKConsole::escaped(QChar character)
+{
+    switch (character.unicode()) {
+    case u'\n':
+        return QStringLiteral("\\n");
+    case u'\r':
+        return QStringLiteral("\\r");
+    case u'\t':
+        return QStringLiteral("\\t");
+    default:
+        return QString::asprintf("\\u%04x", unsigned(character.unicode()));
+    }
 }

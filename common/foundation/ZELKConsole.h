@@ -9,4 +9,7 @@ namespace ZELKConsole {
 /// texts of more than 4,000 characters are cut with "…".
 void log(const QString &text);
 
+/// A control character as people write it: \n, \u001b.
+QString escaped(QChar character);
+
 } // namespace ZELKConsole
