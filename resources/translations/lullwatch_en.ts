@@ -85,6 +85,21 @@
     </message>
 </context>
 <context>
+    <name>Localizable</name>
+    <message>
+        <source>today</source>
+        <translation>today</translation>
+    </message>
+    <message>
+        <source>tomorrow</source>
+        <translation>tomorrow</translation>
+    </message>
+    <message>
+        <source>yesterday</source>
+        <translation>yesterday</translation>
+    </message>
+</context>
+<context>
     <name>Monitor</name>
     <message>
         <source>org.zelk.lullwatch</source>
