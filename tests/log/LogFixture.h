@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ConsoleLines.h"
 #include "LogDump.h"
 #include "NamedRows.h"
 #include "ZELKEnvironment.h"
@@ -39,28 +40,6 @@ inline ZELKEnvironment environmentWith(Texts texts, const QByteArray &zone = "UT
         environment.mainBundle = std::make_shared<ZELKBundle>(QStringLiteral(LOG_TEST_BUNDLE));
     return environment;
 }
-
-/// The console's lines while it lives.
-class Console
-{
-public:
-    Console()
-        : m_before(qInstallMessageHandler(
-              [](QtMsgType, const QMessageLogContext &, const QString &line) { lines().append(line); }))
-    {
-        lines().clear();
-    }
-    ~Console() { qInstallMessageHandler(m_before); }
-
-    static QStringList &lines()
-    {
-        static QStringList kept;
-        return kept;
-    }
-
-private:
-    QtMessageHandler m_before;
-};
 
 inline ZELKRawEvent rawEvent(double seconds, const QString &event, const ZELKDictionary &properties = {},
                              const QString &monitor = ZELKMonitorPowerEvents)

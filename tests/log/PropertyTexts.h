@@ -32,10 +32,9 @@ public:
         for (const std::string &name : names)
             if (!odd() || once(2))
                 body += space() + key(odd() ? oneOf(names) : name) + space() + value(name);
-        const std::string start =
-            oneOf(odd() ? oddPrologues : usualPrologue) + oneOf(odd() ? oddRoots : usualRoot);
         const std::string dictionary = body.empty() && once(2) ? "<dict/>" : "<dict>" + body + "\n</dict>";
-        return start + space() + dictionary + space() + "</plist>" + (odd() ? "" : "\n");
+        return (odd() ? oneOf(oddPrologues) : usualPrologue) + (odd() ? oneOf(oddRoots) : oddRoots[0]) +
+               space() + dictionary + space() + "</plist>" + (odd() ? "" : "\n");
     }
 
     /// A few small changes anywhere.
@@ -49,8 +48,6 @@ public:
                 text.erase(at, 1 + upTo(once(8) ? 80 : 3));
             else if (once(2))
                 text.insert(at, text.substr(upTo(text.size() - 1), upTo(40)));
-            else if (const std::size_t tag = text.find('<', at); once(2) && tag != std::string::npos)
-                text.insert(tag, oneOf(pieces));
             else
                 text.insert(at, oneOf(pieces));
         }
@@ -80,8 +77,8 @@ private:
     }
     std::string string()
     {
-        const std::string longest(500 + upTo(1), 'x');
-        return "<string>" + (odd() && once(8) ? longest : oneOf(odd() ? oddStrings : usualStrings)) +
+        const bool isLong = odd() && once(8);
+        return "<string>" + (isLong ? std::string(500 + upTo(1), 'x') : oneOf(odd() ? oddStrings : names)) +
                "</string>";
     }
     std::string list()
@@ -112,16 +109,15 @@ private:
     const Texts names =
         listed("Name|Is Present|Is Charging|Processes|Current Capacity|Max Capacity|Time to Empty|"
                "Power Source State|Idle Seconds");
-    const Texts usualStrings = listed("BAT0|BAT1|AC Power|Battery Power");
-    const Texts usualPrologue = listed("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC "
-                                       "\"-//X//Y//EN\" \"http://example.org/p.dtd\">\n");
+    const std::string usualPrologue = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC "
+                                      "\"-//X//Y//EN\" \"http://example.org/p.dtd\">\n";
     const Texts oddPrologues =
         listed("|\n|<?xml version=\"1.0\"?>|<?xml version=\"1.0\" encoding=\"UTF-16\"?>|"
                "<?xml version=\"1.0\"?><!-- <plist version=\"1.0\"> -->|"
                "<?xml version=\"1.0\"?><!DOCTYPE plist SYSTEM \"x\">|"
                "\xef\xbb\xbf<?xml version=\"1.0\"?>");
-    const Texts usualRoot = listed("<plist version=\"1.0\">");
-    const Texts oddRoots = listed("<plist>|<plist version='1.0'>|<plist version=\"1.0\" >");
+    const Texts oddRoots =
+        listed("<plist version=\"1.0\">|<plist>|<plist version='1.0'>|<plist version=\"1.0\" >");
     const Texts oddSpaces = listed("| |\r\n|<!-- c -->");
     const Texts oddKeys = listed("<key>&lt;Name</key>|<key>\xc3\xa4</key>|<key/>|<key></key>");
     const Texts oddIntegers = listed("-1|-0|007|+5| 5 |32767|32768|-32768|2147483648|-2147483649|1.5||0x1F|"

@@ -1,9 +1,30 @@
-// Duplicates: which events merge, what an entry tells of them, where they stand; and copies of entries.
+// What every entry can do; which events merge, and what becomes of the duplicates.
 #include "LogFixture.h"
+#include "ZELKLWCGroupEnumerator.h"
+#include "ZELKLWCLogEntryEnumerator.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+const QString startEvent = ZELKEventStartingMonitor;
+const QString stopEvent = ZELKEventStoppingMonitor;
+
+/// Sleep 0, wake 100, start 200, plain 300, sleep 400, stop 500.
+void fillChains(LogFixture &fixture)
+{
+    fixture.addAll({rawEvent(0, sleepEvent), rawEvent(100, wakeEvent), rawEvent(200, startEvent),
+                    plainAt(300), rawEvent(400, sleepEvent), rawEvent(500, stopEvent)});
+}
+
+template <typename Enumerator>
+QString placesAlong(const LogFixture &fixture, Enumerator walk)
+{
+    QStringList places;
+    while (const ZELKLWCLogEntry *entry = walk.nextObject())
+        places.append(fixture.placeOf(entry));
+    return places.join(u' ');
+}
 
 using MergeRows = NamedRows<Events, bool>;
 
@@ -34,7 +55,6 @@ void addReadings(const MergeRows &row)
     };
     const ZELKDictionary fifty = reading(50);
     pair("another time to empty", reading(50, {{toEmpty, 90LL}}), reading(50, {{toEmpty, 80LL}}), true);
-    pair("another percentage", fifty, reading(49), false);
     pair("the same percentage of another maximum", fifty, reading(25, {{ZELKPropertyMaxCapacity, 200LL}}),
          true);
     pair("another presence", fifty, reading(50, {{present, false}}), false);
@@ -44,7 +64,6 @@ void addReadings(const MergeRows &row)
          reading(50, {{present, 1LL}, {charging, 0.0}, {ZELKPropertyCurrentCapacity, u"50"_s}}), true);
     pair("a text is no number", fifty, reading(50, {{present, u"1"_s}}), false);
     pair("another battery", fifty, reading(50, {{ZELKPropertyName, u"BAT1"_s}}), false);
-    pair("no properties at all", {}, {}, true);
     // Values that both lack count as different, so all properties decide.
     const ZELKDictionary bare = reading(50, {{charging, {}}});
     ZELKDictionary turned;
@@ -57,11 +76,113 @@ void addReadings(const MergeRows &row)
 
 } // namespace
 
-class TestDuplicates : public QObject
+class TestEntries : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void walksItsChains()
+    {
+        LogFixture fixture;
+        fillChains(fixture);
+        QCOMPARE(placesAlong(fixture, fixture.at(4)->pastEnumerator()), u"3 2 1 0"_s);
+        QCOMPARE(placesAlong(fixture, fixture.at(4)->pastGroupEnumerator()), u"1 0"_s);
+        QCOMPARE(placesAlong(fixture, fixture.at(0)->futureGroupEnumerator()), u"1 4"_s);
+        QCOMPARE(placesAlong(fixture, fixture.at(5)->futureGroupEnumerator()), QString());
+
+        QCOMPARE(fixture.at(4)->pastEntryWithEvent(sleepEvent), fixture.at(0)); // not itself
+        QCOMPARE(fixture.at(4)->pastEntryWithEvent(startEvent), fixture.at(2));
+        QVERIFY(!fixture.at(4)->pastEntryWithEvent(stopEvent));
+        QCOMPARE(fixture.at(4)->pastGroupEntryWithEvent(wakeEvent), fixture.at(1));
+        QVERIFY(!fixture.at(4)->pastGroupEntryWithEvent(startEvent));
+        QCOMPARE(fixture.at(0)->futureGroupEntryWithEvent(sleepEvent), fixture.at(4));
+        QVERIFY(!fixture.at(4)->futureGroupEntryWithEvent(sleepEvent));
+    }
+
+    void knowsTheStateAtATime()
+    {
+        const auto stateAt = [](double seconds, ZELKLWCLogEntry *entry) {
+            return ZELKLWCLogEntry::pairRepresentsAtDate(ZELKDate(seconds), entry);
+        };
+        LogFixture fixture;
+        ZELKLWCLogEntry *first = fixture.add(plainAt(-100));
+        QVERIFY(!ZELKLWCLogEntry::pairAtTimeOfEntry(first));
+        QCOMPARE(stateAt(0, first), u"Awake"_s);
+        QCOMPARE(ZELKLWCLogEntry::pairRepresentsAtTimeOfEntry(nullptr), u"Awake"_s);
+        fillChains(fixture);
+        ZELKLWCLogEntry *plain = fixture.at(4); // between "Starting monitor", which has no pair, and a sleep
+        QCOMPARE(ZELKLWCLogEntry::pairAtTimeOfEntry(plain), fixture.at(2));
+        QCOMPARE(ZELKLWCLogEntry::pairRepresentsAtTimeOfEntry(plain), u"Awake"_s);
+        QCOMPARE(ZELKLWCLogEntry::pairRepresentsAtTimeOfEntry(fixture.at(6)), u"Unmonitored"_s);
+        // The wake at 100 says what holds from then on, the sleep before it what held earlier.
+        QCOMPARE(stateAt(100, plain), u"Awake"_s);
+        QCOMPARE(stateAt(99.9, plain), u"Asleep"_s);
+        QCOMPARE(stateAt(-1, fixture.at(1)), u"Awake"_s);
+        // The older monitoring entry has none, which is not the same as there being no older entry.
+        QVERIFY(stateAt(450, fixture.at(6)).isNull());
+    }
+
+    void knowsThePowerSourceAtATime()
+    {
+        const auto sourceAt = ZELKLWCLogEntry::powerSourceAtTimeOfEntry;
+        LogFixture fixture;
+        QCOMPARE(sourceAt(fixture.add(rawEvent(0, sleepEvent))), u"Unknown"_s);
+        QCOMPARE(sourceAt(nullptr), u"Unknown"_s);
+        QCOMPARE(sourceAt(fixture.addReading(10, reading(50))), u"Battery Power"_s);
+        QCOMPARE(sourceAt(fixture.addReading(20, reading(40, {{source, {}}}))), u"Battery Power"_s);
+        // Any kind of entry may name it.
+        QCOMPARE(sourceAt(fixture.add(rawEvent(40, u"Plugged"_s, {{source, u"AC Power"_s}}))), u"AC Power"_s);
+    }
+
+    void attributesKeepTheirFirstPlace()
+    {
+        LogFixture fixture;
+        ZELKLWCLogEntry *entry = fixture.addReading(0, reading(50));
+        entry->setAttributeValue(1, u"One"_s);
+        entry->setAttributeValue(2, u"Device"_s);
+        QCOMPARE(entry->attributes(), (QStringList{u"Device"_s, u"One"_s}));
+        QCOMPARE(entry->attributeForKey(u"Device"_s), QVariant(2));
+        // Those set before it awakes come first.
+        entry = fixture.log.entryWithDate(ZELKDate(0), ZELKEventPowerStateChanged, u"m"_s,
+                                          reading(5, {{processes, u"p"_s}}));
+        QVERIFY(entry->attributes().isEmpty());
+        entry->setAttributeValue(1, u"Mine"_s);
+        entry->awakeFromLog();
+        QCOMPARE(entry->attributes(), (QStringList{u"Mine"_s, u"Device"_s, u"Processes"_s}));
+    }
+
+    void describesItself()
+    {
+        LogFixture fixture(Texts::English);
+        fixture.add(rawEvent(0, sleepEvent));
+        ZELKLWCLogEntry *entry = fixture.add(rawEvent(3600, wakeEvent));
+        QCOMPARE(entry->shortDescription(), u"2001-01-01 01:00:00 +0000; System powering on after 1 hour"_s);
+        QCOMPARE(entry->stringForToolTip(), u"Asleep"_s);
+        QVERIFY(fixture.at(0)->stringForToolTip().isNull());
+        // Plain attributes show their keys alone; percent signs, tabs and nested values stay as they are.
+        entry->setAttributeValue(5, u"plain"_s);
+        entry->setAttributeValue(QVariant::fromValue(ZELKDictionary{{u"%@"_s, u"100%d\t"_s}, {u"a"_s, 1.5}}),
+                                 u"dictionary"_s);
+        const QVariant nested = QVariant::fromValue(ZELKDictionary{{u"a"_s, QVariantList{1LL}}});
+        entry->setAttributeValue(QVariantList{u"one"_s, 2LL, true, nested}, u"list"_s);
+        entry->setAttributeValue(QVariantList{}, u"empty"_s);
+        QCOMPARE(
+            entry->stringValue(),
+            u"2001-01-01 01:00:00 +0000\tSystem powering on after 1 hour\tProperties:[Duration:1h], plain, "
+            "dictionary:[%@:100%d\t, a:1.5], list:(one, 2, 1, {a = (1)}), empty:()"_s);
+    }
+
+    void changedNamesAreItsOwn()
+    {
+        LogFixture fixture;
+        ZELKLWCLogEntry *entry = fixture.add(plainAt(0));
+        entry->setEvent(u"e"_s);
+        entry->setGroup(u"g"_s);
+        QCOMPARE(entry->event() + entry->group(), u"eg"_s);
+        const ZELKLWCLogEntry *other = fixture.add(plainAt(600)); // of the same event and monitor
+        QCOMPARE(other->event() + other->group(), plainEvent + ZELKMonitorPowerEvents);
+    }
+
     void merges_data()
     {
         const MergeRows row("events", "merged");
@@ -108,7 +229,6 @@ private Q_SLOTS:
         fixture.addAll({batteryEvent(0, reading(50)), batteryEvent(10, reading(50))});
         fixture.add(batteryEvent(30, reading(50)));
         ZELKLWCLogEntry *entry = fixture.at(0);
-        QCOMPARE(entry->duplicates().size(), 2);
         QCOMPARE(entry->attributes(), (QStringList{u"Device"_s, u"~Duplicates~"_s}));
         const QVariantList both{QVariant::fromValue(ZELKDate(10)), QVariant::fromValue(ZELKDate(30))};
         QCOMPARE(entry->attributeForKey(u"~Duplicates~"_s).toList(), both.first(1));
@@ -130,8 +250,7 @@ private Q_SLOTS:
         ZELKLWCLogEntry *duplicate = fixture.at(1)->duplicates().value(0);
         QCOMPARE(duplicate->summary(), sleepEvent);
         QCOMPARE(duplicate->monitor(), u"n"_s);
-        QVERIFY(duplicate->attributes().isEmpty());
-        QVERIFY(duplicate->pairRepresents().isNull());
+        QVERIFY(duplicate->attributes().isEmpty() && duplicate->pairRepresents().isNull());
         QVERIFY(!duplicate->past() && !duplicate->next() && !duplicate->previous() && !duplicate->pair());
         QVERIFY(!fixture.log.indexOfEntry(duplicate));
     }
@@ -170,8 +289,6 @@ private Q_SLOTS:
         QCOMPARE(copy->summary(), u"Started charging 'BAT0' from 'Battery Power'"_s);
         QVERIFY(copy->past() == fixture.at(2) && copy->next() == fixture.at(2) && !copy->previous());
         QCOMPARE(copy->pair(), fixture.at(2));
-        QCOMPARE(copy->group(), original->group());
-        QCOMPARE(copy->properties(), original->properties());
         // The copy knows the duplicate that came after the original awoke.
         QCOMPARE(original->attributes(), QStringList{u"Device"_s});
         QCOMPARE(copy->attributes(), (QStringList{u"Device"_s, u"Duplicates"_s}));
@@ -179,11 +296,8 @@ private Q_SLOTS:
         copy->mergeEntry(fixture.log.entryWithDate(ZELKDate(9), u"e"_s, u"m"_s, {}));
         QCOMPARE(copy->duplicates().size(), 2);
         QCOMPARE(original->duplicates().size(), 1);
-        // The log goes on past copies and loose entries.
-        const ZELKLWCLogEntry *later = fixture.add(rawEvent(300, sleepEvent));
-        QCOMPARE(fixture.placeOf(later), u"4"_s);
         QCOMPARE(fixture.placeOf(copy), u"elsewhere"_s);
-        QCOMPARE(later->past(), original);
+        QCOMPARE(fixture.add(rawEvent(300, sleepEvent))->past(), original);
     }
 
     void copiesLookTheirMonitorUpAgain()
@@ -196,5 +310,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestDuplicates)
-#include "tst_duplicates.moc"
+QTEST_GUILESS_MAIN(TestEntries)
+#include "tst_entries.moc"

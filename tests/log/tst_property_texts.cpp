@@ -1,0 +1,410 @@
+// Property texts: their quick reader, the packed form it makes, and the log it builds must not differ from
+// what the property-list reader, dictionaries and events taken in as dictionaries come to.
+#include "LogDump.h"
+#include "LogFixture.h"
+#include "NamedRows.h"
+#include "PropertyTexts.h"
+#include "ZELKEventVocabulary.h"
+#include "ZELKPackedProperties.h"
+#include "ZELKPropertyList.h"
+#include "ZELKPropertyTextReader.h"
+
+#include <QtTest>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+using Key = ZELKPackedProperties::Key;
+using Ref = ZELKPackedProperties::Ref;
+
+namespace {
+
+const std::string prologue = "<?xml version=\"1.0\"?>";
+
+std::string list(const std::string &body)
+{
+    return prologue + "<plist version=\"1.0\"><dict>" + body + "</dict></plist>";
+}
+
+std::string pair(const std::string &key, const std::string &value)
+{
+    return "<key>" + key + "</key>" + value;
+}
+
+std::string yes(const std::string &key)
+{
+    return pair(key, "<true/>");
+}
+
+std::string text(const std::string &value)
+{
+    return list(pair("Name", "<string>" + value + "</string>"));
+}
+
+std::string number(const std::string &value)
+{
+    return list(pair("n", "<integer>" + value + "</integer>"));
+}
+
+const QString nameKey = ZELKPropertyName;
+
+QVariantList textsOf(int count)
+{
+    QVariantList list;
+    for (int i = 0; i < count; ++i)
+        list.append(u"item %1"_s.arg(i));
+    return list;
+}
+
+/// Values of every type and on both sides of every limit, some of them equal across types.
+QVariantList values()
+{
+    QVariantList list{true, false, u""_s, u"1"_s, u"ä 🔋"_s, u"a\0b"_s, u"\uFEFFa"_s, QString(QChar(0xD800))};
+    for (const qlonglong number :
+         {0LL, 1LL, -1LL, 32767LL, 32768LL, -32769LL, 2147483648LL, 9007199254740992LL, 9007199254740993LL})
+        list << number;
+    list << std::numeric_limits<qlonglong>::min() << std::numeric_limits<qlonglong>::max()
+         << 9223372036854775808ULL << QVariant::fromValue(5);
+    for (const double real : {0.0, -0.0, 1.0, 1.5, 9007199254740992.0, 9223372036854775808.0,
+                              std::numeric_limits<double>::infinity()})
+        list << real;
+    list << QString(512, u'x') << QString(513, u'x') << QByteArray("a");
+    for (const QVariantList &texts :
+         {QVariantList{}, {u"a"_s}, {u"a"_s, u""_s}, {1LL}, textsOf(900), textsOf(1100)})
+        list << QVariant(texts);
+    return list << QVariant::fromValue(ZELKDate(5)) << QVariant::fromValue(ZELKDictionary())
+                << QVariant::fromValue(ZELKDictionary{{u"k"_s, 1LL}});
+}
+
+/// Events in order of time; `oddness` of a hundred are unusual in some way.
+Events makeEvents(unsigned seed, std::size_t oddness, int count)
+{
+    PropertyTexts texts(seed);
+    const QStringList names =
+        u"Power state changed|Power state changed|System will sleep|System has powered on|startup|"
+        "Can system sleep|System will not sleep|Starting monitor|Stopping monitor|accounting boot|"
+        "accounting shut down|System will restart"_s.split(u'|');
+    const QStringList oddTexts = u"|Lüfter aus|🔋|\uFEFFx|a\tb|System will sleep|"_s.split(u'|')
+                                 << QString(300, u'é');
+    const auto oneOf = [&](const QStringList &list) {
+        return list.at(qsizetype(texts.upTo(list.size() - 1)));
+    };
+    const auto odd = [&] { return texts.upTo(99) < oddness; };
+    const auto properties = [&] {
+        std::string text = odd() ? texts.mutated(texts.text(oddness)) : texts.text(oddness);
+        std::erase(text, '\0');
+        return QString::fromStdString(text);
+    };
+    Events made;
+    double now = 1000;
+    for (int i = 0; i < count; ++i) {
+        now += texts.once(3) ? 2.5 : double(texts.upTo(7200));
+        const QString event = oneOf(odd() ? oddTexts : names);
+        const bool isReading = event == ZELKEventPowerStateChanged;
+        const QString monitor = isReading ? ZELKMonitorPowerSource : ZELKMonitorPowerEvents;
+        ZELKRawEvent raw =
+            ZELKMakeRawEvent(ZELKDate(odd() ? -now : now), event, odd() ? oneOf(oddTexts) : monitor,
+                             isReading || odd() ? properties() : QString(ZELKEventNoProperties));
+        if (odd())
+            raw.insert(ZELKEventKeyDate, texts.oneOf<QVariant>({u"rubbish"_s, u""_s, 5LL, 7.5, u"12"_s}));
+        if (odd() && texts.once(4))
+            raw.remove(raw.keys().at(qsizetype(texts.upTo(3))));
+        if (odd() && texts.once(4))
+            raw.insert(u"more"_s, QVariantList{1LL});
+        made.append(raw);
+    }
+    return made;
+}
+
+/// Takes events in as the bytes they are kept as, read in place or as dictionaries; how many were in place.
+int takeIn(ZELKLWCLog &log, const Events &events, bool asDictionaries)
+{
+    int inPlace = 0;
+    ZELKRawEventReader reader;
+    log.beginExternalEntries();
+    for (const ZELKRawEvent &event : events) {
+        const QByteArray bytes = ZELKPropertyList::writeBinary(QVariant::fromValue(event)).bytes;
+        const std::vector<char> blob(bytes.begin(), bytes.end()); // exactly so many, for looks beyond them
+        const auto kind = reader.read({blob.data(), blob.size()});
+        const QVariant value = ZELKPropertyList::read({blob.data(), blob.size()}).value;
+        if (asDictionaries && value.isValid())
+            log.addExternalEntry(value.value<ZELKRawEvent>());
+        else if (!asDictionaries && kind == ZELKRawEventReader::Kind::Texts)
+            log.addExternalEntry(reader.view());
+        else if (!asDictionaries && kind == ZELKRawEventReader::Kind::Dictionary)
+            log.addExternalEntry(reader.dictionary());
+        inPlace += kind == ZELKRawEventReader::Kind::Texts;
+    }
+    log.endExternalEntries();
+    return inPlace;
+}
+
+} // namespace
+
+class TestPropertyTexts : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_reader = std::make_unique<Reader>();
+        agree(list("")); // makes the prologue known
+    }
+
+    /// One text after another through one reader, so that each meets what the earlier ones left behind.
+    void readsAsTheWholeReaderDoes_data()
+    {
+        const NamedRows<std::vector<std::string>> row("texts");
+        row("an empty text where one was", {text("a"), text("b"), text(""), text("c"), text("")});
+        row("an empty text in a fresh template", {text("a"), text("")});
+        row("wider numbers", {number("1"), number("2"), number("70000"), number("-3"), number("5000000000")});
+        row("no numbers", {number("1"), number("2"), number("9223372036854775807"), number("-"), number("-0"),
+                           number("9223372036854775808"), number("99999999999999999999"), number("00")});
+        row("a byte order mark in a text",
+            {text("a"), text("\xef\xbb\xbfx"), text("\xef\xbb\xbf\xef\xbb\xbf")});
+        row("the root in a comment of the prologue",
+            {prologue + "<!-- <plist version=\"1.0\"> --><plist version=\"1.0\"><dict/></plist>",
+             prologue + "<!-- <plist version=\"1.0\"><dict>" + yes("a") + "</dict></plist>"});
+        row("the root in a value",
+            {prologue + "<plist><dict><key>a</key><string><![CDATA[<plist version=\"1.0\"><dict>" + yes("a") +
+             "</dict></plist>"});
+        row("keys twice", {list(yes("a") + yes("b")), list(yes("a") + yes("b")), list(yes("a") + yes("a"))});
+        row("a NUL", {text("a"), text("a") + std::string(1, '\0'), text("a") + std::string("\0<dict>", 7),
+                      text(std::string("a\0b", 3)), prologue + std::string(1, '\0') + text("a")});
+        row("cut off",
+            {text("a"), text("b"), text("c").substr(0, 60), text("c") + "x", text("c") + "<!-- -->"});
+        row("lists before other values",
+            {list(pair("l", "<array/>") + yes("a")), list(pair("l", "<array></array>") + yes("a")),
+             list(yes("a") + pair("l", "<array></array>"))});
+        row("longest texts", {text(std::string(500, 'x')), text(std::string(501, 'x')),
+                              text(std::string(9000, 'x')), text("a"), text(std::string(501, 'y'))});
+        row("no dictionaries",
+            {prologue + "<plist version=\"1.0\"><array/></plist>", "", "<plist/>", prologue});
+        std::string many;
+        std::string names;
+        for (int i = 0; i < 2000; ++i) {
+            many += i < 300 ? pair("k" + std::to_string(i), "<integer>1</integer>") : "";
+            names += "<string>n" + std::to_string(i) + "</string>";
+        }
+        row("many keys", {list(many), list(many), list(many + pair("Name", "<string>a</string>"))});
+        row("long lists",
+            {list(pair("a", "<array>" + names + "</array>")), list(pair("a", "<array></array>"))});
+    }
+
+    void readsAsTheWholeReaderDoes()
+    {
+        QFETCH(std::vector<std::string>, texts);
+        for (const std::string &text : texts)
+            agree(text);
+    }
+
+    void readsChangedTextsAsTheWholeReaderDoes_data() { addOddness(); }
+    void readsChangedTextsAsTheWholeReaderDoes()
+    {
+        QFETCH(int, oddness);
+        PropertyTexts texts(1234U + unsigned(oddness));
+        for (int i = 0; i < 2500 && !QTest::currentTestFailed(); ++i) {
+            const std::string text = texts.text(std::size_t(oddness));
+            agree(text);
+            agree(texts.mutated(text));
+        }
+    }
+
+    void wideNumbersOfTexts()
+    {
+        for (int i = -2; i < 70001; ++i) {
+            const std::string one = text("t" + std::to_string(i));
+            if (i < 0 || i == 5 || i >= 69999)
+                agree(one);
+            const auto ref = m_reader->reader.read(one).properties;
+            QVERIFY(ref);
+            QCOMPARE(m_reader->properties.value(*ref, ZELKPackedProperties::Name).toString(),
+                     u"t%1"_s.arg(i));
+        }
+        QVERIFY(m_reader->texts.size() > 0xFFFF);
+        agree(text("t0"));
+    }
+
+    /// A text of very many keys is refused or read, but not walked over and over.
+    void manyKeysTakeNoSquareOfTime()
+    {
+        std::string body;
+        for (int i = 0; i < 60000; ++i)
+            body += yes("key " + std::to_string(i));
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(ZELKPropertyList::read(list(body)).error.isEmpty());
+        const qint64 allowed = 20 * timer.restart() + 200;
+        QVERIFY(m_reader->reader.read(list(body)).properties);
+        QVERIFY2(timer.elapsed() < allowed, qPrintable(u"%1 ms"_s.arg(timer.elapsed())));
+    }
+
+    void answersForWhatItTook()
+    {
+        QCOMPARE(packed().pack(ZELKDictionary()), ZELKPackedProperties::empty);
+        QVERIFY(!packed().contains(ZELKPackedProperties::empty, Key::Name));
+        for (const QVariant &value : values()) {
+            for (const QString &other : {u"Processes"_s, u""_s, u"ä"_s, u"\uFEFFk"_s, QString(600, u'k')}) {
+                const ZELKDictionary dictionary{{other, 1LL}, {nameKey, value}, {u"last"_s, u"x"_s}};
+                const Ref ref = packed().pack(dictionary);
+                QVERIFY(comesBack(ref, dictionary));
+                QVERIFY(packed().contains(ref, Key::Name));
+                QCOMPARE(packed().contains(ref, Key::Processes), other == u"Processes");
+                QVERIFY(!packed().contains(ref, Key::IsPresent));
+                QCOMPARE(LogDump::exact(packed().value(ref, Key::Name)), LogDump::exact(value));
+                QCOMPARE(packed().intValue(ref, Key::Name), ZELKValue::intValue(value));
+                QCOMPARE(packed().floatValue(ref, Key::Name), ZELKValue::floatValue(value));
+                QCOMPARE(packed().textId(ref, Key::Name),
+                         m_reader->texts.intern(ZELKValue::description(value)));
+                QCOMPARE(packed().textId(ref, Key::IsPresent), ZELKStringPool::nil);
+            }
+        }
+    }
+
+    void comparesAsDictionariesDo()
+    {
+        std::vector<ZELKDictionary> all{{}};
+        for (const QVariant &value : values()) {
+            all.push_back({{nameKey, value}});
+            all.push_back({{nameKey, value}, {u"b"_s, 1LL}});
+            all.push_back({{u"b"_s, 1.0}, {nameKey, value}});
+            all.push_back({{u"b"_s, true}, {nameKey, value}, {u"d"_s, QByteArray()}});
+        }
+        std::vector<Ref> refs;
+        for (const ZELKDictionary &dictionary : all)
+            refs.push_back(packed().pack(dictionary));
+        for (std::size_t a = 0; a < refs.size(); ++a) {
+            for (std::size_t b = 0; b < refs.size(); ++b) {
+                const bool sameName = ZELKValue::isEqual(all[a].value(nameKey), all[b].value(nameKey));
+                if (packed().equal(refs[a], refs[b]) != (all[a] == all[b]) ||
+                    packed().equalValues(refs[a], refs[b], {Key::Name}) != sameName)
+                    QFAIL(qPrintable(LogDump::exact(all[a]) + u'\n' + LogDump::exact(all[b])));
+            }
+        }
+    }
+
+    /// Records of any size, which also fill more than one block.
+    void findsKeysAtAnyPlace()
+    {
+        for (int before = 0; before < 1200; before += before < 500 ? 1 : 50) {
+            ZELKDictionary dictionary;
+            for (int i = 0; i < before; ++i)
+                dictionary.insert(u"k%1"_s.arg(i), qlonglong(i));
+            dictionary.insert(nameKey, u"BAT0"_s);
+            dictionary.insert(u"l"_s, textsOf(before));
+            const Ref ref = packed().pack(dictionary);
+            QCOMPARE(packed().value(ref, Key::Name), QVariant(u"BAT0"_s));
+            QVERIFY(packed().equalValues(ref, ref, {Key::Name}));
+            QVERIFY(comesBack(ref, dictionary));
+        }
+    }
+
+    void textsBeyondSixteenBits()
+    {
+        const auto dictionary = [](int i) {
+            return ZELKDictionary{{nameKey, u"name %1"_s.arg(i)},
+                                  {ZELKPropertyProcesses, QVariantList{u"p%1"_s.arg(i), u"name 0"_s}}};
+        };
+        const std::vector<Ref> refs = packMany(dictionary);
+        QVERIFY(m_reader->texts.size() > 2 * 0xFFFF);
+        for (const int i : {0, 32766, 32767, 32768, 65535, 65536, 69999}) {
+            const Ref ref = refs[std::size_t(i)];
+            QVERIFY(comesBack(ref, dictionary(i)));
+            QCOMPARE(packed().textId(ref, Key::Name), m_reader->texts.intern(u"name %1"_s.arg(i)));
+            QVERIFY(!packed().equal(ref, refs[std::size_t(i > 0 ? i - 1 : 1)]));
+        }
+        // The same text, once as a wide number and once as a narrow one.
+        const Ref mixed = packed().pack({{u"a"_s, u"name 69999"_s}, {nameKey, u"name 0"_s}});
+        const Ref turned = packed().pack({{nameKey, u"name 0"_s}, {u"a"_s, u"name 69999"_s}});
+        QVERIFY(packed().equal(mixed, turned));
+        QVERIFY(packed().equalValues(mixed, refs[0], {Key::Name}));
+    }
+
+    void moreShapesThanItNumbers()
+    {
+        const auto dictionary = [](int i) {
+            return ZELKDictionary{{u"key %1"_s.arg(i), qlonglong(i)}, {nameKey, u"a"_s}};
+        };
+        const std::vector<Ref> refs = packMany(dictionary);
+        for (const int i : {0, 59998, 59999, 60000, 65535, 65536, 69999}) {
+            const Ref ref = refs[std::size_t(i)];
+            QVERIFY(comesBack(ref, dictionary(i)));
+            QVERIFY(packed().equalValues(ref, refs[0], {Key::Name}));
+            QCOMPARE(packed().equal(ref, refs[0]), i == 0);
+        }
+    }
+
+    void bothWaysMakeTheSameLog_data() { addOddness(); }
+    void bothWaysMakeTheSameLog()
+    {
+        QFETCH(int, oddness);
+        const Events all = makeEvents(100U + unsigned(oddness), std::size_t(oddness), 1800);
+        QStringList seen[2];
+        int inPlace = 0;
+        for (const bool asDictionaries : {true, false}) {
+            const ConsoleLines console;
+            LogFixture fixture(Texts::English);
+            inPlace = 0;
+            for (qsizetype at = 0; at < all.size(); at += 90)
+                inPlace += takeIn(fixture.log, all.mid(at, 90), asDictionaries);
+            fixture.show(ZELKDate(oneDay), ZELKDate(8 * oneDay - 1));
+            seen[asDictionaries] = LogDump::of(fixture.log) + console.lines();
+        }
+        QCOMPARE(seen[0], seen[1]);                      // names the first line that differs
+        QVERIFY(inPlace >= (oddness > 10 ? 150 : 1200)); // or the comparison says nothing
+    }
+
+private:
+    struct Reader
+    {
+        ZELKStringPool texts;
+        ZELKPackedProperties properties{texts};
+        ZELKPropertyTextReader reader{texts, properties};
+    };
+
+    static void addOddness()
+    {
+        const NamedRows<int> row("oddness");
+        for (const int oddness : {0, 2, 10, 40})
+            row(qPrintable(u"%1 of a hundred odd"_s.arg(oddness)), oddness);
+    }
+    /// Both readers must say the same of the text.
+    void agree(const std::string &text)
+    {
+        const ZELKPropertyTextReader::Result result = m_reader->reader.read(text);
+        // A log meets texts only as valid UTF-8, so that faulty bytes are replaced first.
+        const ZELKPropertyList::Result whole =
+            ZELKPropertyList::read(QString::fromStdString(text).toStdString());
+        QString expected = whole.error;
+        if (expected.isEmpty())
+            expected = whole.value.userType() == qMetaTypeId<ZELKDictionary>()
+                           ? LogDump::exact(whole.value)
+                           : u"The properties are not a dictionary."_s;
+        const QString actual = result.properties
+                                   ? LogDump::exact(m_reader->properties.unpack(*result.properties))
+                                   : result.error;
+        QVERIFY2(actual == expected, qPrintable(u"read %1\nnot  %2\nin %3"_s.arg(
+                                         actual, expected, QString::fromStdString(text))));
+    }
+
+    std::unique_ptr<Reader> m_reader;
+    ZELKPackedProperties &packed() { return m_reader->properties; }
+    /// The record holds this dictionary, and is equal to another record of it.
+    bool comesBack(Ref ref, const ZELKDictionary &dictionary)
+    {
+        return LogDump::exact(packed().unpack(ref)) == LogDump::exact(dictionary) &&
+               packed().equal(ref, packed().pack(dictionary));
+    }
+    template <typename Make>
+    std::vector<Ref> packMany(Make &&make)
+    {
+        std::vector<Ref> refs;
+        for (int i = 0; i < 70000; ++i)
+            refs.push_back(packed().pack(make(i)));
+        return refs;
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPropertyTexts)
+#include "tst_property_texts.moc"
