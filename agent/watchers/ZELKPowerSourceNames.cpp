@@ -5,12 +5,13 @@
 ZELKPowerSourceNames::ZELKPowerSourceNames(ZELKPowerSourceNameMemory *memory)
     : m_memory(memory)
 {
-    if (m_memory)
-        m_given = m_memory->recall();
 }
 
+/// What others that share the memory named meanwhile counts.
 QString ZELKPowerSourceNames::nameFor(const ZELKPowerSupply &supply, bool otherReader)
 {
+    if (m_memory)
+        m_given = m_memory->recall();
     Given &given = m_given[supply.device];
     const Given before = given;
     given = choose(supply, before, otherReader);
