@@ -5,63 +5,66 @@
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
 #include <QMap>
+#include <QString>
 #include <QVariantMap>
 
 #include <functional>
+
+using namespace Qt::StringLiterals;
 
 /// A UPower that says what a test wants, on a connection of its own.
 class FakeUPower : public QDBusVirtualObject
 {
 public:
     FakeUPower()
-        : m_bus(QDBusConnection::connectToBus(QDBusConnection::SystemBus, QStringLiteral("upower")))
+        : m_bus(QDBusConnection::connectToBus(QDBusConnection::SystemBus, u"upower"_s))
     {
         m_bus.registerVirtualObject(daemonPath(), this, QDBusConnection::SubPath);
     }
-    ~FakeUPower() override { QDBusConnection::disconnectFromBus(QStringLiteral("upower")); }
+    ~FakeUPower() override { QDBusConnection::disconnectFromBus(u"upower"_s); }
 
     QMap<QString, QVariantMap> devices; ///< by object path
     bool answersNonsense = false;
     /// What it does when it is asked to look again; a version that can not be asked has none.
     std::function<void(const QString &)> refresh;
-    QStringList asked; ///< "MEMBER PATH" of every call
 
-    bool come() { return m_bus.registerService(QStringLiteral("org.freedesktop.UPower")); }
-    void leave() { m_bus.unregisterService(QStringLiteral("org.freedesktop.UPower")); }
+    bool come() { return m_bus.registerService(u"org.freedesktop.UPower"_s); }
+    void leave() { m_bus.unregisterService(u"org.freedesktop.UPower"_s); }
     /// Tells of `changes`, and of `unsaid` that they changed.
     void change(const QString &path, const QVariantMap &changes, const QStringList &unsaid = {})
     {
         devices[path].insert(changes);
-        QDBusMessage signal = QDBusMessage::createSignal(
-            path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));
-        signal << QStringLiteral("org.freedesktop.UPower.Device") << changes << unsaid;
-        m_bus.send(signal);
+        tell(path, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s,
+             {u"org.freedesktop.UPower.Device"_s, changes, unsaid});
     }
     void remove(const QString &path)
     {
         devices.remove(path);
-        QDBusMessage signal = QDBusMessage::createSignal(
-            daemonPath(), QStringLiteral("org.freedesktop.UPower"), QStringLiteral("DeviceRemoved"));
-        signal << QVariant::fromValue(QDBusObjectPath(path));
-        m_bus.send(signal);
+        tell(daemonPath(), u"org.freedesktop.UPower"_s, u"DeviceRemoved"_s,
+             {QVariant::fromValue(QDBusObjectPath(path))});
     }
 
     QString introspect(const QString &) const override { return {}; }
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override
     {
-        asked.append(message.member() + QLatin1Char(' ') + message.path());
-        if (message.member() == QLatin1String("EnumerateDevices"))
+        if (message.member() == "EnumerateDevices"_L1)
             return bus.send(message.createReply(answersNonsense ? QVariant(7) : paths()));
-        if (message.member() == QLatin1String("GetAll"))
+        if (message.member() == "GetAll"_L1)
             return bus.send(message.createReply(devices.value(message.path())));
-        if (message.member() != QLatin1String("Refresh") || !refresh)
+        if (message.member() != "Refresh"_L1 || !refresh)
             return false;
         refresh(message.path());
         return bus.send(message.createReply());
     }
 
 private:
-    static QString daemonPath() { return QStringLiteral("/org/freedesktop/UPower"); }
+    static QString daemonPath() { return u"/org/freedesktop/UPower"_s; }
+    void tell(const QString &path, const QString &interface, const QString &name, const QVariantList &words)
+    {
+        QDBusMessage signal = QDBusMessage::createSignal(path, interface, name);
+        signal.setArguments(words);
+        m_bus.send(signal);
+    }
     QVariant paths() const
     {
         QList<QDBusObjectPath> list;

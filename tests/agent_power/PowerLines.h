@@ -5,10 +5,29 @@
 #include "ZELKPropertyList.h"
 
 #include <QStringList>
+#include <QVariantMap>
 
 #include <vector>
 
 using namespace Qt::StringLiterals;
+
+/// A battery as UPower tells of it.
+const QVariantMap upowerBattery{
+    {u"NativePath"_s, u"BAT0"_s}, {u"Model"_s, u"PRB-1"_s},  {u"Type"_s, 2U},
+    {u"PowerSupply"_s, true},     {u"IsPresent"_s, true},    {u"State"_s, 2U},
+    {u"Percentage"_s, 80.0},      {u"Energy"_s, 48.0},       {u"TimeToEmpty"_s, 19200LL},
+    {u"TimeToFull"_s, 0LL},       {u"UpdateTime"_s, 1000ULL}};
+
+inline QVariantMap with(QVariantMap map, const QVariantMap &others)
+{
+    map.insert(others);
+    return map;
+}
+
+inline ZELKDate second(double sinceEpoch)
+{
+    return ZELKDate::fromSecondsSince1970(sinceEpoch);
+}
 
 /// The properties of an event, read again from their text.
 inline ZELKDictionary propertiesOf(const ZELKLWAEvent &event)

@@ -18,49 +18,36 @@ class FakeKernel : public ZELKKernelEvents
 public:
     bool start() override { return !isDeaf; }
     void stop() override {}
-    /// Parts are separated as the kernel does with zeros.
-    void say(const char *message)
+    void say(const QString &word)
     {
-        const QByteArray bytes = QByteArray(message).replace('|', '\0') + '\0';
-        if (const auto event = ZELKKernelEvent::parse(bytes.toStdString()))
+        static const QMap<QString, QByteArray> messages{
+            {u"supply"_s, "SUBSYSTEM=power_supply|POWER_SUPPLY_TYPE=Mains"},
+            {u"battery"_s, "SUBSYSTEM=power_supply|POWER_SUPPLY_TYPE=Battery"},
+            {u"dock"_s, "SUBSYSTEM=platform|EVENT=dock"},
+            {u"plugged"_s, "SUBSYSTEM=drm|HOTPLUG=1"},
+            {u"leased"_s, "SUBSYSTEM=drm|LEASE=1"}};
+        const QByteArray bytes =
+            "change@/devices/platform/dock.0|ACTION=change|DEVPATH=/devices/platform/dock.0|" +
+            messages[word] + '|';
+        if (const auto event = ZELKKernelEvent::parse(QByteArray(bytes).replace('|', '\0').toStdString()))
             Q_EMIT received(*event);
     }
     bool isDeaf = false;
 };
 
-constexpr auto supplyChanged =
-    "change@/devices/AC|ACTION=change|DEVPATH=/devices/AC|SUBSYSTEM=power_supply|POWER_SUPPLY_TYPE=Mains";
-constexpr auto batteryChanged =
-    "change@/devices/B|ACTION=change|DEVPATH=/devices/B|SUBSYSTEM=power_supply|POWER_SUPPLY_TYPE=Battery";
-constexpr auto dockChanged = "change@/devices/platform/dock.0|ACTION=change|DEVPATH=/devices/platform/dock.0|"
-                             "SUBSYSTEM=platform|EVENT=dock";
-constexpr auto displayPlugged =
-    "change@/devices/c|ACTION=change|DEVPATH=/devices/c/card0|SUBSYSTEM=drm|HOTPLUG=1";
-constexpr auto displayLeased =
-    "change@/devices/c|ACTION=change|DEVPATH=/devices/c/card0|SUBSYSTEM=drm|LEASE=1";
-
 /// A display's identification with the name "LCD 27".
 QByteArray identification()
 {
-    QByteArray bytes(128, '\0');
-    bytes.replace(72, 18, QByteArray("\0\0\0\xFC\0LCD 27\n      ", 18));
-    return bytes;
+    return QByteArray(72, '\0') + QByteArray("\0\0\0\xFC\0LCD 27\n      ", 18) + QByteArray(38, '\0');
 }
 
 struct Bed
 {
     Bed()
     {
-        put("ps/AC/type", "Mains\n");
-        put("ps/AC/online", "1\n");
-        put("ps/BAT0/type", "Battery\n");
-        put("platform/dock.0/type", "dock_station\n");
-        put("platform/dock.0/docked", "0\n");
-        put("platform/dock.1/type", "ata_bay\n");
-        put("platform/dock.1/docked", "0\n");
-        put("drm/card0-HDMI-A-1/status", "disconnected\n");
-        put("drm/card0-eDP-1/status", "connected\n");
-        put("drm/version", "drm\n");
+        play(u"ps/AC/type=Mains, ps/AC/online=1, ps/BAT0/type=Battery, platform/dock.0/type=dock_station, "
+             "platform/dock.0/docked=0, platform/dock.1/type=ata_bay, platform/dock.1/docked=0, "
+             "drm/card0-HDMI-A-1/status=disconnected, drm/card0-eDP-1/status=connected, drm/version=drm"_s);
         const ZELKPoweredDevices::Folders folders{folder.filePath(u"ps"_s), folder.filePath(u"drm"_s),
                                                   folder.filePath(u"platform"_s)};
         auto events = std::make_unique<FakeKernel>();
@@ -72,20 +59,41 @@ struct Bed
                                          propertiesOf(event).string(u"Device ID"_s)}
                                  .join(u", "_s);
             });
+        watcher->start();
     }
-    void put(const char *path, const QByteArray &value)
+    /// FILE=VALUE, -FOLDER, or what happens.
+    void play(const QString &story)
     {
-        writeFile(folder.filePath(QString::fromLatin1(path)), value);
+        for (const QString &step : story.split(u", "_s)) {
+            const QString path = folder.filePath(step.section(u'=', 0, 0));
+            if (step.startsWith(u'-'))
+                QDir(folder.filePath(step.mid(1))).removeRecursively();
+            else if (step.contains(u'='))
+                writeFile(path, step.endsWith("=LCD"_L1) ? identification()
+                                                         : step.section(u'=', 1).toUtf8() + '\n');
+            else if (actions.contains(step))
+                actions[step]();
+            else
+                kernel->say(step);
+        }
     }
-    void take(const char *path) { QDir(folder.filePath(QString::fromLatin1(path))).removeRecursively(); }
 
+    const QMap<QString, std::function<void()>> actions{{u"start"_s, [this] { watcher->start(); }},
+                                                       {u"stop"_s, [this] { watcher->stop(); }},
+                                                       {u"woken"_s, [this] { watcher->systemDidWake(); }},
+                                                       {u"lost"_s, [this] { Q_EMIT kernel->lost(); }},
+                                                       {u"deaf"_s, [this] { kernel->isDeaf = true; }},
+                                                       {u"asleep"_s, [this] {
+                                                            watcher->setWakeCheck([this] {
+                                                                lines += u"wake"_s;
+                                                                play(u"ps/AC/online=0"_s);
+                                                            });
+                                                        }}};
     QTemporaryDir folder;
     FakeKernel *kernel = nullptr;
     std::unique_ptr<ZELKLWADeviceWatcher> watcher;
     QStringList lines;
 };
-
-using Story = std::function<void(Bed &)>;
 
 } // namespace
 
@@ -94,13 +102,39 @@ class TestDevices : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void tells_data();
+    void tells_data()
+    {
+        const Rows<QString, QStringList> row;
+        row("the charger goes and comes",
+            "supply, dock, plugged, ps/AC/online=0, battery, dock, supply, supply, ps/AC/online=1, supply",
+            QStringList{u"Device powering off, AC, AC"_s, u"Device powered on, AC, AC"_s});
+        row("supplies appear and leave",
+            "ps/usb1/type=USB, ps/usb1/online=1, ps/usb1/model_name=Brick, ps/pad/type=USB, ps/pad/online=1, "
+            "ps/pad/scope=Device, ps/usb2/type=USB, ps/usb2/online=0, supply, -ps/usb1, -ps/usb2, supply, "
+            "supply",
+            QStringList{u"Device powered on, Brick, usb1"_s, u"Device powering off, Brick, usb1"_s});
+        row("docked", "platform/dock.0/docked=1, platform/dock.1/docked=1, dock",
+            QStringList{u"Device powered on, dock.0, dock.0"_s});
+        row("displays, named while they are there",
+            "drm/card0-HDMI-A-1/edid=LCD, drm/card0-HDMI-A-1/status=connected, leased, plugged, "
+            "drm/card0-HDMI-A-1/edid=, drm/card0-HDMI-A-1/status=disconnected, "
+            "drm/card0-eDP-1/status=unknown, "
+            "plugged",
+            QStringList{u"Device powered on, LCD 27, card0-HDMI-A-1"_s,
+                        u"Device powering off, LCD 27, card0-HDMI-A-1"_s,
+                        u"Device powering off, eDP-1, card0-eDP-1"_s});
+        row("while asleep, and while words were lost",
+            "ps/AC/online=0, woken, platform/dock.0/docked=1, lost",
+            QStringList{u"Device powering off, AC, AC"_s, u"Device powered on, dock.0, dock.0"_s});
+        row("a word that waited while the machine slept", "asleep, supply",
+            QStringList{u"wake"_s, u"Device powering off, AC, AC"_s});
+        row("stopped, and nobody to hear", "stop, ps/AC/online=0, supply, deaf, start, woken", QStringList());
+    }
     void tells()
     {
-        const auto [story, expected] = Rows<Story, QStringList>::fetch();
+        const auto [story, expected] = Rows<QString, QStringList>::fetch();
         Bed bed;
-        bed.watcher->start();
-        story(bed);
+        bed.play(story);
         QCOMPARE(bed.lines, expected);
     }
 
@@ -136,83 +170,6 @@ private Q_SLOTS:
         QTRY_COMPARE(heard, u"change mem"_s);
     }
 };
-
-void TestDevices::tells_data()
-{
-    const Rows<Story, QStringList> row;
-    using Lines = QStringList;
-    row("the charger goes and comes", Story([](Bed &bed) {
-            for (const auto *message : {supplyChanged, dockChanged, displayPlugged})
-                bed.kernel->say(message);
-            bed.put("ps/AC/online", "0");
-            bed.kernel->say(batteryChanged);
-            bed.kernel->say(dockChanged);
-            bed.kernel->say(supplyChanged);
-            bed.kernel->say(supplyChanged);
-            bed.put("ps/AC/online", "1");
-            bed.kernel->say(supplyChanged);
-        }),
-        Lines{u"Device powering off, AC, AC"_s, u"Device powered on, AC, AC"_s});
-    row("supplies appear and leave", Story([](Bed &bed) {
-            bed.put("ps/usb1/type", "USB");
-            bed.put("ps/usb1/online", "1");
-            bed.put("ps/usb1/model_name", "Brick\n");
-            bed.put("ps/pad/type", "USB");
-            bed.put("ps/pad/online", "1");
-            bed.put("ps/pad/scope", "Device");
-            bed.put("ps/usb2/type", "USB");
-            bed.put("ps/usb2/online", "0");
-            bed.kernel->say(supplyChanged);
-            bed.take("ps/usb1");
-            bed.take("ps/usb2");
-            bed.kernel->say(supplyChanged);
-            bed.kernel->say(supplyChanged);
-        }),
-        Lines{u"Device powered on, Brick, usb1"_s, u"Device powering off, Brick, usb1"_s});
-    row("docked", Story([](Bed &bed) {
-            bed.put("platform/dock.0/docked", "1");
-            bed.put("platform/dock.1/docked", "1");
-            bed.kernel->say(dockChanged);
-        }),
-        Lines{u"Device powered on, dock.0, dock.0"_s});
-    row("displays, named while they are there", Story([](Bed &bed) {
-            bed.put("drm/card0-HDMI-A-1/edid", identification());
-            bed.put("drm/card0-HDMI-A-1/status", "connected\n");
-            bed.kernel->say(displayLeased);
-            bed.kernel->say(displayPlugged);
-            bed.put("drm/card0-HDMI-A-1/edid", "");
-            bed.put("drm/card0-HDMI-A-1/status", "disconnected\n");
-            bed.put("drm/card0-eDP-1/status", "unknown\n");
-            bed.kernel->say(displayPlugged);
-        }),
-        Lines{u"Device powered on, LCD 27, card0-HDMI-A-1"_s,
-              u"Device powering off, LCD 27, card0-HDMI-A-1"_s,
-              u"Device powering off, eDP-1, card0-eDP-1"_s});
-    row("while asleep, and while words were lost", Story([](Bed &bed) {
-            bed.put("ps/AC/online", "0");
-            bed.watcher->systemDidWake();
-            bed.put("platform/dock.0/docked", "1");
-            Q_EMIT bed.kernel->lost();
-        }),
-        Lines{u"Device powering off, AC, AC"_s, u"Device powered on, dock.0, dock.0"_s});
-    row("a word that waited while the machine slept", Story([](Bed &bed) {
-            bed.watcher->setWakeCheck([&bed] {
-                bed.lines += u"wake"_s;
-                bed.put("ps/AC/online", "0");
-            });
-            bed.kernel->say(supplyChanged);
-        }),
-        Lines{u"wake"_s, u"Device powering off, AC, AC"_s});
-    row("stopped, and nobody to hear", Story([](Bed &bed) {
-            bed.watcher->stop();
-            bed.put("ps/AC/online", "0");
-            bed.kernel->say(supplyChanged);
-            bed.kernel->isDeaf = true;
-            bed.watcher->start();
-            bed.watcher->systemDidWake();
-        }),
-        Lines{});
-}
 
 QTEST_GUILESS_MAIN(TestDevices)
 #include "tst_devices.moc"

@@ -9,77 +9,74 @@
 
 #include <QTemporaryDir>
 
-#include <functional>
-#include <memory>
-
 namespace {
 
-const QVariantMap battery{
-    {u"NativePath"_s, u"BAT0"_s}, {u"Model"_s, u"PRB-1"_s},  {u"Type"_s, 2U},
-    {u"PowerSupply"_s, true},     {u"IsPresent"_s, true},    {u"State"_s, 2U},
-    {u"Percentage"_s, 80.0},      {u"Energy"_s, 48.0},       {u"TimeToEmpty"_s, 19200LL},
-    {u"TimeToFull"_s, 0LL},       {u"UpdateTime"_s, 1000ULL}};
 const QVariantMap mains{{u"NativePath"_s, u"AC"_s}, {u"Type"_s, 1U},         {u"PowerSupply"_s, true},
                         {u"Online"_s, false},       {u"IsPresent"_s, false}, {u"UpdateTime"_s, 1000ULL}};
 
-QVariantMap with(QVariantMap map, const QVariantMap &others)
+/// "KEY=VALUE", of the key's type.
+QVariantMap changesIn(const QStringList &words)
 {
-    map.insert(others);
-    return map;
+    QVariantMap changes;
+    for (const QString &word : words) {
+        const QString key = word.section(u'=', 0, 0);
+        QVariant value = word.section(u'=', 1);
+        value.convert(with(mains, upowerBattery).value(key).metaType());
+        changes.insert(key, value);
+    }
+    return changes;
 }
 
-ZELKDate second(double sinceEpoch)
-{
-    return ZELKDate::fromSecondsSince1970(sinceEpoch);
-}
-
-/// UPower's devices and a ledger; what is worth an event comes out as lines.
+/// UPower's devices and a ledger; what is worth an event is kept.
 struct Bed
 {
     QTemporaryDir folder;
     ZELKUPowerDevices devices{folder.path()};
     ZELKPowerSourceLedger ledger;
     ZELKDate now = second(5000);
-    QStringList lines;
+    std::vector<ZELKLWAEvent> events;
 
-    void tell() { lines += powerLines(ledger.eventsFor(devices.supplies(now), now)); }
-    void set(const char *path, const QVariantMap &properties)
+    /// Steps, each a word, a name and changes. A semicolon has the ledger look, a comma does not.
+    void play(QString story)
     {
-        devices.setDevice(QString::fromLatin1(path), properties);
-        tell();
+        for (const QString &steps : story.replace(u"FOLDER"_s, folder.path()).split(u"; "_s)) {
+            std::optional<std::vector<ZELKPowerSupply>> byKernel;
+            for (const QString &step : steps.split(u", "_s))
+                take(step.split(u' '), &byKernel);
+            const auto told = ledger.eventsFor(byKernel ? *byKernel : devices.supplies(now), now);
+            events.insert(events.end(), told.begin(), told.end());
+        }
     }
-    void change(const char *path, const QVariantMap &changes)
+
+private:
+    void take(const QStringList &words, std::optional<std::vector<ZELKPowerSupply>> *byKernel)
     {
-        devices.changeDevice(QString::fromLatin1(path), changes);
-        tell();
+        const QString word = words.at(0), name = words.value(1), path = u'/' + name;
+        if (word == "battery"_L1 || word == "mains"_L1)
+            devices.setDevice(path,
+                              with(word == "mains"_L1 ? mains : upowerBattery, changesIn(words.mid(2))));
+        else if (word == "change"_L1)
+            devices.changeDevice(path, changesIn(words.mid(2)));
+        else if (word == "remove"_L1)
+            devices.removeDevice(path);
+        else if (word == "onBattery"_L1)
+            devices.setOnBattery(name == "true"_L1);
+        else if (word == "wake"_L1)
+            devices.systemDidWake(second(name.toDouble()));
+        else if (word == "present"_L1)
+            writeFile(folder.path() + path + u"/present"_s, words.value(2).toUtf8());
+        else if (word == "upower"_L1 || word == "kernel"_L1)
+            ledger.readerDidChange();
+        if (word == "kernel"_L1)
+            *byKernel = name.isEmpty() ? std::vector<ZELKPowerSupply>()
+                                       : std::vector{bySysfs(name, words.value(2).toDouble())};
     }
-    void remove(const char *path)
-    {
-        devices.removeDevice(QString::fromLatin1(path));
-        tell();
-    }
-    void onBattery(bool on)
-    {
-        devices.setOnBattery(on);
-        tell();
-    }
-    void wake(double sinceEpoch) { devices.systemDidWake(second(sinceEpoch)); }
-    void kernelShows(const char *device, const QByteArray &present = "1")
-    {
-        writeFile(folder.filePath(QString::fromLatin1(device) + u"/present"_s), present);
-    }
-    /// Another reader's turn, with what it reads.
-    void readByOther(const std::vector<ZELKPowerSupply> &supplies)
-    {
-        ledger.readerDidChange();
-        lines += powerLines(ledger.eventsFor(supplies, now));
-    }
-    ZELKPowerSupply bySysfs(const char *model, double percent) const
+    ZELKPowerSupply bySysfs(const QString &model, double percent) const
     {
         ZELKPowerSupply supply;
         supply.device = u"BAT0"_s;
         supply.path = folder.filePath(u"BAT0"_s);
-        supply.model = QString::fromLatin1(model);
+        supply.model = model;
         supply.isPresent = true;
         supply.status = ZELKPowerSupply::Status::Discharging;
         supply.percent = percent;
@@ -88,8 +85,6 @@ struct Bed
         return supply;
     }
 };
-
-using Story = std::function<void(Bed &)>;
 
 } // namespace
 
@@ -103,59 +98,54 @@ private Q_SLOTS:
         const Rows<QVariantMap, QString> row;
         const QString ends = u", Power Source ID BAT0, Transport Type Internal, Low Warn Level 20, "
                              "Shutdown Level 2, Power Source State "_s;
-        row("discharging", battery,
+        row("discharging", upowerBattery,
             u"Is Present 1, Is Charging 0, Current Capacity 80, Max Capacity 100, Time to Empty 320"_s +
                 ends + u"Battery Power"_s);
         row("charging beyond its capacity",
-            with(battery, {{u"State"_s, 1U}, {u"Percentage"_s, 104.2}, {u"TimeToFull"_s, 90LL}}),
+            with(upowerBattery, {{u"State"_s, 1U}, {u"Percentage"_s, 104.2}, {u"TimeToFull"_s, 90LL}}),
             u"Is Present 1, Is Charging 1, Current Capacity 100, Max Capacity 100, Time to Full Charge 2"_s +
                 ends + u"AC Power"_s);
         const QString unknown = u"Is Present 1, Is Charging 0, Max Capacity 100"_s + ends;
         row("values that are missing", QVariantMap{{u"NativePath"_s, u"BAT0"_s}, {u"Type"_s, 3U}},
             unknown + u"Unknown"_s);
         row("values of other kinds",
-            with(battery, {{u"Percentage"_s, u"80"_s},
-                           {u"TimeToEmpty"_s, qQNaN()},
-                           {u"IsPresent"_s, 7},
-                           {u"Model"_s, QVariantList{1}}}),
+            with(upowerBattery, {{u"Percentage"_s, u"80"_s},
+                                 {u"TimeToEmpty"_s, qQNaN()},
+                                 {u"IsPresent"_s, 7},
+                                 {u"Model"_s, QVariantList{1}}}),
             unknown + u"Battery Power"_s);
         row("nothing could be read",
-            with(battery, {{u"Percentage"_s, 0.0}, {u"Energy"_s, 0.0}, {u"State"_s, -1e300}}),
+            with(upowerBattery, {{u"Percentage"_s, 0.0}, {u"Energy"_s, 0.0}, {u"State"_s, -1e300}}),
             unknown + u"Unknown"_s);
     }
     void describes()
     {
         const auto [properties, expected] = Rows<QVariantMap, QString>::fetch();
-        QTemporaryDir folder;
-        ZELKUPowerDevices devices(folder.path());
-        writeFile(folder.filePath(u"c"_s), "# PercentageLow=9\n[Other]\nPercentageAction=1\n[UPower]\n"
-                                           "#PercentageLow=8\nPercentageLow=20\nPercentageAction = 2\n");
-        devices.setLevels(ZELKUPowerLevels::read(folder.filePath(u"c"_s)));
-        QVERIFY(devices.setDevice(u"/b"_s, properties));
+        Bed bed;
+        const QString file = bed.folder.filePath(u"c"_s);
+        writeFile(file, "# PercentageLow=9\n[Other]\nPercentageAction=1\n[UPower]\n#PercentageLow=8\n"
+                        "PercentageLow=20\nPercentageAction = 2\n");
+        bed.devices.setLevels(ZELKUPowerLevels::read(file));
+        QVERIFY(bed.devices.setDevice(u"/b"_s, properties));
         QStringList found;
-        for (const auto &[key, value] : devices.supplies(second(5000)).at(0).properties())
+        for (const auto &[key, value] : bed.devices.supplies(bed.now).at(0).properties())
             found += key + u' ' + ZELKValue::description(value);
         QCOMPARE(found.join(u", "_s), expected);
     }
 
     void leavesWithItsCharge_data()
     {
-        const Rows<bool> row;
-        row("gone", false);
-        row("an empty bay", true);
+        const Rows<QString> row;
+        row("gone", "remove b");
+        row("an empty bay", "change b IsPresent=false Percentage=0");
     }
     void leavesWithItsCharge()
     {
-        const auto [hasBay] = Rows<bool>::fetch();
+        const auto [leave] = Rows<QString>::fetch();
         Bed bed;
-        bed.set("/b", battery);
-        if (hasBay)
-            bed.devices.changeDevice(u"/b"_s, {{u"IsPresent"_s, false}, {u"Percentage"_s, 0.0}});
-        else
-            bed.devices.removeDevice(u"/b"_s);
-        const auto events = bed.ledger.eventsFor(bed.devices.supplies(bed.now), bed.now);
-        QCOMPARE(events.size(), 1u);
-        const ZELKDictionary properties = propertiesOf(events.front());
+        bed.play(u"battery b; "_s + leave);
+        const ZELKDictionary properties = propertiesOf(bed.events.back());
+        QCOMPARE(bed.events.size(), 2U);
         QCOMPARE(properties.value(ZELKPropertyIsPresent), QVariant(false));
         QCOMPARE(properties.value(ZELKPropertyCurrentCapacity).toInt(), 80);
         QCOMPARE(properties.value(ZELKPropertyMaxCapacity).toInt(), 100);
@@ -200,125 +190,63 @@ private Q_SLOTS:
     void tells_data();
     void tells()
     {
-        const auto [story, expected] = Rows<Story, QStringList>::fetch();
+        const auto [story, expected] = Rows<QString, QString>::fetch();
         Bed bed;
-        story(bed);
-        QCOMPARE(bed.lines, expected);
+        bed.play(story);
+        QCOMPARE(powerLines(bed.events).join(u"; "_s), expected);
     }
 };
 
 void TestReadings::tells_data()
 {
-    const Rows<Story, QStringList> row;
-    using Lines = QStringList;
-    const QString first = u"PRB-1 80% on Battery Power"_s;
-    const QVariantMap second{{u"NativePath"_s, u"BAT1"_s}};
-
-    row("two of one model, whatever the order on the bus", Story([=](Bed &bed) {
-            bed.devices.setDevice(u"/a"_s, with(battery, second));
-            bed.set("/b", battery);
-            bed.change("/a", {{u"Percentage"_s, 79.0}});
-        }),
-        Lines{first, u"PRB-1 (BAT1) 80% on Battery Power"_s, u"PRB-1 (BAT1) 79% on Battery Power"_s});
-    row("plugged in and out, told once", Story([=](Bed &bed) {
-            bed.set("/b", battery);
-            bed.set("/c", with(battery, second));
-            bed.remove("/c");
-            bed.tell();
-            bed.set("/c", with(with(battery, second), {{u"IsPresent"_s, false}, {u"Model"_s, u""_s}}));
-            bed.remove("/c");
-            bed.set("/c", with(battery, second));
-        }),
-        Lines{first, u"PRB-1 (BAT1) 80% on Battery Power"_s, u"PRB-1 (BAT1) gone on Battery Power"_s,
-              u"PRB-1 (BAT1) 80% on Battery Power"_s});
-    row("an empty bay, mice, phones and a display device", Story([=](Bed &bed) {
-            bed.set("/b", with(battery, {{u"IsPresent"_s, false}}));
-            bed.set("/m", with(battery, {{u"Type"_s, 5U}}));
-            bed.set("/p", with(battery, {{u"PowerSupply"_s, false}}));
-            bed.set("/d", with(battery, {{u"NativePath"_s, u""_s}}));
-        }),
-        Lines{});
-    row("time estimates change, and nothing does", Story([=](Bed &bed) {
-            bed.set("/b", battery);
-            bed.change("/b", {{u"TimeToEmpty"_s, 60LL}, {u"UpdateTime"_s, 1030ULL}, {u"Energy"_s, 47.9}});
-            bed.change("/x", {{u"Percentage"_s, 5.0}});
-        }),
-        Lines{first});
-    row("the charger comes: every battery's source", Story([=](Bed &bed) {
-            bed.devices.setDevice(u"/l"_s, mains);
-            bed.devices.setDevice(u"/b"_s, battery);
-            bed.set("/c", with(battery, with(second, {{u"State"_s, 5U}})));
-            bed.onBattery(true);
-            bed.change("/l", {{u"Online"_s, true}});
-            bed.change("/b", {{u"State"_s, 1U}});
-        }),
-        Lines{first, u"PRB-1 (BAT1) 80% on Battery Power"_s, u"PRB-1 80% on AC Power"_s,
-              u"PRB-1 (BAT1) 80% on AC Power"_s, u"PRB-1 80% charging on AC Power"_s});
-    row("no mains known: the daemon's word, then the batteries'", Story([=](Bed &bed) {
-            bed.set("/b", with(battery, {{u"State"_s, 0U}}));
-            bed.onBattery(true);
-            bed.onBattery(false);
-            bed.change("/b", {{u"State"_s, 4U}});
-            bed.set("/u", with(battery, {{u"NativePath"_s, u"/sys/devices/hiddev0"_s}, {u"Type"_s, 3U}}));
-        }),
-        Lines{u"PRB-1 80% on Unknown"_s, first, u"PRB-1 80% on Unknown"_s, u"PRB-1 80% on AC Power"_s,
-              u"PRB-1 80% on Battery Power"_s, u"PRB-1 (hiddev0) 80% on Battery Power"_s});
-    row("older than the wake", Story([=](Bed &bed) {
-            bed.devices.setDevice(u"/l"_s, mains);
-            bed.set("/b", battery);
-            bed.wake(4990.7);
-            bed.change("/b", {{u"Percentage"_s, 75.0}, {u"UpdateTime"_s, 4989ULL}});
-            bed.change("/b", {{u"Percentage"_s, 60.0}, {u"UpdateTime"_s, 4990ULL}});
-            bed.change("/l", {{u"Online"_s, true}, {u"UpdateTime"_s, 4991ULL}});
-        }),
-        Lines{first, u"PRB-1 60% on AC Power"_s});
-    row("mains that nobody reads after the wake", Story([=](Bed &bed) {
-            bed.devices.setDevice(u"/l"_s, mains);
-            bed.set("/b", battery);
-            bed.wake(4900);
-            bed.change("/b", {{u"Percentage"_s, 70.0}, {u"UpdateTime"_s, 4901ULL}});
-            bed.change("/b", {{u"Percentage"_s, 69.0}, {u"UpdateTime"_s, 4930ULL}});
-        }),
-        Lines{first, u"PRB-1 69% on Battery Power"_s});
-    row("the clock was set back after the wake", Story([=](Bed &bed) {
-            bed.set("/b", battery);
-            bed.wake(9000);
-            bed.change("/b", {{u"Percentage"_s, 70.0}, {u"UpdateTime"_s, 4999ULL}});
-        }),
-        Lines{first, u"PRB-1 70% on Battery Power"_s});
-    row("one battery is held back, it is not gone", Story([=](Bed &bed) {
-            bed.devices.setDevice(u"/b"_s, battery);
-            bed.set("/c", with(battery, second));
-            bed.wake(4990);
-            bed.change("/c", {{u"State"_s, 1U}, {u"UpdateTime"_s, 4995ULL}});
-        }),
-        Lines{first, u"PRB-1 (BAT1) 80% on Battery Power"_s, u"PRB-1 (BAT1) 80% charging on AC Power"_s});
-    row("another reader spells and warns differently", Story([=](Bed &bed) {
-            bed.set("/b", battery);
-            bed.readByOther({bed.bySysfs("PRB 1", 80)});
-            bed.readByOther({bed.bySysfs("PRB 1", 79)});
-            bed.ledger.readerDidChange();
-            bed.change("/b", {{u"Percentage"_s, 79.0}});
-            bed.change("/b", {{u"Percentage"_s, 78.0}});
-            bed.change("/b", {{u"Model"_s, u"OTHER"_s}});
-        }),
-        Lines{first, u"PRB-1 79% on Battery Power"_s, u"PRB-1 78% on Battery Power"_s,
-              u"OTHER 78% on Battery Power"_s});
-    row("a reader that gives up its devices first, or knows fewer", Story([=](Bed &bed) {
-            bed.kernelShows("BAT0");
-            bed.kernelShows("hiddev0");
-            bed.set("/b", battery);
-            bed.set("/u", with(battery, {{u"NativePath"_s, bed.folder.filePath(u"hiddev0"_s)},
-                                         {u"Type"_s, 3U},
-                                         {u"Model"_s, u"UPS"_s}}));
-            bed.remove("/b");
-            bed.readByOther({bed.bySysfs("PRB-1", 80)});
-            bed.readByOther({});
-            bed.kernelShows("BAT0", "0");
-            bed.readByOther({});
-            bed.readByOther({});
-        }),
-        Lines{first, u"UPS 80% on Battery Power"_s, u"PRB-1 gone on Battery Power"_s});
+    const Rows<QString, QString> row;
+    row("two of one model, whatever the order on the bus",
+        "battery a NativePath=BAT1, battery b; change a Percentage=79",
+        "PRB-1 80% on Battery Power; PRB-1 (BAT1) 80% on Battery Power; PRB-1 (BAT1) 79% on Battery Power");
+    row("plugged in and out, told once",
+        "battery b; battery c NativePath=BAT1; remove c; look; "
+        "battery c NativePath=BAT1 IsPresent=false Model=; remove c; battery c NativePath=BAT1",
+        "PRB-1 80% on Battery Power; PRB-1 (BAT1) 80% on Battery Power; "
+        "PRB-1 (BAT1) gone on Battery Power; PRB-1 (BAT1) 80% on Battery Power");
+    row("an empty bay, mice, phones and a display device",
+        "battery b IsPresent=false; battery m Type=5; battery p PowerSupply=false; battery d NativePath=");
+    row("time estimates change, and nothing does",
+        "battery b; change b TimeToEmpty=60 UpdateTime=1030 Energy=47.9; change x Percentage=5",
+        "PRB-1 80% on Battery Power");
+    row("the charger comes: every battery's source",
+        "mains l, battery b, battery c NativePath=BAT1 State=5; onBattery true; change l Online=true; "
+        "change b State=1",
+        "PRB-1 80% on Battery Power; PRB-1 (BAT1) 80% on Battery Power; PRB-1 80% on AC Power; "
+        "PRB-1 (BAT1) 80% on AC Power; PRB-1 80% charging on AC Power");
+    row("no mains known: the daemon's word, then the batteries'",
+        "battery b State=0; onBattery true; onBattery false; change b State=4; "
+        "battery u NativePath=/sys/devices/hiddev0 Type=3",
+        "PRB-1 80% on Unknown; PRB-1 80% on Battery Power; PRB-1 80% on Unknown; PRB-1 80% on AC Power; "
+        "PRB-1 80% on Battery Power; PRB-1 (hiddev0) 80% on Battery Power");
+    row("older than the wake",
+        "mains l, battery b; wake 4990.7, change b Percentage=75 UpdateTime=4989; "
+        "change b Percentage=60 UpdateTime=4990; change l Online=true UpdateTime=4991",
+        "PRB-1 80% on Battery Power; PRB-1 60% on AC Power");
+    row("mains that nobody reads after the wake",
+        "mains l, battery b; wake 4900, change b Percentage=70 UpdateTime=4901; "
+        "change b Percentage=69 UpdateTime=4930",
+        "PRB-1 80% on Battery Power; PRB-1 69% on Battery Power");
+    row("the clock was set back after the wake",
+        "battery b; wake 9000, change b Percentage=70 UpdateTime=4999",
+        "PRB-1 80% on Battery Power; PRB-1 70% on Battery Power");
+    row("one battery is held back, it is not gone",
+        "battery b, battery c NativePath=BAT1; wake 4990, change c State=1 UpdateTime=4995",
+        "PRB-1 80% on Battery Power; PRB-1 (BAT1) 80% on Battery Power; PRB-1 (BAT1) 80% charging on AC "
+        "Power");
+    row("another reader spells and warns differently",
+        "battery b; kernel PRB_1 80; kernel PRB_1 79; upower, change b Percentage=79; "
+        "change b Percentage=78; change b Model=OTHER",
+        "PRB-1 80% on Battery Power; PRB-1 79% on Battery Power; PRB-1 78% on Battery Power; "
+        "OTHER 78% on Battery Power");
+    row("a reader that gives up its devices first, or knows fewer",
+        "present BAT0 1, present hiddev0 1, battery b; battery u NativePath=FOLDER/hiddev0 Type=3 Model=UPS; "
+        "remove b; kernel PRB-1 80; kernel; present BAT0 0, kernel; kernel",
+        "PRB-1 80% on Battery Power; UPS 80% on Battery Power; PRB-1 gone on Battery Power");
 }
 
 QTEST_GUILESS_MAIN(TestReadings)
