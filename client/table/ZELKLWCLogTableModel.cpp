@@ -2,23 +2,56 @@
 
 #include "ZELKAssertion.h"
 #include "ZELKEnvironment.h"
+#include "ZELKFormatter.h"
 #include "ZELKLWCLog.h"
 #include "ZELKShortDate.h"
 
-#include <algorithm>
+namespace {
+
+/// Some 5 ms of composing.
+constexpr std::size_t summariesAtATime = 5000;
+
+} // namespace
 
 ZELKLWCLogTableModel::ZELKLWCLogTableModel(ZELKLWCLog &log, QObject *parent)
     : QAbstractTableModel(parent)
     , m_log(log)
-    , m_range(log.visibleRange())
+    , m_arrangement(log)
 {
+    m_arrangement.arrange(log.visibleRange(), {}, {});
     connect(&log, &ZELKLWCLog::visibleEntriesDidChange, this,
             [this](ZELKVisibleRange, ZELKVisibleRange after) { zelkGuard([&] { follow(after); }); });
+    connect(&m_idle, &QTimer::timeout, this, [this] {
+        zelkGuard([this] {
+            if (!m_arrangement.prepareSome(summariesAtATime))
+                m_idle.stop();
+        });
+    });
+    prepareWhenIdle();
+}
+
+void ZELKLWCLogTableModel::setFormatters(const ZELKFormatter *date, const ZELKFormatter *summary)
+{
+    m_formatters = {date, summary};
+    if (rowCount() > 0)
+        Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, ColumnCount - 1));
+}
+
+// MARK: cells
+
+QString ZELKLWCLogTableModel::identifier(Column column)
+{
+    return column == DateColumn ? QStringLiteral("date") : QStringLiteral("events");
+}
+
+QVariant ZELKLWCLogTableModel::value(ZELKLWCLogEntry *entry, Column column)
+{
+    return column == DateColumn ? QVariant::fromValue(entry->date()) : QVariant::fromValue(entry->events());
 }
 
 int ZELKLWCLogTableModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_range.length);
+    return parent.isValid() ? 0 : m_arrangement.count();
 }
 
 int ZELKLWCLogTableModel::columnCount(const QModelIndex &parent) const
@@ -26,22 +59,39 @@ int ZELKLWCLogTableModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : ColumnCount;
 }
 
+QString ZELKLWCLogTableModel::text(ZELKLWCLogEntry *entry, Column column) const
+{
+    if (m_formatters[column])
+        return m_formatters[column]->stringForObjectValue(value(entry, column));
+    return column == DateColumn ? ZELKShortDate::text(entry->date()) : entry->summary();
+}
+
 QVariant ZELKLWCLogTableModel::data(const QModelIndex &index, int role) const
 {
     QVariant value;
     zelkGuard([&] {
-        const ZELKLWCLogEntry *entry = index.isValid() ? entryAtRow(index.row()) : nullptr;
-        if (entry && role == Qt::DisplayRole)
-            value = index.column() == DateColumn ? ZELKShortDate::text(entry->date()) : entry->summary();
+        ZELKLWCLogEntry *entry = index.isValid() ? entryAtRow(index.row()) : nullptr;
+        if (!entry)
+            return;
+        if (role == Qt::DisplayRole)
+            value = text(entry, Column(index.column()));
+        // Whichever cell is current, a screen reader says the row.
+        else if (role == Qt::AccessibleTextRole)
+            value = QString(text(entry, DateColumn) + QLatin1String(", ") + entry->summary());
     });
     return value;
 }
 
 QVariant ZELKLWCLogTableModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole)
+    if (orientation != Qt::Horizontal || section < 0 || section >= ColumnCount)
+        return {};
+    if (role == Qt::TextAlignmentRole)
         return int(Qt::AlignLeading | Qt::AlignVCenter);
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= ColumnCount)
+    // Dates rise from the start, so that the first click on them has them fall.
+    if (role == Qt::InitialSortOrderRole)
+        return section == DateColumn ? Qt::DescendingOrder : Qt::AscendingOrder;
+    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)
         return {};
     QVariant title;
     zelkGuard([&] {
@@ -53,53 +103,88 @@ QVariant ZELKLWCLogTableModel::headerData(int section, Qt::Orientation orientati
     return title;
 }
 
+Qt::ItemFlags ZELKLWCLogTableModel::flags(const QModelIndex &index) const
+{
+    const Qt::ItemFlags row = QAbstractTableModel::flags(index);
+    return index.isValid() ? row | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren : row;
+}
+
 ZELKLWCLogEntry *ZELKLWCLogTableModel::entryAtRow(int row) const
 {
     if (row < 0 || row >= rowCount())
         return nullptr;
-    return m_log.objectAtIndex(int(m_range.location) + row);
+    return m_log.objectAtIndex(int(m_arrangement.indexAtRow(row)));
+}
+
+std::optional<int> ZELKLWCLogTableModel::rowOfEntry(const ZELKLWCLogEntry *entry) const
+{
+    const std::optional<std::uint64_t> index = m_log.indexOfEntry(entry);
+    if (!index)
+        return std::nullopt;
+    return m_arrangement.rowOfIndex(ZELKEntryArrangement::Index(*index));
+}
+
+// MARK: arranging
+
+void ZELKLWCLogTableModel::setFilterString(const QString &filterString)
+{
+    if (filterString == m_filterString)
+        return;
+    m_filterString = filterString;
+    rearrange();
+}
+
+void ZELKLWCLogTableModel::setSortDescriptors(const ZELKSortDescriptors &descriptors)
+{
+    if (descriptors == m_sortDescriptors)
+        return;
+    m_sortDescriptors = descriptors;
+    rearrange();
+}
+
+void ZELKLWCLogTableModel::rearrange()
+{
+    Q_EMIT willRearrange();
+    beginResetModel();
+    m_arrangement.arrange(m_log.visibleRange(), m_filterString, m_sortDescriptors);
+    endResetModel();
+    Q_EMIT didRearrange();
+    prepareWhenIdle();
 }
 
 void ZELKLWCLogTableModel::follow(ZELKVisibleRange range)
 {
-    const bool overlaps = std::max(m_range.location, range.location) < std::min(m_range.end(), range.end());
-    if (!overlaps) {
-        removeEnds({m_range.location, 0});
-        m_range.location = range.location;
+    if (range == m_arrangement.range())
+        return;
+    for (const ZELKEntryArrangement::Span &span : m_arrangement.leaving(range))
+        takeOut(span);
+    if (const auto insertions = m_arrangement.entering(range)) {
+        for (const ZELKEntryArrangement::Insertion &insertion : *insertions)
+            putIn(insertion);
+        prepareWhenIdle();
     } else {
-        const std::uint64_t first = std::max(m_range.location, range.location);
-        removeEnds({first, std::min(m_range.end(), range.end()) - first});
-    }
-    insertEnds(range);
-}
-
-/// Leaves the rows of `range`, which lies within the rows there are.
-void ZELKLWCLogTableModel::removeEnds(ZELKVisibleRange range)
-{
-    if (range.end() < m_range.end()) {
-        beginRemoveRows({}, int(range.end() - m_range.location), rowCount() - 1);
-        m_range.length = range.end() - m_range.location;
-        endRemoveRows();
-    }
-    if (range.location > m_range.location) {
-        beginRemoveRows({}, 0, int(range.location - m_range.location) - 1);
-        m_range = range;
-        endRemoveRows();
+        rearrange();
     }
 }
 
-/// Grows to `range`, which the rows there are lie within.
-void ZELKLWCLogTableModel::insertEnds(ZELKVisibleRange range)
+void ZELKLWCLogTableModel::takeOut(ZELKEntryArrangement::Span span)
 {
-    if (range.location < m_range.location) {
-        const std::uint64_t count = m_range.location - range.location;
-        beginInsertRows({}, 0, int(count) - 1);
-        m_range = {range.location, m_range.length + count};
-        endInsertRows();
-    }
-    if (range.end() > m_range.end()) {
-        beginInsertRows({}, rowCount(), int(range.end() - m_range.location) - 1);
-        m_range = range;
-        endInsertRows();
-    }
+    const int first = m_arrangement.rowOfSpan(span);
+    beginRemoveRows({}, first, first + int(span.length) - 1);
+    m_arrangement.remove(span);
+    endRemoveRows();
+}
+
+void ZELKLWCLogTableModel::putIn(const ZELKEntryArrangement::Insertion &insertion)
+{
+    const int first = m_arrangement.rowOfSpan({insertion.position, 0});
+    beginInsertRows({}, first, first + int(insertion.entries.size()) - 1);
+    m_arrangement.insert(insertion);
+    endInsertRows();
+}
+
+void ZELKLWCLogTableModel::prepareWhenIdle()
+{
+    if (!m_arrangement.isPrepared() && !m_idle.isActive())
+        m_idle.start(0);
 }
