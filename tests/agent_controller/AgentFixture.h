@@ -1,12 +1,11 @@
 #pragma once
 
 #include "FakeAgentLookup.h"
-#include "FakeServiceManagement.h"
+#include "FakeSystem.h"
 #include "FakeWorkspace.h"
 #include "Files.h"
+#include "Raised.h"
 #include "Rows.h"
-#include "ZELKAgentController.h"
-#include "ZELKAgentPorts.h"
 #include "ZELKBundle.h"
 #include "ZELKEnvironment.h"
 #include "ZELKPropertyList.h"
@@ -14,55 +13,51 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
-using namespace Qt::StringLiterals;
-
-const QString agentName = u"org.test.agent"_s;
-
-inline void writeTestBundle(const QString &folder, const ZELKDictionary &info)
-{
-    writeFile(folder + u"/Info.plist"_s, ZELKPropertyList::writeXml(QVariant::fromValue(info)).bytes);
-}
-
-/// A main bundle of version "1.0" that carries the agent, and a world of fakes around it.
+/// A main bundle of version "1.0" that carries an agent, folders of a user of its own, and a world of fakes.
 struct AgentFixture
 {
     AgentFixture()
     {
-        useBundle({{u"CFBundleName"_s, u"Test"_s},
-                   {u"CFBundleVersion"_s, u"1.0"_s},
-                   {u"ZELKAgentControllerAgentName"_s, agentName},
-                   {u"ZELKAgentControllerAgentFolder"_s, u"agents"_s}});
-        writeTestBundle(folder.filePath(u"agents/org.test.agent.app"_s),
-                        {{u"CFBundleIdentifier"_s, agentName}});
+        writeList(u"agents/org.test.agent.app/Info.plist"_s,
+                  {{u"CFBundleIdentifier"_s, agentName}, {u"CFBundleExecutable"_s, u"agent"_s}});
+        writeFile(path(u"agents/org.test.agent.app/agent"_s), "#!/bin/sh\n");
+        writeList(u"agent.plist"_s, {{u"Label"_s, u"template"_s}, {u"RunAtLoad"_s, true}});
+        useInfo();
     }
 
-    void useBundle(const ZELKDictionary &info)
+    QString path(const QString &name) const { return folder.filePath(name); }
+    void writeList(const QString &name, const ZELKDictionary &list) const
+    {
+        writeFile(path(name), ZELKPropertyList::writeXml(QVariant::fromValue(list)).bytes);
+    }
+    /// Has the main bundle say what `info` says now.
+    void useInfo()
     {
         scope.reset();
-        writeTestBundle(folder.path(), info);
+        writeList(u"Info.plist"_s, info);
         ZELKEnvironment environment = ZELKEnvironment::system();
         environment.mainBundle = std::make_shared<ZELKBundle>(folder.path());
         scope.emplace(environment);
     }
-
-    ZELKAgentPorts ports() const { return {services, workspace, lookup, {u"--database=x"_s}}; }
-
-    void agentAnswers(const QString &version = u"1.0"_s)
+    ZELKAgentPorts ports() const
     {
-        lookup->serviceName = agentName + u"._service"_s;
-        lookup->version = version;
+        std::shared_ptr<ZELKAgentLookup> services = system;
+        if (lookup)
+            services = lookup;
+        return {
+            system, workspace, services, {u"--database=x"_s}, system, {path(u"data"_s), path(u"config"_s)}};
     }
-    void agentRuns()
-    {
-        workspace->instances[agentName] = 1;
-        agentAnswers();
-    }
-
     static void expectLine(const QString &line) { QTest::ignoreMessage(QtInfoMsg, qPrintable(line)); }
 
     QTemporaryDir folder;
+    ZELKDictionary info{{u"CFBundleName"_s, u"Test"_s},
+                        {u"CFBundleIdentifier"_s, u"org.test"_s},
+                        {u"CFBundleVersion"_s, u"1.0"_s},
+                        {u"ZELKAgentControllerAgentName"_s, agentName},
+                        {u"ZELKAgentControllerAgentFolder"_s, u"agents"_s},
+                        {u"ZELKAgentControllerLaunchAgentsFolder"_s, u"launch"_s}};
     std::optional<ZELKEnvironmentScope> scope;
-    std::shared_ptr<FakeServiceManagement> services = std::make_shared<FakeServiceManagement>();
+    std::shared_ptr<FakeSystem> system = std::make_shared<FakeSystem>();
     std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
-    std::shared_ptr<FakeAgentLookup> lookup = std::make_shared<FakeAgentLookup>();
+    std::shared_ptr<FakeAgentLookup> lookup; ///< else the system knows whether there is a service
 };

@@ -1,27 +1,86 @@
 #pragma once
 
-#include <QProcess>
-#include <QStringList>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QSemaphore>
+#include <QThread>
 
-/// Somebody on the other side of a bus, as a process of its own: calls that block would wait for themselves
-/// otherwise. It ends with the object.
-///
-///   session|system  NAME  text VERSION | number | nothing | error | silent | leave
-///   session|system  NAME  unit UNIT LOADSTATE ACTIVESTATE
-///
-/// A control service that answers so to every call, or a manager that knows one unit. Whatever arrives at
-/// setDefaultsWithDictionary is told by nextLine().
-class BusPeer
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+/// Somebody on the other side of a bus, in a thread of its own: calls that block would wait for themselves
+/// otherwise. It leaves the bus with the object.
+class BusPeer final : public QThread
 {
 public:
-    explicit BusPeer(const QStringList &description);
-    ~BusPeer();
-    /// The peer's next line on its output; empty when none comes.
-    QString nextLine();
+    /// The reply to a call; an empty message for none.
+    using Answer = std::function<QDBusMessage(const QDBusMessage &)>;
+
+    BusPeer(QDBusConnection::BusType bus, const QString &name, const Answer &answer)
+        : m_bus(bus)
+        , m_name(name)
+        , m_answer(answer)
+    {
+        start();
+        m_ready.acquire();
+    }
+    ~BusPeer() override
+    {
+        quit();
+        wait();
+    }
+
+    /// "text VERSION", "number", "nothing", "error" or "silent", to every call.
+    static Answer saying(const QString &words)
+    {
+        return [words](const QDBusMessage &call) {
+            if (words.startsWith("text "_L1))
+                return call.createReply(words.mid(5));
+            if (words == "error"_L1)
+                return call.createErrorReply(QDBusError::Failed, u"out of order"_s);
+            if (words == "silent"_L1)
+                return QDBusMessage();
+            return words == "number"_L1 ? call.createReply(7) : call.createReply();
+        };
+    }
 
 private:
-    QProcess m_process;
-};
+    class Object final : public QDBusVirtualObject
+    {
+    public:
+        explicit Object(const Answer &answer)
+            : m_answer(answer)
+        {
+        }
+        QString introspect(const QString &) const override { return {}; }
+        bool handleMessage(const QDBusMessage &call, const QDBusConnection &bus) override
+        {
+            const QDBusMessage reply = m_answer(call);
+            return reply.type() == QDBusMessage::InvalidMessage || bus.send(reply);
+        }
 
-/// The process itself; for main(), with the arguments after "--peer".
-int runBusPeer(const QStringList &description);
+    private:
+        Answer m_answer;
+    };
+
+    void run() override
+    {
+        Object object(m_answer);
+        const QString own = QString::number(quintptr(this));
+        QDBusConnection connection = QDBusConnection::connectToBus(m_bus, own);
+        if (!connection.registerVirtualObject(u"/"_s, &object, QDBusConnection::SubPath) ||
+            !connection.registerService(m_name))
+            qFatal("The peer did not come up");
+        m_ready.release();
+        exec();
+        connection.unregisterObject(u"/"_s, QDBusConnection::UnregisterTree);
+        QDBusConnection::disconnectFromBus(own);
+    }
+
+    QDBusConnection::BusType m_bus;
+    QString m_name;
+    Answer m_answer;
+    QSemaphore m_ready;
+};

@@ -5,7 +5,7 @@
 #include "ZELKServiceNames.h"
 #include "ZELKSystemdServiceManagement.h"
 
-#include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QElapsedTimer>
 
 namespace {
@@ -13,8 +13,8 @@ namespace {
 const QString service = u"org.test.agent._service"_s;
 const QString manager = u"org.freedesktop.systemd1"_s;
 const QString unit = u"org.test.agent.service"_s;
-const QString session = u"session"_s;
-const QString systemWide = u"system"_s;
+constexpr auto session = QDBusConnection::SessionBus;
+constexpr auto systemWide = QDBusConnection::SystemBus;
 constexpr int shortLimit = 200; // milliseconds
 
 QDBusConnection noBus()
@@ -32,6 +32,21 @@ ZELKSystemdServiceManagement bothManagers(int limit = ZELKServiceNames::callTime
     return ZELKSystemdServiceManagement(QDBusConnection::systemBus(), QDBusConnection::sessionBus(), limit);
 }
 
+/// A manager that knows `unit`, in this state.
+BusPeer::Answer managing(const QString &loadState, const QString &activeState)
+{
+    return [=](const QDBusMessage &call) {
+        if (call.member() == "LoadUnit"_L1) {
+            const bool isKnown = call.arguments() == QVariantList{unit};
+            return call.createReply(
+                QVariant::fromValue(QDBusObjectPath(isKnown ? u"/unit/known"_s : u"/unit/other"_s)));
+        }
+        const bool isKnown = call.path() == "/unit/known"_L1;
+        return call.createReply(QVariantMap{{u"LoadState"_s, isKnown ? loadState : u"not-found"_s},
+                                            {u"ActiveState"_s, isKnown ? activeState : u"inactive"_s}});
+    };
+}
+
 } // namespace
 
 class AgentControllerBus : public QObject
@@ -41,29 +56,24 @@ class AgentControllerBus : public QObject
 private Q_SLOTS:
     void versionOfAPeer_data()
     {
-        const Rows<QStringList, std::optional<QString>> row;
-        row("a text", QStringList{u"text"_s, u"1.2"_s}, u"1.2"_s);
-        for (const char *name : {"number", "nothing", "error", "silent", "leave"})
-            row(name, QStringList{QString::fromLatin1(name)}, std::nullopt);
+        const Rows<QString, std::optional<QString>> row;
+        row("a text", "text 1.2", u"1.2"_s);
+        for (const char *words : {"number", "nothing", "error", "silent"})
+            row(words, words, std::nullopt);
     }
     void versionOfAPeer()
     {
-        const auto [behaviour, version] = Rows<QStringList, std::optional<QString>>::fetch();
-        const QStringList description = QStringList{session, service} + behaviour;
-        const int limit = behaviour.first() == "silent"_L1 ? shortLimit : 5000;
+        const auto [words, version] = Rows<QString, std::optional<QString>>::fetch();
+        const BusPeer peer(session, service, BusPeer::saying(words));
+        const auto connection =
+            bothBuses(words == "silent"_L1 ? shortLimit : 5000).connectionWithServiceName(service);
         QElapsedTimer time;
-        {
-            const BusPeer peer(description);
-            const auto connection = bothBuses(limit).connectionWithServiceName(service);
-            QVERIFY(connection);
-            time.start();
-            QVERIFY(connection->version() == version);
-        }
-        const BusPeer peer(description);
+        time.start();
+        QVERIFY(connection && connection->version() == version);
         QObject context;
         std::vector<std::optional<QString>> answers;
-        bothBuses(limit).connectionWithServiceName(service)->requestVersion(
-            &context, [&](const std::optional<QString> &answer) { answers.push_back(answer); });
+        connection->requestVersion(&context,
+                                   [&](const std::optional<QString> &answer) { answers.push_back(answer); });
         QVERIFY(answers.empty());
         QTRY_COMPARE(answers.size(), 1U);
         QVERIFY(answers.front() == version);
@@ -76,15 +86,15 @@ private Q_SLOTS:
         QVERIFY(!lookup.connectionWithServiceName(service));
         QVERIFY(!lookup.connectionWithServiceName(u"not a bus name"_s));
         QVERIFY(!ZELKBusAgentLookup({noBus()}).connectionWithServiceName(service));
-        const BusPeer inSession({session, service, u"text"_s, u"session's"_s});
+        const BusPeer inSession(session, service, BusPeer::saying(u"text session's"_s));
         QCOMPARE(lookup.connectionWithServiceName(service)->version(), u"session's"_s);
-        const BusPeer inSystem({systemWide, service, u"text"_s, u"system's"_s});
+        const BusPeer inSystem(systemWide, service, BusPeer::saying(u"text system's"_s));
         QCOMPARE(lookup.connectionWithServiceName(service)->version(), u"system's"_s);
     }
 
     void questionsDieWithTheirContext()
     {
-        const BusPeer peer({session, service, u"text"_s, u"1"_s});
+        const BusPeer peer(session, service, BusPeer::saying(u"text 1"_s));
         int answers = 0;
         const auto count = [&](const std::optional<QString> &) { ++answers; };
         const auto connection = bothBuses().connectionWithServiceName(service);
@@ -113,7 +123,7 @@ private Q_SLOTS:
         QVERIFY(!bothBuses().connectionWithServiceName(service));
         std::unique_ptr<ZELKAgentConnection> connection;
         {
-            const BusPeer peer({session, service, u"text"_s, u"1"_s});
+            const BusPeer peer(session, service, BusPeer::saying(u"text 1"_s));
             connection = bothBuses().connectionWithServiceName(service);
             QVERIFY(connection->version());
         }
@@ -130,7 +140,12 @@ private Q_SLOTS:
 
     void defaultsTravel()
     {
-        BusPeer peer({session, service, u"silent"_s});
+        QString heard;
+        const BusPeer peer(session, service, [&heard](const QDBusMessage &call) {
+            if (call.member() == "setDefaultsWithDictionary"_L1)
+                QDebug(&heard) << call;
+            return call.createReply(u"1"_s);
+        });
         const auto connection = bothBuses().connectionWithServiceName(service);
         const ZELKDictionary inner{{u"x"_s, true}};
         QVERIFY(
@@ -138,7 +153,12 @@ private Q_SLOTS:
                                                     {u"t"_s, u"text"_s},
                                                     {u"l"_s, QVariantList{1.5, QVariant::fromValue(inner)}},
                                                     {u"d"_s, QVariant::fromValue(inner)}}));
-        QCOMPARE(peer.nextLine(), u"{d={x=1} l=(1.5 {x=1}) n=1099511627776 t=text}"_s);
+        QVERIFY(connection->version()); // by then they have arrived
+        const QString inBus = uR"([Variant: [Argument: a{sv} {"x" = [Variant(bool): true]}]])"_s;
+        const QString all =
+            uR"({"d" = %1, "l" = [Variant: [Argument: av {[Variant(double): 1.5], %1}]], )"
+            R"("n" = [Variant(qlonglong): 1099511627776], "t" = [Variant(QString): "text"]})"_s;
+        QVERIFY2(heard.contains(all.arg(inBus)), qPrintable(heard));
         const auto problem =
             connection->setDefaultsWithDictionary({{u"d"_s, QVariant::fromValue(ZELKDate())}});
         QVERIFY(problem && !problem->isEmpty());
@@ -157,7 +177,7 @@ private Q_SLOTS:
     void jobOfAUnit()
     {
         const auto [loadState, activeState, isJob] = Rows<QString, QString, bool>::fetch();
-        const BusPeer peer({session, manager, u"unit"_s, unit, loadState, activeState});
+        const BusPeer peer(session, manager, managing(loadState, activeState));
         QCOMPARE(bothManagers().hasJob(agentName, ZELKServiceDomain::User), isJob);
         QVERIFY(!bothManagers().hasJob(agentName, ZELKServiceDomain::System));
         QVERIFY(!bothManagers().hasJob(u"org.test"_s, ZELKServiceDomain::User));
@@ -165,8 +185,8 @@ private Q_SLOTS:
 
     void troubledManagerHasNoJobs()
     {
-        for (const QString &behaviour : {u"error"_s, u"nothing"_s, u"number"_s, u"silent"_s, u"leave"_s}) {
-            const BusPeer peer({systemWide, manager, behaviour});
+        for (const QString &words : {u"error"_s, u"nothing"_s, u"number"_s, u"silent"_s}) {
+            const BusPeer peer(systemWide, manager, BusPeer::saying(words));
             QVERIFY(!bothManagers(shortLimit).hasJob(agentName, ZELKServiceDomain::System));
         }
         QVERIFY(!ZELKSystemdServiceManagement(noBus(), noBus()).hasJob(agentName, ZELKServiceDomain::System));
@@ -177,11 +197,11 @@ private Q_SLOTS:
         ZELKAgentController controller(
             ZELKAgentPorts::onBuses(QDBusConnection::systemBus(), QDBusConnection::sessionBus()), agentName);
         QCOMPARE(controller.state(), 1);
-        for (const QString &bus : {systemWide, session}) {
-            const BusPeer job({bus, manager, u"unit"_s, unit, u"loaded"_s, u"active"_s});
+        for (const auto bus : {systemWide, session}) {
+            const BusPeer job(bus, manager, managing(u"loaded"_s, u"active"_s));
             controller.updateState();
             QCOMPARE(controller.state(), 6);
-            const BusPeer agent({bus, service, u"text"_s, u"3"_s});
+            const BusPeer agent(bus, service, BusPeer::saying(u"text 3"_s));
             controller.updateState();
             QCOMPARE(controller.state(), bus == session ? 3 : 2);
             QCOMPARE(controller.agentVersion(), u"3"_s);
@@ -195,7 +215,7 @@ private Q_SLOTS:
             std::make_shared<ZELKSystemdServiceManagement>(noBus(), noBus()), workspace,
             std::make_shared<ZELKBusAgentLookup>(QList{QDBusConnection::sessionBus()}, 1000)};
         ZELKAgentController controller(ports, agentName);
-        const BusPeer agent({session, service, u"silent"_s});
+        const BusPeer agent(session, service, BusPeer::saying(u"silent"_s));
         workspace->instances[agentName] = 1;
 
         QElapsedTimer time;
@@ -210,14 +230,5 @@ private Q_SLOTS:
     }
 };
 
-int main(int argc, char **argv)
-{
-    const QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() > 3 && arguments[1] == "--peer"_L1)
-        return runBusPeer(arguments.mid(2));
-    AgentControllerBus test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_GUILESS_MAIN(AgentControllerBus)
 #include "tst_bus.moc"

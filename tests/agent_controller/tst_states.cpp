@@ -1,5 +1,24 @@
 #include "AgentFixture.h"
-#include "Raised.h"
+
+namespace {
+
+/// A world in which the service's answers are the test's.
+struct ServiceFixture : AgentFixture
+{
+    ServiceFixture() { lookup = std::make_shared<FakeAgentLookup>(); }
+    void agentAnswers(const QString &version = u"1.0"_s)
+    {
+        lookup->serviceName = agentName + u"._service"_s;
+        lookup->version = version;
+    }
+    void agentRuns()
+    {
+        workspace->instances[agentName] = 1;
+        agentAnswers();
+    }
+};
+
+} // namespace
 
 class AgentControllerStates : public QObject
 {
@@ -8,26 +27,24 @@ class AgentControllerStates : public QObject
 private Q_SLOTS:
     void stateFollowsTheProbes_data()
     {
-        const Rows<QString, QString, int, bool, int> row;
-        const QString none, other = u"org.test.other"_s;
-        row("nothing", none, none, 0, false, 1);
-        row("a service alone", none, none, 0, true, 6);
-        row("instance, silent", none, none, 1, false, 6);
-        row("two instances", none, none, 2, true, 4);
-        row("user's job, silent", none, agentName, 0, false, 6);
-        row("user's job, its instance seen", none, agentName, 1, true, 3);
-        row("system's job", agentName, none, 0, true, 2);
-        row("both jobs and an instance", agentName, agentName, 1, true, 2);
-        row("both jobs and an instance, silent", agentName, agentName, 1, false, 6);
-        row("somebody else's jobs", other, other, 0, false, 1);
+        const Rows<bool, bool, int, bool, int> row; // jobs of system and user, instances, whether it answers
+        row("nothing", false, false, 0, false, 1);
+        row("a service alone", false, false, 0, true, 6);
+        row("instance, silent", false, false, 1, false, 6);
+        row("two instances", false, false, 2, true, 4);
+        row("user's job, silent", false, true, 0, false, 6);
+        row("user's job, its instance seen", false, true, 1, true, 3);
+        row("system's job", true, false, 0, true, 2);
+        row("both jobs and an instance", true, true, 1, true, 2);
+        row("both jobs and an instance, silent", true, true, 1, false, 6);
     }
     void stateFollowsTheProbes()
     {
         const auto [systemJob, userJob, instances, answers, state] =
-            Rows<QString, QString, int, bool, int>::fetch();
-        AgentFixture world;
-        world.services->systemJobs = {systemJob};
-        world.services->userJobs = {userJob};
+            Rows<bool, bool, int, bool, int>::fetch();
+        ServiceFixture world;
+        world.system->systemJob = systemJob;
+        world.system->userJob = userJob;
         world.workspace->instances[agentName] = instances;
         if (answers)
             world.agentAnswers();
@@ -42,7 +59,7 @@ private Q_SLOTS:
 
     void changesAreSignalledOnce()
     {
-        AgentFixture world;
+        ServiceFixture world;
         world.agentRuns();
         ZELKAgentController controller(world.ports());
         const QSignalSpy state(&controller, &ZELKAgentController::stateChanged);
@@ -77,7 +94,7 @@ private Q_SLOTS:
     void versionFollowsTheService()
     {
         const auto [answer, version, canUpdate] = Rows<std::optional<QString>, QString, bool>::fetch();
-        AgentFixture world;
+        ServiceFixture world;
         world.agentRuns();
         world.lookup->version = answer;
         if (!answer)
@@ -94,7 +111,7 @@ private Q_SLOTS:
 
     void defaultsWaitForTheAgent()
     {
-        AgentFixture world;
+        ServiceFixture world;
         const ZELKDictionary first{{u"a"_s, 1}, {u"b"_s, 2}};
         const ZELKDictionary both{{u"a"_s, 1}, {u"b"_s, 3}};
         ZELKAgentController controller(world.ports());
@@ -120,10 +137,11 @@ private Q_SLOTS:
 
     void configurationFaults()
     {
-        AgentFixture world;
+        ServiceFixture world;
         const QString name = u"ZELKAgentControllerAgentName"_s;
         const auto messageWith = [&](const ZELKDictionary &info) {
-            world.useBundle(info);
+            world.info = info;
+            world.useInfo();
             return raised([&] { ZELKAgentController(world.ports()).embeddedAgentURL(); });
         };
         const QString about = u"ZELKAgentController Info.plist "_s;
@@ -134,7 +152,7 @@ private Q_SLOTS:
 
     void namesOfApplicationAndAgent()
     {
-        AgentFixture world;
+        ServiceFixture world;
         ZELKAgentController controller(world.ports(), u"org.test.other"_s);
         QCOMPARE(controller.embeddedAgentURL().toLocalFile(),
                  world.folder.filePath(u"agents/org.test.other.app"_s));
@@ -143,6 +161,152 @@ private Q_SLOTS:
         QCOMPARE(controller.applicationName(), u"Der Test"_s);
         QVERIFY(!raised([&] { controller.isAgentCommunicatingWithName(QString()); }).isEmpty());
         QVERIFY(!raised([&] { controller.isAgentRunningInUserSessionWithName(QString()); }).isEmpty());
+    }
+
+    void startWatchesUntilTheAgentAnswers()
+    {
+        ServiceFixture world;
+        ZELKAgentController controller(world.ports());
+        QVERIFY(!controller.startWithState(ZELKAgentController::SessionApplication));
+        QCOMPARE(world.workspace->registered.size(), 1);
+        QCOMPARE(world.workspace->launches, QStringList{agentName});
+        QCOMPARE(world.workspace->lastArguments, QStringList{u"--database=x"_s});
+        QCOMPARE(controller.state(), 6); // it runs and has no service yet
+        QVERIFY(controller.isStateChangeExpected());
+
+        world.agentAnswers();
+        QTRY_COMPARE(controller.state(), 4);
+        QVERIFY(!controller.isStateChangeExpected());
+        QCOMPARE(controller.agentVersion(), u"1.0"_s);
+    }
+
+    void startFallsBackToThePlaceOrHandsItsErrorBack()
+    {
+        ServiceFixture world;
+        world.workspace->launchesByIdentifier = false;
+        world.workspace->registrationStatus = 2;
+        ZELKAgentController controller(world.ports());
+        const QSignalSpy presented(&controller, &ZELKAgentController::errorPresented);
+        const QString place = world.folder.filePath(u"agents/org.test.agent.app"_s);
+        const QString line = u"Helper agent URL registration failed: 2 with URL: file://"_s + place;
+        const ZELKAgentError error(u"ZELKWorkspace"_s, 13, u"not started"_s);
+        world.workspace->launchError = error;
+        world.expectLine(line);
+        QVERIFY(controller.startWithState(ZELKAgentController::SessionApplication) == error);
+        QCOMPARE(presented.count(), 0);
+        QVERIFY(!controller.isStateChangeExpected());
+        QCOMPARE(controller.state(), 1);
+
+        world.workspace->launchError.reset();
+        world.expectLine(line);
+        QVERIFY(!controller.startWithState(ZELKAgentController::SessionApplication));
+        QCOMPARE(world.workspace->launches, (QStringList{agentName, place, agentName, place}));
+        QVERIFY(controller.isStateChangeExpected());
+    }
+
+    void failedStopIsPresented_data()
+    {
+        const Rows<int, bool, int> row;
+        row("none is left", 0, false, 20);
+        row("two instances", 2, false, 20);
+        row("refusal", 1, true, 21);
+    }
+    void failedStopIsPresented()
+    {
+        const auto [instances, refuses, code] = Rows<int, bool, int>::fetch();
+        ServiceFixture world;
+        world.agentRuns();
+        ZELKAgentController controller(world.ports());
+        const QSignalSpy presented(&controller, &ZELKAgentController::errorPresented);
+        world.workspace->instances[agentName] = instances;
+        world.workspace->refusesToTerminate = refuses;
+
+        const auto error = controller.stop();
+        QVERIFY(error);
+        QCOMPARE(error->domain(), u"ZELKAgentController"_s);
+        QCOMPARE(error->code(), code);
+        QCOMPARE(error->localisedDescription(), u"ZELKAgentController.error.%1"_s.arg(code));
+        QCOMPARE(presented.count(), 1);
+        QVERIFY(presented.first().first().value<ZELKAgentError>() == *error);
+        QCOMPARE(world.workspace->terminations, 0);
+        QVERIFY(!controller.isStateChangeExpected());
+        QVERIFY(controller.agentVersion().isNull());
+    }
+
+    void stopWatchesUntilNothingIsLeft()
+    {
+        ServiceFixture world;
+        world.agentRuns();
+        ZELKAgentController controller(world.ports());
+        world.workspace->terminatesLate = true;
+        QVERIFY(!controller.stop());
+        QCOMPARE(world.workspace->terminations, 1);
+        QVERIFY(controller.agentVersion().isNull());
+        QTRY_VERIFY(!controller.agentVersion().isNull()); // it still answers
+        QCOMPARE(controller.state(), 4);
+
+        world.workspace->instances.clear(); // the bus has not noticed yet
+        QTRY_COMPARE(controller.state(), 6);
+        QVERIFY(controller.isStateChangeExpected());
+        world.lookup->serviceName.clear();
+        QTRY_COMPARE(controller.state(), 1);
+        QVERIFY(!controller.isStateChangeExpected());
+        QVERIFY(controller.agentVersion().isNull());
+    }
+
+    /// Starting in a form that cannot be started, stopping what is not there to be stopped.
+    void whatCannotBeDoneIsALine()
+    {
+        ServiceFixture world;
+        ZELKAgentController controller(world.ports());
+        const QSignalSpy presented(&controller, &ZELKAgentController::errorPresented);
+        for (const int form : {1, 5, 6, -1}) {
+            world.expectLine(u"ZELKAgentController can not start agent: ZELKAgentController.state.1"_s);
+            QVERIFY(!controller.startWithState(form));
+        }
+        QVERIFY(world.workspace->launches.isEmpty());
+        for (const int instances : {0, 1}) {
+            world.workspace->instances[agentName] = instances;
+            controller.updateState();
+            world.expectLine(u"ZELKAgentController can not stop agent: ZELKAgentController.state.%1"_s.arg(
+                instances ? 6 : 1));
+            QVERIFY(!controller.stop());
+        }
+        QCOMPARE(presented.count() + world.workspace->terminations, 0);
+        QVERIFY(!controller.isStateChangeExpected());
+    }
+
+    void slowServiceIsAskedOnceAtATime()
+    {
+        ServiceFixture world;
+        ZELKAgentController controller(world.ports());
+        world.agentRuns();
+        world.lookup->isSlow = true;
+        controller.expectStateChange();
+        for (int look = 0; look < 3; ++look)
+            controller.checkForStateChange();
+        QCOMPARE(world.lookup->questions, 1);
+        QCOMPARE(controller.state(), 1);
+        world.lookup->answerQuestions();
+        QCOMPARE(controller.state(), 4);
+        QVERIFY(!controller.isStateChangeExpected());
+        controller.checkForStateChange(); // no change is expected any more
+        QCOMPARE(world.lookup->questions, 1);
+    }
+
+    void stopForgetsTheQuestionUnderWay()
+    {
+        ServiceFixture world;
+        world.agentRuns();
+        ZELKAgentController controller(world.ports());
+        world.lookup->isSlow = true;
+        world.workspace->terminatesLate = true;
+        controller.stop();
+        world.lookup->answerQuestions();
+        QVERIFY(controller.agentVersion().isNull());
+        QVERIFY(controller.isStateChangeExpected());
+        controller.checkForStateChange();
+        QCOMPARE(world.lookup->questions, 3);
     }
 };
 

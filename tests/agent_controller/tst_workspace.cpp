@@ -4,6 +4,11 @@
 #include <cerrno>
 #include <csignal>
 
+static void writeTestBundle(const QString &folder, const ZELKDictionary &info)
+{
+    writeFile(folder + u"/Info.plist"_s, ZELKPropertyList::writeXml(QVariant::fromValue(info)).bytes);
+}
+
 class AgentControllerWorkspace : public QObject
 {
     Q_OBJECT
@@ -56,6 +61,24 @@ private Q_SLOTS:
         QVERIFY(fakeWorkspace().runningApplicationsWithBundleIdentifier(agentName).empty());
         const ZELKSessionWorkspace nowhere(path(u"nowhere"_s), 7);
         QVERIFY(nowhere.runningApplicationsWithBundleIdentifier(agentName).empty());
+    }
+
+    void errandsAreNoInstances()
+    {
+        const QByteArray commands[] = {"agent",
+                                       "agent|--database|x",
+                                       "agent|--backfill-wtmp|x",
+                                       "agent|--backfill-upower=x",
+                                       "agent|--version",
+                                       "agent|--read-journal|1"};
+        int pid = 50;
+        for (QByteArray words : commands) {
+            addProcess(QString::number(pid));
+            writeFile(path(u"proc/%1/cmdline"_s.arg(pid++)), words.replace('|', '\0') + '\0');
+        }
+        const auto found = fakeWorkspace().runningApplicationsWithBundleIdentifier(agentName);
+        QCOMPARE(found.size(), 2U);
+        QCOMPARE(found.back().processIdentifier, 51);
     }
 
     void childrenBelongToTheirInstance()

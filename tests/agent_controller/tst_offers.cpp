@@ -1,9 +1,6 @@
-#include "InstallFixture.h"
-#include "Raised.h"
-#include "Rows.h"
+#include "AgentFixture.h"
 
 #include <QElapsedTimer>
-#include <QSignalSpy>
 
 namespace {
 
@@ -31,7 +28,7 @@ class Offers : public QObject
 private Q_SLOTS:
     void installAlertAsksOnceAndOffersThreeWays()
     {
-        InstallFixture world;
+        AgentFixture world;
         Sheets sheets;
         ZELKAgentController controller(world.ports());
         controller.startStop(); // nobody to show it
@@ -67,7 +64,7 @@ private Q_SLOTS:
     void installChoiceDecidesTheForm()
     {
         const auto [returnCode, tag, state] = Rows<int, int, int>::fetch();
-        InstallFixture world;
+        AgentFixture world;
         ZELKAgentController controller(world.ports());
         const QString fault = raised(
             [&controller, code = returnCode, place = tag] { controller.installAlertDidEnd(code, place); });
@@ -78,7 +75,7 @@ private Q_SLOTS:
 
     void failedInstallationIsPresented()
     {
-        InstallFixture world;
+        AgentFixture world;
         ZELKAgentController controller(world.ports());
         const QSignalSpy presented(&controller, &ZELKAgentController::errorPresented);
         world.system->failing = u"bless"_s;
@@ -88,7 +85,7 @@ private Q_SLOTS:
 
     void textsAreFormatsForTheApplicationsName()
     {
-        InstallFixture world;
+        AgentFixture world;
         ZELKEnvironment environment = ZELKEnvironment::current();
         environment.mainBundle = std::make_shared<ZELKBundle>(qEnvironmentVariable("ZELK_MAIN_BUNDLE"));
         const ZELKEnvironmentScope scope(environment);
@@ -110,7 +107,7 @@ private Q_SLOTS:
 
     void helpNeedsAnAnchorAndABook()
     {
-        InstallFixture world;
+        AgentFixture world;
         world.info.insert(u"ZELKAgentControllerInstallHelpAnchor"_s, u"here"_s);
         Sheets sheets;
         ZELKAgentController controller(world.ports());
@@ -127,7 +124,7 @@ private Q_SLOTS:
 
     void updateIsOfferedOnceALaunch()
     {
-        InstallFixture world;
+        AgentFixture world;
         Sheets sheets;
         world.system->userJob = true;
         world.system->version = u"0.9"_s;
@@ -155,7 +152,7 @@ private Q_SLOTS:
 
     void probeThatFindsAnotherVersionOffersIt()
     {
-        InstallFixture world;
+        AgentFixture world;
         Sheets sheets;
         world.system->userJob = true;
         ZELKAgentController controller(world.ports());
@@ -174,7 +171,7 @@ private Q_SLOTS:
 
     void startingSilencesTheOffer()
     {
-        InstallFixture world;
+        AgentFixture world;
         ZELKAgentController controller(world.ports());
         controller.applicationDidFinishLaunching();
         QCOMPARE(controller.updateNotifications(), 1U);
@@ -185,7 +182,7 @@ private Q_SLOTS:
     /// An agent of the session is still there when it was only asked to end.
     void updateOfTheSessionFormWaitsForTheEnd()
     {
-        InstallFixture world;
+        AgentFixture world;
         world.workspace->instances[agentName] = 1;
         world.workspace->terminatesLate = true;
         world.system->serves = true;
@@ -201,7 +198,7 @@ private Q_SLOTS:
 
     void updateThatCannotStopDoesNotStart()
     {
-        InstallFixture world;
+        AgentFixture world;
         world.system->userJob = true;
         world.system->version = u"0"_s;
         world.system->failing = u"remove"_s;

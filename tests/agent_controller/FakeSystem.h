@@ -1,10 +1,10 @@
 #pragma once
 
-#include "ZELKAgentConnection.h"
-#include "ZELKAuthorization.h"
-#include "ZELKServiceManagement.h"
+#include "ZELKAgentController.h"
 
 using namespace Qt::StringLiterals;
+
+const QString agentName = u"org.test.agent"_s;
 
 /// Every port but the workspace in one: does what it is told and keeps what it was asked, in order. What
 /// `failing` names fails.
@@ -20,9 +20,9 @@ public:
     ZELKDictionary ticket;
     QByteArray form;
 
-    bool hasJob(const QString &, ZELKServiceDomain domain) const override
+    bool hasJob(const QString &label, ZELKServiceDomain domain) const override
     {
-        return domain == ZELKServiceDomain::System ? systemJob : userJob;
+        return label == agentName && (domain == ZELKServiceDomain::System ? systemJob : userJob);
     }
     bool isAvailable(ZELKServiceDomain) const override { return hasManager; }
     std::optional<ZELKAgentError> submitJob(const ZELKDictionary &job, ZELKServiceDomain,

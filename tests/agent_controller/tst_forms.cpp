@@ -1,9 +1,5 @@
-#include "InstallFixture.h"
-#include "Raised.h"
-#include "Rows.h"
+#include "AgentFixture.h"
 #include "ZELKFileManager.h"
-
-#include <QSignalSpy>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -49,7 +45,7 @@ private Q_SLOTS:
     {
         const auto [failing, state, isStart, code, underlying, calls] =
             Rows<QString, int, bool, int, QString, QStringList>::fetch();
-        InstallFixture world;
+        AgentFixture world;
         (state == 2 ? world.system->systemJob : world.system->userJob) = !isStart;
         world.system->failing = failing;
         if (code == 4)
@@ -72,7 +68,7 @@ private Q_SLOTS:
 
     void silentPrivilegedAgentCannotRemoveItsFiles()
     {
-        InstallFixture world;
+        AgentFixture world;
         ZELKAgentInstallation installation(world.ports());
         ZELKAgentError error;
         QVERIFY(!installation.stopPrivilegedWithError(&error));
@@ -93,7 +89,7 @@ private Q_SLOTS:
 
     void userFormPutsItsFilesInPlaceAndTakesThemAway()
     {
-        InstallFixture world;
+        AgentFixture world;
         ZELKAgentInstallation installation(world.ports());
         const QString copy = world.path(u"data/org.test/org.test.agent.app"_s);
         const QString ticket = world.path(u"config/launch/org.test.agent.plist"_s);
@@ -132,7 +128,7 @@ private Q_SLOTS:
     void everyFaultOfAPlaceHasItsCode()
     {
         const auto [inTheWay, missing, code] = Rows<QString, QString, int>::fetch();
-        InstallFixture world;
+        AgentFixture world;
         if (!inTheWay.isEmpty())
             writeFile(world.path(inTheWay), "");
         if (!missing.isEmpty())
@@ -155,7 +151,7 @@ private Q_SLOTS:
     void everyFileThatStaysHasItsCode()
     {
         const auto [name, code] = Rows<QString, int>::fetch();
-        InstallFixture world;
+        AgentFixture world;
         ZELKAgentInstallation installation(world.ports());
         QVERIFY(installation.startUserWithError(nullptr));
         world.system->calls.clear();
@@ -178,7 +174,7 @@ private Q_SLOTS:
 
     void withoutAManagerNothingIsTouched()
     {
-        InstallFixture world;
+        AgentFixture world;
         world.system->hasManager = false;
         ZELKAgentController controller(world.ports());
         for (const int form : {2, 3}) {
@@ -193,7 +189,7 @@ private Q_SLOTS:
 
     void faultsOfTheConfigurationAreRaised()
     {
-        InstallFixture world;
+        AgentFixture world;
         const ZELKAgentInstallation installation(world.ports());
         const QUrl agent = installation.embeddedAgentURL();
         const auto ticket = [&] { installation.launchdJobTicketForAgent(agent); };

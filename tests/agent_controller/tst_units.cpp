@@ -1,19 +1,15 @@
+#include "BusPeer.h"
 #include "Files.h"
 #include "Rows.h"
 #include "ZELKPolkitAuthorization.h"
 #include "ZELKPropertyList.h"
-#include "ZELKSessionWorkspace.h"
 #include "ZELKSystemdServiceManagement.h"
 #include "ZELKUnitFile.h"
 
 #include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusMetaType>
-#include <QDBusVirtualObject>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QThread>
 
 using namespace Qt::StringLiterals;
 
@@ -33,39 +29,6 @@ QVariant dictionary(const QString &key, const QVariant &value)
 {
     return QVariant::fromValue(ZELKDictionary{{key, value}});
 }
-
-/// What polkit answers: (bba{ss}).
-struct Verdict
-{
-    bool isAuthorized = false;
-    bool isChallenge = false;
-    QMap<QString, QString> details;
-};
-QDBusArgument &operator<<(QDBusArgument &argument, const Verdict &verdict)
-{
-    argument.beginStructure();
-    argument << verdict.isAuthorized << verdict.isChallenge << verdict.details;
-    argument.endStructure();
-    return argument;
-}
-const QDBusArgument &operator>>(const QDBusArgument &argument, Verdict &verdict)
-{
-    argument.beginStructure();
-    argument >> verdict.isAuthorized >> verdict.isChallenge >> verdict.details;
-    argument.endStructure();
-    return argument;
-}
-
-/// polkit with one answer; where it fails, these are its words.
-class Authority : public QDBusVirtualObject
-{
-public:
-    Verdict verdict;
-    QString failure;
-
-    QString introspect(const QString &) const override { return {}; }
-    bool handleMessage(const QDBusMessage &question, const QDBusConnection &bus) override;
-};
 
 /// user_manager.py, and what it says.
 class UserManager
@@ -96,16 +59,6 @@ private:
 };
 
 } // namespace
-
-Q_DECLARE_METATYPE(Verdict)
-
-bool Authority::handleMessage(const QDBusMessage &question, const QDBusConnection &bus)
-{
-    const QString error = u"org.freedesktop.PolicyKit1.Error.Failed"_s;
-    bus.send(failure.isEmpty() ? question.createReply(QVariant::fromValue(verdict))
-                               : question.createErrorReply(error, failure));
-    return true;
-}
 
 class Units : public QObject
 {
@@ -223,31 +176,6 @@ private Q_SLOTS:
         QCOMPARE(manager.said(), calls);
     }
 
-    /// A process that only reads the past is no agent that could be stopped.
-    void errandsAreNoInstances()
-    {
-        QTemporaryDir folder;
-        const QByteArray commands[] = {"agent",
-                                       "agent|--database|x",
-                                       "agent|--backfill-wtmp|x",
-                                       "agent|--backfill-upower=x",
-                                       "agent|--version",
-                                       "agent|--read-journal|1"};
-        const QString bundle = folder.filePath(u"org.test.agent.app/agent"_s);
-        int number = 10;
-        for (QByteArray words : commands) {
-            const QString process = folder.filePath(u"proc/%1/"_s.arg(number++));
-            writeFile(process + u"stat"_s, "1 (agent) S 1" + QByteArray(" 0").repeated(30));
-            writeFile(process + u"status"_s, "Name:\tagent\nUid:\t7\t7\t7\t7\n");
-            writeFile(process + u"cmdline"_s, words.replace('|', '\0') + '\0');
-            QVERIFY(QFile::link(bundle, process + u"exe"_s));
-        }
-        const auto found = ZELKSessionWorkspace(folder.filePath(u"proc"_s), 7)
-                               .runningApplicationsWithBundleIdentifier(label);
-        QCOMPARE(found.size(), 2U);
-        QCOMPARE(found.back().processIdentifier, 11);
-    }
-
     void labelsThatNameOtherFilesAreRefused()
     {
         const QDBusConnection none(u"none"_s);
@@ -272,26 +200,19 @@ private Q_SLOTS:
     {
         const auto [failure, challenge, detail, flags, reason] =
             Rows<QString, bool, QString, int, QString>::fetch();
-        qDBusRegisterMetaType<QMap<QString, QString>>();
-        qDBusRegisterMetaType<Verdict>();
-        Authority authority;
-        authority.failure = failure;
-        authority.verdict = {false, challenge, {}};
-        if (!detail.isEmpty())
-            authority.verdict.details.insert(detail, u"true"_s);
-        QDBusConnection polkit = QDBusConnection::connectToBus(QDBusConnection::SystemBus, u"polkit"_s);
-        QVERIFY(polkit.registerVirtualObject(u"/org/freedesktop/PolicyKit1"_s, &authority,
-                                             QDBusConnection::SubPath));
-        QVERIFY(polkit.registerService(u"org.freedesktop.PolicyKit1"_s));
+        const BusPeer polkit(QDBusConnection::SystemBus, u"org.freedesktop.PolicyKit1"_s,
+                             [failure, challenge, detail](const QDBusMessage &question) {
+                                 QDBusArgument verdict; // (bba{ss}), never authorized
+                                 verdict.beginStructure();
+                                 verdict << false << challenge << QMap<QString, QString>{{detail, u"true"_s}};
+                                 verdict.endStructure();
+                                 return failure.isEmpty()
+                                            ? question.createReply(QVariant::fromValue(verdict))
+                                            : question.createErrorReply(
+                                                  u"org.freedesktop.PolicyKit1.Error.Failed"_s, failure);
+                             });
         ZELKPolkitAuthorization rights(QDBusConnection::systemBus(), false);
-        std::optional<ZELKAgentError> error;
-        // It blocks, and polkit lives in this thread.
-        const std::unique_ptr<QThread> asking(QThread::create([&, asked = unsigned(flags)] {
-            error = rights.obtainRight(rights.authorization(), u"a.b"_s, asked);
-        }));
-        asking->start();
-        QTRY_VERIFY(asking->isFinished());
-        QDBusConnection::disconnectFromBus(u"polkit"_s);
+        const auto error = rights.obtainRight(rights.authorization(), u"a.b"_s, unsigned(flags));
         QVERIFY(error);
         QCOMPARE(error->localisedDescription(), u"ZELKAgentController.polkit."_s + reason);
     }
