@@ -3,8 +3,8 @@
 #include "ZELKAssertion.h"
 #include "ZELKConsole.h"
 #include "ZELKEventStream.h"
-#include "ZELKPropertyList.h"
 #include "ZELKRawEvent.h"
+#include "ZELKRawEventWriter.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -27,7 +27,7 @@ QByteArray bytesOf(const ZELKRawEventView &event)
                            {ZELKEventKeyDescription, text(event.description)},
                            {ZELKEventKeyMonitor, text(event.monitor)},
                            {ZELKEventKeyProperties, text(event.properties)}};
-    return ZELKPropertyList::writeBinary(QVariant::fromValue(raw)).bytes;
+    return ZELKSerialisedRawEvent(raw).bytes;
 }
 
 } // namespace
