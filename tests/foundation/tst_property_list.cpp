@@ -51,13 +51,10 @@ QByteArray binary(const QList<QByteArray> &objects, bool isWide = false, quint64
 QVariant sample()
 {
     return QVariant::fromValue(ZELKDictionary{
-
         {u"least"_s, std::numeric_limits<qlonglong>::min()},
-
         {u"most"_s, ~0ULL},
         {u"2^63"_s, 9223372036854775808ULL},
         {u"real"_s, 0.1},
-
         {u"tiny"_s, -5e-324},
         {u"yes"_s, true},
         {u"no"_s, false},
@@ -79,24 +76,17 @@ class TestPropertyList : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void readsBackWhatItWrote_data()
-    {
-        const Rows<bool> row;
-        row("binary", true);
-        row("XML", false);
-    }
     void readsBackWhatItWrote()
     {
-        const auto [isBinary] = Rows<bool>::fetch();
-        const auto written =
-            isBinary ? ZELKPropertyList::writeBinary(sample()) : ZELKPropertyList::writeXml(sample());
-        QCOMPARE(written.error, QString());
-        QCOMPARE(written.bytes.startsWith("bplist00"), isBinary);
-        const Result result = read(written.bytes);
-        QCOMPARE(result.error, QString());
-        QCOMPARE(ZELKValue::description(result.value), ZELKValue::description(sample()));
-        QVERIFY(ZELKValue::isEqual(result.value, sample()));
-        QCOMPARE(result.value.value<ZELKDictionary>().keys(), sample().value<ZELKDictionary>().keys());
+        for (const bool isBinary : {true, false}) {
+            const auto written =
+                isBinary ? ZELKPropertyList::writeBinary(sample()) : ZELKPropertyList::writeXml(sample());
+            QCOMPARE(written.bytes.startsWith("bplist00"), isBinary);
+            const Result result = read(written.bytes);
+            QCOMPARE(written.error + result.error, QString());
+            QCOMPARE(ZELKValue::description(result.value), ZELKValue::description(sample())); // and its order
+            QVERIFY(ZELKValue::isEqual(result.value, sample()));
+        }
     }
 
     void xmlDrawsDatesIn()
@@ -199,7 +189,6 @@ private Q_SLOTS:
         row("XML open only", QByteArray("<plist>") + QByteArray("<array>").repeated(1000000), false);
         row("binary 128", nested(128), true);
         row("binary 129", nested(129), false);
-        row("many comments", inPlist(QByteArray("<!--<array>-->").repeated(1000) + "<true/>"), true);
     }
     void boundsDepth()
     {

@@ -1,6 +1,32 @@
 #include "StoreFixture.h"
+#include "ZELKDamagedDatabase.h"
 
-/// The store's cache without any agent: what goes in, what comes out, and what is said.
+#include <QDeadlineTimer>
+
+#include <csignal>
+
+#include <fcntl.h>
+#include <sys/inotify.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using Damage = std::function<void(QByteArray &)>;
+
+namespace {
+
+/// A cache with a history, closed.
+QByteArray fill(const StoreFixture &fixture)
+{
+    const auto store = fixture.bareStore();
+    store->cacheEvents(history(300));
+    store->setLastSyncDate(ZELKDate(1.0));
+    store->applicationWillTerminate();
+    return readFile(fixture.file());
+}
+
+} // namespace
+
+/// The store's cache without any agent: what goes in and comes out, and files that are no caches any more.
 class StoreCacheTest : public QObject
 {
     Q_OBJECT
@@ -64,9 +90,6 @@ private Q_SLOTS:
         fixture.store->updateLogEvents();
         QCOMPARE(fixture.log.count(), 3);
         QCOMPARE(fixture.log.pastEntry()->event(), u"c"_s);
-        const ConsoleLines console;
-        fixture.store->updateLogEvents();
-        QCOMPARE(console.size(), 0);
     }
 
     /// Texts and blobs, lists in XML, other values than texts: the quick way into the log and the slow one
@@ -168,8 +191,205 @@ private Q_SLOTS:
         }
         fixture.store->setLastSyncDate(ZELKDate(1.0 / 3.0));
         QCOMPARE(fixture.other().lastSync(), QByteArray("0.333333"));
-        fixture.store->setLastSyncDate(std::nullopt);
-        QCOMPARE(fixture.other().lastSync(), QByteArray());
+    }
+
+    void aDamagedFileIsSetAside_data()
+    {
+        const Rows<Damage> row;
+        row("no database", [](QByteArray &file) { file = "Dear diary"; });
+        row("zeros", [](QByteArray &file) { file.fill('\0'); });
+        row("cut in the header", [](QByteArray &file) { file.truncate(60); });
+        row("format of another time", [](QByteArray &file) { std::fill_n(file.begin() + 44, 4, '\x09'); });
+        row("cut in the schema", [](QByteArray &file) { file.truncate(9000); });
+        row("schema", [](QByteArray &file) { std::fill(file.begin() + 100, file.begin() + 16384, '\x55'); });
+        row("schema texts",
+            [](QByteArray &file) { file.replace("CREATE TABLE events", "CREATE TABEL events"); });
+        row("pages", [](QByteArray &file) { std::fill(file.begin() + 16384, file.end(), '\x55'); });
+        row("cut in the pages", [](QByteArray &file) { file.truncate(2 * 16384 + 77); });
+    }
+    /// Kept as it was, under another name, with one line; the store goes on with a new file.
+    void aDamagedFileIsSetAside()
+    {
+        const auto [damage] = Rows<Damage>::fetch();
+        StoreFixture fixture;
+        QByteArray bytes = fill(fixture);
+        damage(bytes);
+        for (int round = 1; round <= 2; ++round) {
+            const ConsoleLines console;
+            writeFile(fixture.file(), bytes);
+            auto store = fixture.makeStore();
+            zelkGuard([&] { store->syncWithLocalCache(); });
+            zelkGuard([&] { store->lastSyncDate(); });
+            if (fixture.filesAside().size() < round) // met while writing
+                store->cacheEvents(history(2));
+            QCOMPARE(fixture.filesAside().size(), round);
+            const QString aside = fixture.file() + ZELKFormat(".damaged-2025-01-31-%d", {round});
+            const QString line = fixture.file() + u" is damaged. It was set aside as "_s + aside +
+                                 u", and a new one was begun."_s;
+            QCOMPARE(console.count(qPrintable(line)), 1);
+            QCOMPARE(readFile(aside), bytes);
+            QVERIFY(store->cacheEvents(history(5)));
+            QCOMPARE(store->sortedCachedEventsFromDate({}, {}), history(5));
+            QCOMPARE(store->lastSyncDate(), ZELKDate::distantPast());
+            store->applicationWillTerminate();
+            QVERIFY(QFile::remove(fixture.file()));
+        }
+    }
+
+    /// Ended in between, the file is met again and joins its journals; never are they beside a new file, or
+    /// deleted as those of a file that is not there.
+    void theFileIsSetAsideAfterItsJournals()
+    {
+        const ConsoleLines console;
+        StoreFixture fixture;
+        fixture.store->applicationWillTerminate();
+        const QStringList parts{u"-journal"_s, u"-shm"_s, u"-wal"_s, QString()};
+        for (const QString &part : parts)
+            writeFile(fixture.file() + part, "of cache" + part.toUtf8());
+        const int watch = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        inotify_add_watch(watch, qPrintable(fixture.folder.path()), IN_MOVED_FROM);
+        ZELKDamagedDatabase::setAside(fixture.file());
+        alignas(inotify_event) std::array<char, 4096> moves;
+        const ssize_t size = read(watch, moves.data(), moves.size());
+        close(watch);
+        QStringList moved;
+        for (ssize_t at = 0; at < size;) {
+            const auto *move = reinterpret_cast<const inotify_event *>(moves.data() + at);
+            moved.append(QString::fromUtf8(move->name).mid(QFileInfo(fixture.file()).fileName().size()));
+            at += ssize_t(sizeof *move + move->len);
+        }
+        QCOMPARE(moved.value(3, u"none"_s), QString());
+        QCOMPARE(moved.size(), 4);
+
+        const QString aside = fixture.file() + u".damaged-2025-01-31-1"_s;
+        QVERIFY(QFile::rename(aside, fixture.file()));
+        ZELKDamagedDatabase::setAside(fixture.file());
+        for (const QString &part : parts)
+            QCOMPARE(readFile(aside + part), "of cache" + part.toUtf8());
+    }
+
+    /// Whatever byte is another one: no crash, and events can be kept and read again.
+    void anyByte()
+    {
+        StoreFixture fixture;
+        const QByteArray healthy = fill(fixture);
+        QRandomGenerator random(5);
+        const QList<ZELKRawEvent> later{ZELKMakeRawEvent(ZELKDate(759'000'000.0), u"x"_s, u"m"_s)};
+        int setAside = 0;
+        for (int round = 0; round < 150; ++round) {
+            const ConsoleLines console;
+            QByteArray bytes = healthy;
+            const bool inHeader = round % 3 == 0;
+            for (int i = 0; i <= round % 5; ++i)
+                bytes[inHeader ? random.bounded(400) : random.bounded(bytes.size())] =
+                    char(random.bounded(256));
+            writeFile(fixture.file(), bytes);
+            ZELKLWCLog log;
+            auto store = fixture.bareStore();
+            store->setAgentController(&fixture.controller);
+            store->setLogController(&log);
+            zelkGuard([&] { store->syncWithLocalCache(); });
+            zelkGuard([&] { store->lastSyncDate(); });
+            // The first attempt may be the one that finds the damage. A header that says "for reading alone"
+            // is none.
+            if (!store->cacheEvents(later) && !store->cacheEvents(later))
+                QVERIFY2(store->lastResult().code == SQLITE_READONLY,
+                         qPrintable(console.lines().join(u'\n')));
+            zelkGuard([&] { store->updateLogEvents(); });
+            store->applicationWillTerminate();
+            setAside += !fixture.filesAside().isEmpty();
+            for (const QString &name : QDir(fixture.folder.path()).entryList({u"cache*"_s}))
+                QFile::remove(fixture.folder.filePath(name));
+        }
+        QVERIFY(setAside > 10);
+    }
+
+    void damageUnderAnOpenStore_data()
+    {
+        const Rows<QByteArray, bool> row;
+        row("place of the table, reading", "rootpage = 77777", true);
+        row("place of the table, writing", "rootpage = 77777", false);
+        row("text of the schema", "sql = 'CREATE TABEL x'", true);
+    }
+    /// Damage that shows only while the file is open, in statements old and new.
+    void damageUnderAnOpenStore()
+    {
+        const auto [damage, isReading] = Rows<QByteArray, bool>::fetch();
+        const QList<ZELKRawEvent> events = history(40);
+        const ConsoleLines console;
+        StoreFixture fixture;
+        QVERIFY(fixture.store->cacheEvents(events));
+        OtherConnection other(fixture.file());
+        other.run("PRAGMA writable_schema = ON");
+        other.run("UPDATE sqlite_schema SET " + damage + " WHERE name = 'events'");
+        other.run("PRAGMA schema_version = 99");
+        if (isReading)
+            zelkGuard([&] { fixture.store->syncWithLocalCache(); });
+        else
+            fixture.store->cacheEvents(events);
+        QCOMPARE(fixture.filesAside().size(), 1);
+        QCOMPARE(console.count("is damaged. It was set aside"), 1);
+        QVERIFY(fixture.store->cacheEvents(events));
+        QCOMPARE(fixture.store->sortedCachedEventsFromDate({}, {}), events);
+    }
+
+    /// A program that is killed while it writes leaves whole transactions.
+    void killedWhileItWrites()
+    {
+        constexpr int piece = 100;
+        const QList<ZELKRawEvent> events = history(20'000);
+        const QList<QByteArray> all = serialised(events);
+        StoreFixture fixture;
+        fixture.store->applicationWillTerminate();
+        QRandomGenerator random(17);
+        qsizetype kept = 0;
+        for (int kills = 0; kills < 25 && kept < all.size() / 2; ++kills) {
+            int ends[2];
+            QCOMPARE(pipe2(ends, O_CLOEXEC), 0);
+            const pid_t writer = fork();
+            if (writer == 0)
+                writeAll(fixture, events.mid(kept), piece, ends[1]);
+            char done = 0;
+            for (int lines = random.bounded(1, 6); lines > 0; --lines)
+                QCOMPARE(read(ends[0], &done, 1), ssize_t(1));
+            const QDeadlineTimer moment(std::chrono::microseconds(random.bounded(4000)));
+            while (!moment.hasExpired()) {
+            }
+            ::kill(writer, SIGKILL);
+            int status = 0;
+            QCOMPARE(waitpid(writer, &status, 0), writer);
+            QVERIFY(WIFSIGNALED(status));
+            close(ends[0]);
+            close(ends[1]);
+
+            OtherConnection other(fixture.file());
+            const QList<QByteArray> found = other.cached();
+            QCOMPARE(found.size() % piece, 0);
+            QVERIFY(found.size() > kept);
+            kept = found.size();
+            QVERIFY(found == all.first(kept));
+            QCOMPARE(other.run("PRAGMA integrity_check"), QList<QByteArray>{"ok"});
+            QCOMPARE(other.lastSync(), QByteArray());
+        }
+        fixture.renewStore();
+        fixture.store->syncWithLocalCache();
+        QCOMPARE(dump(fixture.log), dumpOf(events.first(kept)));
+        QVERIFY(fixture.store->cacheEvents(events));
+        QVERIFY(fixture.other().cached() == all);
+        QVERIFY(fixture.filesAside().isEmpty());
+    }
+
+private:
+    /// Another program's part: a byte after each transaction.
+    [[noreturn]] static void writeAll(const StoreFixture &fixture, const QList<ZELKRawEvent> &events,
+                                      int piece, int teller)
+    {
+        const auto store = fixture.bareStore();
+        for (qsizetype done = 0; done < events.size(); done += piece)
+            if (!store->cacheEvents(events.mid(done, piece)) || write(teller, "k", 1) != 1)
+                break;
+        pause(); // until it is killed
+        _exit(1);
     }
 };
 

@@ -77,10 +77,9 @@ private Q_SLOTS:
             StoreFixture fixture(StoreFixture::sessionBus());
             fixture.port->fail(call, code, nth, times);
             zelkGuard([&] { fixture.store->syncWithLocalCache(); });
-            if (fetches)
-                fixture.fetch();
-            else
-                zelkGuard([&] { fixture.store->cacheEvents(m_agent->events); });
+            zelkGuard([&, keeps = !fetches] {
+                keeps ? fixture.store->cacheEvents(m_agent->events) : fixture.fetch();
+            });
             reached = fixture.port->count(call) >= nth;
             fixture.port->heal();
             const QString context = ZELKFormat("call %d\n", {nth}) + console.lines().join(u'\n');
@@ -153,6 +152,24 @@ private Q_SLOTS:
         QCOMPARE(console.count(lockedLine), 3);
         other.run("COMMIT");
         QCOMPARE(other.cached().size(), 8);
+    }
+
+    /// A device that cannot even open a new file must not be taken for further damage.
+    void noSecondFileIsBlamed()
+    {
+        const ConsoleLines console;
+        StoreFixture fixture;
+        QVERIFY(fixture.store->cacheEvents(history(3)));
+        fixture.port->fail(Call::Step, SQLITE_CORRUPT);
+        QVERIFY(!fixture.store->cacheEvents(history(5)));
+        QCOMPARE(fixture.filesAside().size(), 1);
+        fixture.port->heal();
+        fixture.port->fail(Call::Exec, SQLITE_FULL, 1, 50);
+        QVERIFY(!fixture.store->cacheEvents(history(5)));
+        fixture.port->heal();
+        QVERIFY(fixture.store->cacheEvents(history(5)));
+        QCOMPARE(fixture.filesAside().size(), 1);
+        QCOMPARE(console.count("damaged and could not be set aside"), 0);
     }
 
     void aReadOnlyCache()

@@ -69,8 +69,7 @@ private Q_SLOTS:
             m_agent->answer = [&](const QDBusMessage &call) { m_agent->give(call, whole.left(end)); };
             QVERIFY(!fixture.fetch());
             QCOMPARE(console.count("agent events could not be fetched: The stream broke off."), 1);
-            QCOMPARE(fixture.log.count(), 0);
-            QCOMPARE(fixture.store->lastSyncDate(), ZELKDate::distantPast());
+            QVERIFY(isUntouched(fixture));
             m_agent->answer = nullptr;
             QVERIFY(fixture.fetch());
             QCOMPARE(fixture.other().cached(), serialised(events));
@@ -84,12 +83,8 @@ private Q_SLOTS:
         constexpr const char *faulty = "These are not the bytes of an event stream.";
 
         const QByteArray whole = streamOf(serialised(history(3)));
-        row("greeting", giving("LWEV2\n" + whole.mid(6)), faulty);
-        row("count", giving(whole.chopped(1) + '\4'), faulty);
         row("bytes after the end", giving(whole + 'x'), faulty);
-        row("length", giving(QByteArray("LWEV1\n\1\0\0\1", 10)), faulty);
         row("/dev/null", giving("/dev/null"), "The stream broke off.");
-        row("/dev/zero", giving("/dev/zero"), faulty);
         row("a program", giving("/proc/self/exe"), faulty);
         row("a folder", giving("/"), "Is a directory");
         row("write only", giving("/dev/null", O_WRONLY), "Bad file descriptor");
@@ -97,7 +92,6 @@ private Q_SLOTS:
             "an event counter",
             [](FakeAgent &agent, const QDBusMessage &call) { agent.giveDescriptor(call, eventfd(3, 0)); },
             faulty);
-        row("nothing", replying({}), "Unexpected reply signature: got \"\", expected \"h\"");
         row("a text", replying({u"/dev/null"_s}), "Unexpected reply signature: got \"s\", expected \"h\"");
         row(
             "error reply",
@@ -127,8 +121,7 @@ private Q_SLOTS:
         const QStringList said = console.lines().filter(u"agent events could not be fetched: "_s);
         QCOMPARE(said.size(), 1);
         QVERIFY2(said[0].contains(reason), qPrintable(said[0]));
-        QCOMPARE(fixture.store->lastSyncDate(), ZELKDate::distantPast());
-        QCOMPARE(fixture.log.count(), 0);
+        QVERIFY(isUntouched(fixture));
         m_agent->answer = nullptr;
         m_agent->events = history(4);
         QVERIFY(fixture.fetch());
@@ -215,7 +208,6 @@ private Q_SLOTS:
         m_agent->answer = [&](const QDBusMessage &call) { m_agent->give(call, stream); };
         QVERIFY(fixture.fetch());
         QCOMPARE(console.count("agent event 2 skipped: "), isKept ? 0 : 1);
-        QCOMPARE(fixture.other().cached().size(), isKept ? 3 : 2);
         QCOMPARE(fixture.store->sortedCachedEventsFromDate({}, {}).size(), isKept ? 3 : 2);
         QCOMPARE(fixture.store->lastSyncDate(), fixture.clock->now());
     }
@@ -245,6 +237,10 @@ private Q_SLOTS:
     }
 
 private:
+    static bool isUntouched(const StoreFixture &fixture)
+    {
+        return fixture.log.count() == 0 && fixture.store->lastSyncDate() == ZELKDate::distantPast();
+    }
     std::unique_ptr<FakeAgent> m_agent;
 };
 

@@ -1,16 +1,48 @@
+// Raw events and the stream that carries them.
+#include "Raised.h"
 #include "Rows.h"
+#include "ZELKEventStream.h"
 #include "ZELKPropertyList.h"
 #include "ZELKRawEvent.h"
 #include "ZELKValue.h"
 
 #include <random>
+#include <string>
 #include <vector>
 
+using State = ZELKEventStreamReader::State;
 using namespace Qt::StringLiterals;
 using namespace std::literals;
 using Kind = ZELKRawEventReader::Kind;
 
 namespace {
+
+QByteArray streamOf(const QList<QByteArray> &events, std::uint64_t count)
+{
+    QByteArray stream = ZELKEventStream::begin();
+    for (const QByteArray &event : events)
+        ZELKEventStream::append(stream, event.toStdString());
+    return stream + ZELKEventStream::end(count);
+}
+
+struct Read
+{
+    QList<QByteArray> events;
+    State state;
+};
+
+Read readInPieces(const QByteArray &stream, qsizetype size)
+{
+    ZELKEventStreamReader reader;
+    Read read;
+    for (qsizetype at = 0; at < stream.size(); at += size) {
+        reader.feed(stream.mid(at, size).toStdString());
+        while (const auto event = reader.next())
+            read.events.append(QByteArray(event->data(), qsizetype(event->size())));
+    }
+    read.state = reader.state();
+    return read;
+}
 
 QByteArray blobOf(const ZELKRawEvent &event)
 {
@@ -71,19 +103,9 @@ public:
 
     QString anyText()
     {
-        static const QStringList texts{u"a"_s,
-                                       u""_s,
-                                       u"ü"_s,
-                                       u"🔋"_s,
-                                       u"\uFEFFa"_s,
-                                       u"\uFEFF"_s,
-                                       u"date"_s,
-                                       u"fourteen chars"_s,
-                                       u"fifteen chars.."_s,
-                                       u"\uFFFF"_s,
-                                       u"\u0085"_s,
-                                       QString(300, u'x'),
-                                       QString(300, u'é')};
+        static const QStringList texts =
+            u"a||ü|🔋|\uFEFFa|\uFEFF|date|fourteen chars|fifteen chars..|\uFFFF|\u0085"_s.split(u'|')
+            << QString(300, u'x') << QString(300, u'é');
         return texts.at(upTo(unsigned(texts.size() - 1)));
     }
     QByteArray event()
@@ -124,11 +146,54 @@ private:
 
 } // namespace
 
-class TestRawEvent : public QObject
+class TestEvents : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void arrivesWholeInPiecesOfAnySize()
+    {
+        const QList<QByteArray> events{"a", QByteArray(300, 'b'), QByteArray("\0\0\0\0", 4), "d"};
+        const QByteArray stream = streamOf(events, 4);
+        QCOMPARE(stream.left(11), QByteArray("LWEV1\n\0\0\0\1a", 11));
+        for (qsizetype size = 1; size <= stream.size(); ++size) {
+            const Read read = readInPieces(stream, size);
+            QCOMPARE(read.events, events);
+            QCOMPARE(read.state, State::Complete);
+        }
+        QCOMPARE(readInPieces(streamOf({}, 0), 5).state, State::Complete);
+    }
+
+    void tellsFaults_data()
+    {
+        const Rows<QByteArray, int, State> row;
+        const QByteArray whole = streamOf({"one", "two"}, 2);
+        row("broken off in an event", whole.left(15), 1, State::Reading);
+        row("broken off in the number", whole.chopped(1), 2, State::Reading);
+        row("another greeting", "LWEV2\n", 0, State::Faulty);
+        row("a wrong number", streamOf({"one"}, 2), 1, State::Faulty);
+        row("something after the number", whole + 'x', 2, State::Faulty);
+        row("an event too long", QByteArray("LWEV1\n\1\0\0\1", 10), 0, State::Faulty);
+        row("the longest length, not yet there", QByteArray("LWEV1\n\1\0\0\0", 10), 0, State::Reading);
+    }
+    void tellsFaults()
+    {
+        const auto [stream, events, state] = Rows<QByteArray, int, State>::fetch();
+        for (const qsizetype size : {qsizetype(1), qsizetype(7), stream.size() + 1}) {
+            const Read read = readInPieces(stream, size);
+            QCOMPARE(read.events.size(), events);
+            QCOMPARE(read.state, state);
+        }
+    }
+
+    void refusesEventsOutOfBounds()
+    {
+        QByteArray stream;
+        for (const std::size_t size : {0U, ZELKEventStream::longestEvent + 1U})
+            QVERIFY(!raised([&] { ZELKEventStream::append(stream, std::string(size, 'x')); }).isEmpty());
+        QVERIFY(stream.isEmpty());
+    }
+
     void writesDates_data()
     {
         const Rows<double, QString> row;
@@ -227,5 +292,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TestRawEvent)
-#include "test_raw_event.moc"
+QTEST_GUILESS_MAIN(TestEvents)
+#include "tst_events.moc"
