@@ -7,6 +7,9 @@
 #include "ZELKUnitFile.h"
 
 #include <QDBusArgument>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+#include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -30,32 +33,55 @@ QVariant dictionary(const QString &key, const QVariant &value)
     return QVariant::fromValue(ZELKDictionary{{key, value}});
 }
 
-/// user_manager.py, and what it says.
+/// A user's service manager with one unit. It keeps each call and whether the unit's file is there at that
+/// time; jobs last for three looks.
 class UserManager
 {
 public:
     UserManager(const QString &unitFile, const QString &failing)
+        : m_unitFile(unitFile)
+        , m_failing(failing)
     {
-        m_process.start(u"/usr/bin/python3"_s, {QStringLiteral(USER_MANAGER), unitFile, failing});
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(10000)) {
-        }
-        isReady = m_process.readLine().trimmed() == "ready";
     }
-    ~UserManager()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-    QStringList said()
-    {
-        m_process.waitForReadyRead(0);
-        return QString::fromUtf8(m_process.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
-    }
-
-    bool isReady = false;
+    const QStringList &said() const { return m_said; }
 
 private:
-    QProcess m_process;
+    QDBusMessage answer(const QDBusMessage &call)
+    {
+        const QString method = call.member(), folder = QFileInfo(m_unitFile).path();
+        const bool isThere = QFile::exists(m_unitFile);
+        if (method == "LoadUnit"_L1)
+            return call.createReply(QVariant::fromValue(QDBusObjectPath(u"/unit"_s)));
+        if (method == "GetAll"_L1)
+            return call.createReply(QVariantMap{{u"LoadState"_s, isThere ? u"loaded"_s : u"not-found"_s},
+                                                {u"ActiveState"_s, m_state}});
+        if (call.path() == "/job"_L1)
+            return ++m_looks < 3 ? call.createReply(0) : call.createErrorReply(QDBusError::UnknownObject, {});
+        if (method == "Get"_L1)
+            return call.createReply(QVariant::fromValue(QDBusVariant(QStringList{
+                folder + u".control"_s, u"/run/user/1/systemd/user"_s, folder, u"/etc/systemd/user"_s})));
+        if (!signatures.contains(method + u' ' + call.signature()))
+            return call.createErrorReply(QDBusError::UnknownMethod, {});
+        m_said += QStringList{method, call.arguments().value(0).toStringList().join(u' '),
+                              isThere ? u"with file"_s : u"without file"_s}
+                      .join(u' ');
+        if (method == m_failing)
+            return call.createErrorReply(QDBusError::Failed, u"told to fail"_s);
+        m_looks = 0;
+        if (method.endsWith("Unit"_L1))
+            m_state = method == "StopUnit"_L1     ? u"inactive"_s
+                      : m_failing == "service"_L1 ? u"failed"_s
+                                                  : u"active"_s;
+        return call.createReply(QVariant::fromValue(QDBusObjectPath(u"/job"_s)));
+    }
+
+    const QStringList signatures{u"Reload "_s, u"EnableUnitFiles asbb"_s, u"DisableUnitFiles asb"_s,
+                                 u"StartUnit ss"_s, u"StopUnit ss"_s};
+    QString m_unitFile, m_failing, m_state = u"inactive"_s;
+    QStringList m_said;
+    int m_looks = 0;
+    BusPeer m_peer{QDBusConnection::SessionBus, u"org.freedesktop.systemd1"_s,
+                   [this](const QDBusMessage &call) { return answer(call); }};
 };
 
 } // namespace
@@ -141,25 +167,26 @@ private Q_SLOTS:
 
     void userJobIsSubmittedAndRemovedInOrder_data()
     {
-        const QStringList submitted{u"Reload with file"_s, u"Enable org.test.agent.service with file"_s,
-                                    u"Start org.test.agent.service with file"_s};
-        const QStringList removed{u"Stop org.test.agent.service with file"_s,
-                                  u"Disable org.test.agent.service with file"_s, u"Reload without file"_s};
+        const QStringList submitted{u"Reload  with file"_s,
+                                    u"EnableUnitFiles org.test.agent.service with file"_s,
+                                    u"StartUnit org.test.agent.service with file"_s};
+        const QStringList removed{u"StopUnit org.test.agent.service with file"_s,
+                                  u"DisableUnitFiles org.test.agent.service with file"_s,
+                                  u"Reload  without file"_s};
         const Rows<QString, QStringList, bool, bool> row; // what fails; the calls; submitted; removed
         row("well", "", submitted + removed, true, true);
         row("no reload", "Reload", submitted.mid(0, 1) + removed, false);
-        row("not enabled", "Enable", submitted.mid(0, 2) + removed, false);
-        row("not started", "Start", submitted + removed, false);
+        row("not enabled", "EnableUnitFiles", submitted.mid(0, 2) + removed, false);
+        row("not started", "StartUnit", submitted + removed, false);
         row("ends at once", "service", submitted + removed, false);
-        row("not stopped", "Stop", submitted + removed.mid(0, 1), true, false);
+        row("not stopped", "StopUnit", submitted + removed.mid(0, 1), true, false);
     }
     void userJobIsSubmittedAndRemovedInOrder()
     {
         const auto [failing, calls, isSubmitted, isRemoved] = Rows<QString, QStringList, bool, bool>::fetch();
         QTemporaryDir folder;
         const QString unit = folder.filePath(u"systemd/user/org.test.agent.service"_s);
-        UserManager manager(unit, failing);
-        QVERIFY(manager.isReady);
+        const UserManager manager(unit, failing);
         const QDBusConnection bus = QDBusConnection::sessionBus();
         ZELKSystemdServiceManagement services(
             bus, bus, 5000,
