@@ -26,47 +26,29 @@ private Q_SLOTS:
     void messages_data()
     {
         const Rows<Action, QString> row;
-        row(
-            "open",
-            [](auto &fixture, auto &controller) {
-                fixture.port->fail(Call::Open, SQLITE_CANTOPEN);
-                controller.database();
-            },
-            "Hooked open failed: device failed (14)");
-        row(
-            "close",
-            [](auto &fixture, auto &controller) {
-                controller.database();
-                fixture.port->fail(Call::Close, SQLITE_BUSY);
-                controller.setDatabase(nullptr);
-            },
-            "Hooked close failed: device failed (5)");
-        row(
-            "close with statements",
-            [](auto &, auto &controller) {
+        const auto open = [](HookedController &controller) { controller.database(); };
+        const auto close = [](HookedController &controller) { controller.setDatabase(nullptr); };
+        row("open", act(open, Call::Open), "Hooked open failed: device failed (18)");
+        row("close", act(close, Call::Close), "Hooked close failed: device failed (18)");
+        row("close with statements", act([](auto &controller) {
                 controller.databaseVersion();
                 controller.setDatabase(nullptr);
-            },
+            }),
             "Hooked close failed: unable to close due to unfinalized statements or unfinished backups (5)");
         row("reset", run("All", {}, Call::Reset), "Hooked reset 'All' failed: device failed (18)");
         row("no SQL", run("Nowhere"), "Hooked Missing Info.plist property '(null)'");
         row("bad SQL", run("Broken"), "Hooked prepare failed: near \"SELEC\": syntax error (1)");
         row("empty SQL", run("Empty"), "Hooked prepare failed: not an error (0)");
-        row(
-            "hidden SQL",
-            [](auto &, auto &controller) {
+        row("hidden SQL", act([](auto &controller) {
                 controller.hideSQL = true;
                 controller.executeStatement(u"All"_s, {});
-            },
+            }),
             "Hooked Info.plist missing All");
-        row(
-            "script", [](auto &, auto &controller) { controller.executeStatements(u"Broken"_s); },
+        row("script", act([](auto &controller) { controller.executeStatements(u"Broken"_s); }),
             "Hooked SQL 'SELEC 1' failed: near \"SELEC\": syntax error (1)");
-        row(
-            "no script key", [](auto &, auto &controller) { controller.executeStatements({}); },
+        row("no script key", act([](auto &controller) { controller.executeStatements({}); }),
             "Invalid parameter not satisfying: anInfoPListKey");
-        row(
-            "no setting", [](auto &, auto &controller) { controller.setString(u"x"_s, {}); },
+        row("no setting", act([](auto &controller) { controller.setString(u"x"_s, {}); }),
             "Invalid parameter not satisfying: aSetting");
         row("too few", run("Echo"), "Hooked Statement 'Echo' expects 1 parameters, but got 0 in {}.");
         row("one too many", run("Echo", {{u"@v"_s, u"1"_s}, {u"@w"_s, u"2"_s}}),
@@ -87,7 +69,7 @@ private Q_SLOTS:
         fixture.set("Broken", u"SELEC 1"_s);
         fixture.set("Empty", u""_s);
         const auto controller = fixture.make<HookedController>();
-        QCOMPARE(raised([&, &act = action] { act(fixture, *controller); }), message);
+        QCOMPARE(raised([&, &does = action] { does(fixture, *controller); }), message);
         fixture.port->heal();
         controller->hideSQL = false;
         QCOMPARE(controller->databaseVersion(), u"1.2"_s);
@@ -210,35 +192,6 @@ private Q_SLOTS:
         QCOMPARE(fixture.port->statements(), 0);
     }
 
-    /// Whichever call the device fails at, the controller can go on afterwards and leaves nothing open.
-    void everyCallMayFail_data()
-    {
-        const Rows<int> row;
-        for (const int code : {SQLITE_IOERR, SQLITE_FULL, SQLITE_NOMEM, SQLITE_CORRUPT, SQLITE_BUSY})
-            row(sqlite3_errstr(code), code);
-    }
-    void everyCallMayFail()
-    {
-        const auto [code] = Rows<int>::fetch();
-        const DatabaseFixture healthy;
-        fillTable(*healthy.make());
-        const int calls = healthy.port->count(Call::Any);
-        QVERIFY(calls > 20);
-        for (int nth = 1; nth <= calls; ++nth) {
-            const DatabaseFixture fixture;
-            fixture.port->fail(Call::Any, code, nth);
-            auto controller = fixture.make();
-            raised([&] { fillTable(*controller); });
-            fixture.port->heal();
-            controller->setPreparedStatement({});
-            fillTable(*controller);
-            QCOMPARE(controller->executeStatement(u"All"_s, {})->size(), 3);
-            controller.reset();
-            QCOMPARE(fixture.port->connections(), 0);
-            QCOMPARE(fixture.port->statements(), 0);
-        }
-    }
-
     /// A device of `limit` bytes, by the kernel: every file of the database ends there.
     void aRealDeviceFillsUp()
     {
@@ -271,15 +224,25 @@ private Q_SLOTS:
     }
 
 private:
-    /// Runs a statement, with a call of this kind that fails.
-    static Action run(const char *statement, const ZELKDictionary &parameters = {}, Call failing = Call::Any)
+    /// Does something with an open database, or with none when it is the opening that fails.
+    template <typename Body>
+    static Action act(const Body &body, Call failing = Call::Any)
     {
-        return [=](auto &fixture, auto &controller) {
-            controller.executeStatements(u"Table"_s);
+        return [=](DatabaseFixture &fixture, HookedController &controller) {
+            if (failing != Call::Open)
+                controller.executeStatements(u"Table"_s);
             if (failing != Call::Any)
                 fixture.port->fail(failing, SQLITE_TOOBIG);
-            controller.executeStatement(QString::fromLatin1(statement), parameters);
+            body(controller);
         };
+    }
+    static Action run(const char *statement, const ZELKDictionary &parameters = {}, Call failing = Call::Any)
+    {
+        return act(
+            [=](HookedController &controller) {
+                controller.executeStatement(QString::fromLatin1(statement), parameters);
+            },
+            failing);
     }
 };
 

@@ -8,6 +8,7 @@
 #include <QtEndian>
 #include <QtTest>
 
+#include <clocale>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -221,6 +222,17 @@ private Q_SLOTS:
         const QVariant text = QString(QChar(0xd800)) + u'b';
         QVERIFY(read(ZELKPropertyList::writeBinary(text).bytes).value.toString().endsWith(u'b'));
         QVERIFY(read(ZELKPropertyList::writeXml(text).bytes).value.toString().endsWith(u'b'));
+    }
+
+    /// Shows something where that locale is installed.
+    void hasDecimalPoints()
+    {
+        std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+        const QByteArray xml = ZELKPropertyList::writeXml(1.5).bytes;
+        const QVariant value = read(xml).value;
+        std::setlocale(LC_NUMERIC, "C");
+        QVERIFY(xml.contains("<real>1.5</real>"));
+        QCOMPARE(value, QVariant(1.5));
     }
 
     void isNotSlowForManyKeys()

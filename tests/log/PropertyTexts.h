@@ -30,7 +30,7 @@ public:
         m_oddness = oddness;
         std::string body;
         for (const std::string &name : names)
-            if (!odd() || once(2))
+            if ((!odd() || once(2)) && (name != "Processes" || once(2)))
                 body += space() + key(odd() ? oneOf(names) : name) + space() + value(name);
         const std::string dictionary = body.empty() && once(2) ? "<dict/>" : "<dict>" + body + "\n</dict>";
         return (odd() ? oneOf(oddPrologues) : usualPrologue) + (odd() ? oneOf(oddRoots) : oddRoots[0]) +

@@ -218,14 +218,6 @@ private Q_SLOTS:
             QVERIFY2(!ZELKIsDateText(text), text.c_str());
     }
 
-    void writesProperties()
-    {
-        const ZELKDictionary properties{{u"ü"_s, 1LL}, {u"a"_s, u"<&>"_s}};
-        const auto read = ZELKPropertyList::read(ZELKPropertiesText(properties).toStdString());
-        QCOMPARE(read.value.value<ZELKDictionary>().keys(), properties.keys());
-        QCOMPARE(read.value.value<ZELKDictionary>(), properties);
-    }
-
     void readsEvents_data()
     {
         const Rows<ZELKRawEvent, Kind> row;
@@ -258,17 +250,6 @@ private Q_SLOTS:
         const QByteArray blob = blobOf(event);
         QCOMPARE(reader.read({blob.constData(), std::size_t(blob.size())}), kind);
         QCOMPARE(difference(reader, blob), QString());
-    }
-
-    void readsXmlToo()
-    {
-        const ZELKRawEvent event = ZELKMakeRawEvent(ZELKDate(5), u"e"_s, u"m"_s);
-        const std::string xml = ZELKPropertiesText(event).toStdString();
-        ZELKRawEventReader reader;
-        QCOMPARE(reader.read(xml), Kind::Dictionary);
-        QCOMPARE(reader.dictionary(), event);
-        QCOMPARE(reader.read("rubbish"), Kind::Faulty);
-        QVERIFY(!reader.error().isEmpty());
     }
 
     /// What lies in place stays what the property-list reader makes of it, whatever the bytes.

@@ -212,30 +212,6 @@ private Q_SLOTS:
         QCOMPARE(fixture.store->lastSyncDate(), fixture.clock->now());
     }
 
-    /// Events of any bytes, and streams with any byte changed.
-    void anyBytes()
-    {
-        QRandomGenerator random(11);
-        const QList<QByteArray> good = serialised(history(3));
-        StoreFixture fixture(StoreFixture::sessionBus());
-        for (int round = 0; round < 300; ++round) {
-            const ConsoleLines quiet;
-            QByteArray event = good[1];
-            for (int i = 0; i <= round % 4; ++i)
-                event[random.bounded(event.size())] = char(random.bounded(256));
-            QByteArray stream = streamOf({good[0], event, good[2]});
-            if (round % 3 == 0)
-                stream[random.bounded(stream.size())] = char(random.bounded(256));
-            m_agent->answer = [&](const QDBusMessage &call) { m_agent->give(call, stream); };
-            const bool isComplete = fixture.fetch();
-            QVERIFY(!fixture.store->isFetching());
-            QVERIFY(isComplete || round % 3 == 0);
-            zelkGuard([&] { fixture.store->setLastSyncDate(std::nullopt); });
-        }
-        const QList<QByteArray> cached = fixture.other().cached();
-        QVERIFY(cached.contains(good[0]) && cached.contains(good[2]));
-    }
-
 private:
     static bool isUntouched(const StoreFixture &fixture)
     {
