@@ -319,25 +319,18 @@ private Q_SLOTS:
     {
         ZELKStringPool pool;
         QCOMPARE(pool.find("a"), ZELKStringPool::nil);
-        QCOMPARE(pool.intern("a"sv), 1U);
+        QVERIFY(pool.string(ZELKStringPool::nil).isNull());
+        const std::string texts[] = {"a", "\xc3\xa4", "", std::string(1, '\0'), std::string(9, '\0')};
+        for (int round = 0; round < 2; ++round)
+            for (ZELKStringPool::Id i = 0; i < std::size(texts); ++i) {
+                QCOMPARE(pool.intern(texts[i]), i + 1);
+                QCOMPARE(pool.find(texts[i]), i + 1);
+                QCOMPARE(pool.view(i + 1), std::string_view(texts[i]));
+            }
         QCOMPARE(pool.intern(u"ä"_s), 2U);
-        QCOMPARE(pool.intern("a"sv), 1U);
-        QCOMPARE(pool.find("\xc3\xa4"), 2U);
         QCOMPARE(pool.string(2), u"ä"_s);
-
-        for (const QString &marked : {u"\uFEFF"_s, u"\uFEFFa"_s, u"\uFEFF\uFEFFa\uFEFFä"_s})
-            QCOMPARE(pool.string(pool.intern(marked)), marked);
-
-        const auto empty = pool.intern(std::string_view());
-        QVERIFY(empty != ZELKStringPool::nil);
-        QCOMPARE(pool.intern(QString()), empty);
-        QVERIFY(pool.string(ZELKStringPool::nil).isNull() && !pool.string(empty).isNull());
-
-        const std::string zero(1, '\0');
-        const std::string zeros(9, '\0');
-        QVERIFY(pool.intern(""sv) != pool.intern(zero));
-        QVERIFY(pool.intern(zero) != pool.intern(zeros));
-        QCOMPARE(pool.view(pool.find(zeros)), std::string_view(zeros));
+        QCOMPARE(pool.intern(QString()), 3U);
+        QVERIFY(!pool.string(3).isNull());
     }
 
     void textsStayInPlaceWhileThePoolGrows()

@@ -134,23 +134,6 @@ private Q_SLOTS:
         QCOMPARE(sourceAt(fixture.add(rawEvent(40, u"Plugged"_s, {{source, u"AC Power"_s}}))), u"AC Power"_s);
     }
 
-    void attributesKeepTheirFirstPlace()
-    {
-        LogFixture fixture;
-        ZELKLWCLogEntry *entry = fixture.addReading(0, reading(50));
-        entry->setAttributeValue(1, u"One"_s);
-        entry->setAttributeValue(2, u"Device"_s);
-        QCOMPARE(entry->attributes(), (QStringList{u"Device"_s, u"One"_s}));
-        QCOMPARE(entry->attributeForKey(u"Device"_s), QVariant(2));
-        // Those set before it awakes come first.
-        entry = fixture.log.entryWithDate(ZELKDate(0), ZELKEventPowerStateChanged, u"m"_s,
-                                          reading(5, {{processes, u"p"_s}}));
-        QVERIFY(entry->attributes().isEmpty());
-        entry->setAttributeValue(1, u"Mine"_s);
-        entry->awakeFromLog();
-        QCOMPARE(entry->attributes(), (QStringList{u"Mine"_s, u"Device"_s, u"Processes"_s}));
-    }
-
     void describesItself()
     {
         LogFixture fixture(Texts::English);
@@ -170,17 +153,6 @@ private Q_SLOTS:
             entry->stringValue(),
             u"2001-01-01 01:00:00 +0000\tSystem powering on after 1 hour\tProperties:[Duration:1h], plain, "
             "dictionary:[%@:100%d\t, a:1.5], list:(one, 2, 1, {a = (1)}), empty:()"_s);
-    }
-
-    void changedNamesAreItsOwn()
-    {
-        LogFixture fixture;
-        ZELKLWCLogEntry *entry = fixture.add(plainAt(0));
-        entry->setEvent(u"e"_s);
-        entry->setGroup(u"g"_s);
-        QCOMPARE(entry->event() + entry->group(), u"eg"_s);
-        const ZELKLWCLogEntry *other = fixture.add(plainAt(600)); // of the same event and monitor
-        QCOMPARE(other->event() + other->group(), plainEvent + ZELKMonitorPowerEvents);
     }
 
     void merges_data()
@@ -264,12 +236,7 @@ private Q_SLOTS:
         const QString path = fixture.log.objectSpecifier() + u"/entries/1"_s;
         QCOMPARE(entry->objectSpecifier(), path);
         QCOMPARE(entry->duplicates().at(1)->objectSpecifier(), path + u"/duplicates/1"_s);
-        // A loose entry stands nowhere, whatever it takes for its container.
-        ZELKLWCLogEntry *loose = fixture.log.entryWithDate(ZELKDate(0), u"e"_s, u"m"_s, {});
-        QVERIFY(loose->objectSpecifier().isEmpty());
-        loose->setContainer(&fixture.log);
-        QVERIFY(loose->objectSpecifier().isEmpty() && !loose->visible());
-
+        QVERIFY(fixture.log.entryWithDate(ZELKDate(0), u"e"_s, u"m"_s, {})->objectSpecifier().isEmpty());
         fixture.show(ZELKDate(0), ZELKDate(oneDay - 1));
         QVERIFY(!entry->visible() && !entry->duplicates().at(0)->visible());
         fixture.show(ZELKDate(oneDay), ZELKDate(2 * oneDay - 1));
@@ -298,15 +265,6 @@ private Q_SLOTS:
         QCOMPARE(original->duplicates().size(), 1);
         QCOMPARE(fixture.placeOf(copy), u"elsewhere"_s);
         QCOMPARE(fixture.add(rawEvent(300, sleepEvent))->past(), original);
-    }
-
-    void copiesLookTheirMonitorUpAgain()
-    {
-        LogFixture fixture(Texts::Invented);
-        const ZELKLWCLogEntry *copy = fixture.add(rawEvent(0, idleEvent))->copy();
-        QCOMPARE(copy->monitor(), u"~org.zelk.monitor.watcher.powerevents~"_s);
-        QCOMPARE(copy->group(), copy->monitor()); // made from the localised name, all that an entry knows
-        QCOMPARE(copy->kind(), ZELKEntryKind::IdleSleep);
     }
 };
 

@@ -155,10 +155,6 @@ private Q_SLOTS:
         QCOMPARE(words.join(u' '), u"nil \"Off\" \"On\" nil"_s);
         QCOMPARE(fixture.at(3)->pair(), fixture.at(2));
         QCOMPARE(fixture.at(2)->stringValue(), u"2001-01-01 00:02:00 +0000\tBoot\t"_s);
-        // Those that came in before keep their kind.
-        fixture.log.setEntryClasses({});
-        QCOMPARE(fixture.add(rawEvent(200, u"startup"_s))->kind(), ZELKEntryKind::Plain);
-        QCOMPARE(fixture.at(2)->kind(), ZELKEntryKind::Account);
     }
 
     void classifies_data()

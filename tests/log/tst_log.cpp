@@ -83,19 +83,6 @@ class TestLog : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void nothingIsMadeOfNothing()
-    {
-        LogFixture fixture;
-        QSignalSpy range(&fixture.range, &ZELKLWCDateRangeController::absoluteDurationChanged);
-        QSignalSpy visible(&fixture.log, &ZELKLWCLog::visibleEntriesDidChange);
-        fixture.addAll({});
-        QCOMPARE(fixture.log.finalDate(), ZELKDate::distantPast());
-        QVERIFY(!fixture.log.pastEntry() && !fixture.log.supportsBatteries());
-        QCOMPARE(range.count(), 0);
-        QCOMPARE(visible.count(), 1);
-        QCOMPARE(fixture.range.distantPast(), ZELKDate::distantPast());
-    }
-
     void faultsDropAnEvent()
     {
         ZELKRawEvent odd = withProperties(u"?"_s);

@@ -172,18 +172,6 @@ private Q_SLOTS:
         QVERIFY(!StoreFixture::sessionBus().interface()->isServiceRegistered(storeName));
     }
 
-    void aCommandsStoreFetchesWithoutService()
-    {
-        FakeAgent agent;
-        agent.events = history(5);
-        StoreFixture fixture(StoreFixture::sessionBus());
-        fixture.servesUpdates = false;
-        fixture.renewStore();
-        QVERIFY(fixture.fetch() && fixture.log.count() > 0);
-        QVERIFY(!StoreFixture::sessionBus().interface()->isServiceRegistered(storeName));
-        QCOMPARE(agent.registrations, QStringList());
-    }
-
     void installationsAreFollowed()
     {
         FakeAgent agent;

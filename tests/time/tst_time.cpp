@@ -6,7 +6,6 @@
 #include "ZELKCalendar.h"
 #include "ZELKClock.h"
 #include "ZELKFormat.h"
-#include "ZELKValue.h"
 
 #include <QSignalSpy>
 #include <QtTest>
@@ -47,21 +46,6 @@ private Q_SLOTS:
         QCOMPARE(spelt.join(u", "_s),
                  u"59ss, 0ss, 1m, 2hs 1m, 1h 0ms 5ss, 1d 5ss, 1d 1h, 2ds 3hs 4ms 1s, "
                  "-1hs 0ms -5ss, -1ds, 0ss, 579025220ds 15hs 30ms 7ss, -579025220ds -15hs -30ms -8ss"_s);
-    }
-
-    void movesOneEndOfAPeriod()
-    {
-        const LocalTime local("UTC");
-        ZELKLWCAbsoluteDuration period(ZELKDate(1000.0), 500.0);
-        period.setStartDate(ZELKDate(1400.0));
-        QCOMPARE(period, ZELKLWCAbsoluteDuration(ZELKDate(1400.0), 100.0));
-        period.setEndDate(ZELKDate(1300.0));
-        for (int i = 0; i < 2; ++i) {
-            period.sortByDate();
-            QCOMPARE(period, ZELKLWCAbsoluteDuration(ZELKDate(1300.0), 100.0));
-        }
-        QCOMPARE(ZELKValue::description(period.toVariant()),
-                 u"2001-01-01 00:21:40 +0000 - 2001-01-01 00:23:20 +0000"_s);
     }
 
     void comparesAndContainsExactly()
