@@ -67,6 +67,11 @@ struct AgentBed : ApplicationFixture
     {
         return ZELKEnvironment::current().mainBundle->infoDictionary().string(u"CFBundleVersion"_s);
     }
+    void letUserJobAnswer(const QString &itsVersion)
+    {
+        services->jobs[1].insert(agentName());
+        letServiceAnswer(true, itsVersion);
+    }
     void letServiceAnswer(bool answers, const QString &itsVersion = version())
     {
         lookup->serviceName = answers ? agentName() + u"._service"_s : QString();
