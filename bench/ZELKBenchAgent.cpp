@@ -7,11 +7,10 @@
 #include "ZELKLWAEventStore.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QFileInfo>
 
+#include <algorithm>
 #include <ctime>
 
 #include <sqlite3.h>
@@ -27,6 +26,7 @@ QString agentFolder()
            QStringLiteral("/agents/org.zelk.lullwatch.agent.app");
 }
 
+/// Makes the records of an agent that has been at work for long.
 void fill(const QString &file, int count)
 {
     ZELKLWAEventStore store(file, std::make_shared<ZELKBundle>(agentFolder()),
@@ -35,12 +35,10 @@ void fill(const QString &file, int count)
     constexpr int piece = 5000;
     for (int made = 0; made < count; made += piece) {
         std::vector<ZELKLWAEvent> events;
-        for (int i = 0; i < piece && made + i < count; ++i) {
-            const ZELKRawEvent raw = generator.next();
+        for (const ZELKRawEvent &raw : generator.next(std::min(piece, count - made)))
             events.push_back({ZELKDate(raw.string(ZELKEventKeyDate).toDouble()),
                               raw.string(ZELKEventKeyDescription), raw.string(ZELKEventKeyMonitor),
                               raw.string(ZELKEventKeyProperties)});
-        }
         store.record(events);
     }
     store.settle();
@@ -48,24 +46,13 @@ void fill(const QString &file, int count)
     store.setDatabase(nullptr);
 }
 
-/// The records of an agent that has been at work for long; made once.
-QString agentRecords(int count)
-{
-    const QString file = QDir(ZELKBench::dataFolder()).filePath(QStringLiteral("agent-%1.db").arg(count));
-    if (!QFileInfo::exists(file)) {
-        const QString partial = file + QStringLiteral(".partial");
-        QFile::remove(partial);
-        fill(partial, count);
-        QFile::rename(partial, file);
-    }
-    return file;
-}
-
 } // namespace
 
 ZELKBenchAgent::ZELKBenchAgent(int events)
 {
-    QFile::copy(agentRecords(events), path("agent.db"));
+    const QString records = ZELKBench::madeOnce(QStringLiteral("agent-%1.db").arg(events),
+                                                [events](const QString &file) { fill(file, events); });
+    QFile::copy(records, path("agent.db"));
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_process.start(agentFolder() + QStringLiteral("/lullwatch-agent"),
                     {QStringLiteral("--database"), path("agent.db"), QStringLiteral("--wtmp"), path("wtmp"),

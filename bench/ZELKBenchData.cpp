@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cstring>
 #include <ctime>
 #include <fstream>
@@ -30,12 +31,8 @@ void fill(const QString &file, int count)
     ZELKLWCStore store(ZELKBench::world(file));
     ZELKEventGenerator generator;
     constexpr int piece = 10000;
-    for (int made = 0; made < count; made += piece) {
-        QList<ZELKRawEvent> events;
-        for (int i = 0; i < piece && made + i < count; ++i)
-            events.append(generator.next());
-        store.cacheEvents(events);
-    }
+    for (int made = 0; made < count; made += piece)
+        store.cacheEvents(generator.next(std::min(piece, count - made)));
     store.applicationWillTerminate();
 }
 
@@ -74,17 +71,22 @@ ZELKLWCStore::World ZELKBench::world(const QString &databaseFile)
             QDBusConnection(QStringLiteral("none")), databaseFile};
 }
 
-QString ZELKBench::cacheWithEvents(int count)
+QString ZELKBench::madeOnce(const QString &name, const std::function<void(const QString &file)> &fill)
 {
-    const QString file =
-        QDir(ZELKBench::dataFolder()).filePath(QStringLiteral("events-%1.lullwatch-events").arg(count));
+    const QString file = QDir(dataFolder()).filePath(name);
     if (!QFileInfo::exists(file)) {
         const QString partial = file + QStringLiteral(".partial");
         QFile::remove(partial);
-        fill(partial, count);
+        fill(partial);
         QFile::rename(partial, file);
     }
     return file;
+}
+
+QString ZELKBench::cacheWithEvents(int count)
+{
+    return madeOnce(QStringLiteral("events-%1.lullwatch-events").arg(count),
+                    [count](const QString &file) { fill(file, count); });
 }
 
 double ZELKBench::cpuSeconds()

@@ -10,6 +10,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <memory>
 
 /// What the benchmarks share: caches with generated events, a store without an agent over them, and measures.
@@ -32,6 +33,9 @@ ZELKLWCStore::World world(const QString &databaseFile);
 
 /// Where generated data are kept: $ZELK_BENCH_DATA, else in the temporary folder.
 QString dataFolder();
+
+/// Path of a file in that folder, which `fill` makes when it is not there yet.
+QString madeOnce(const QString &name, const std::function<void(const QString &file)> &fill);
 
 /// Path of a cache with that many events, made when it is not there yet.
 QString cacheWithEvents(int count);

@@ -9,11 +9,6 @@ namespace {
 
 constexpr double meanSecondsBetween = 150.0;
 
-QString propertiesText(const ZELKDictionary &properties)
-{
-    return ZELKPropertiesText(properties);
-}
-
 } // namespace
 
 ZELKEventGenerator::ZELKEventGenerator()
@@ -40,6 +35,14 @@ ZELKRawEvent ZELKEventGenerator::next()
     if (kind < 980)
         return sleepEvent();
     return accountingEvent();
+}
+
+QList<ZELKRawEvent> ZELKEventGenerator::next(int count)
+{
+    QList<ZELKRawEvent> events;
+    for (int i = 0; i < count; ++i)
+        events.append(next());
+    return events;
 }
 
 ZELKDictionary ZELKEventGenerator::readingOf(Source &source)
@@ -74,7 +77,7 @@ ZELKRawEvent ZELKEventGenerator::powerEvent()
     if (source.percent == 100 || source.percent <= 4)
         source.charging = source.percent <= 4;
     return ZELKMakeRawEvent(advance(), ZELKEventPowerStateChanged, ZELKMonitorPowerSource,
-                            propertiesText(readingOf(source)));
+                            ZELKPropertiesText(readingOf(source)));
 }
 
 ZELKRawEvent ZELKEventGenerator::idleEvent(bool vetoed)
@@ -87,7 +90,7 @@ ZELKRawEvent ZELKEventGenerator::idleEvent(bool vetoed)
         properties.insert(ZELKPropertyProcesses, processes);
     }
     return ZELKMakeRawEvent(advance(), vetoed ? ZELKEventSystemWillNotSleep : ZELKEventCanSystemSleep,
-                            ZELKMonitorPowerEvents, propertiesText(properties));
+                            ZELKMonitorPowerEvents, ZELKPropertiesText(properties));
 }
 
 ZELKRawEvent ZELKEventGenerator::sleepEvent()

@@ -16,6 +16,7 @@ public:
 
     /// Each event is a little later than the one before.
     ZELKRawEvent next();
+    QList<ZELKRawEvent> next(int count);
     /// Goes on from this date.
     void moveTo(ZELKDate date) { m_time = date.timeIntervalSinceReferenceDate(); }
 

@@ -2,8 +2,6 @@
 // memory.
 #include "ZELKBenchData.h"
 
-#include <QCoreApplication>
-
 #include <benchmark/benchmark.h>
 
 namespace {
@@ -46,11 +44,3 @@ BENCHMARK(load)->Arg(1000000)->Iterations(5)->UseManualTime()->Unit(benchmark::k
 BENCHMARK(load)->Arg(100000)->Iterations(20)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    const ZELKEnvironmentScope scope(ZELKBench::environment());
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-}

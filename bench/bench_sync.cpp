@@ -7,7 +7,6 @@
 
 #include "ZELKAgentController.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTemporaryDir>
@@ -103,11 +102,3 @@ void synchronise(benchmark::State &state)
 BENCHMARK(synchronise)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    const ZELKEnvironmentScope scope(ZELKBench::environment());
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-}

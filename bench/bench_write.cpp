@@ -3,9 +3,7 @@
 #include "ZELKBenchData.h"
 #include "ZELKEventGenerator.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -15,14 +13,6 @@ namespace {
 constexpr int fetched = 10000;
 constexpr int single = 500;
 
-QList<ZELKRawEvent> eventsFrom(ZELKEventGenerator &generator, int count)
-{
-    QList<ZELKRawEvent> events;
-    for (int i = 0; i < count; ++i)
-        events.append(generator.next());
-    return events;
-}
-
 void write(benchmark::State &state)
 {
     const QTemporaryDir folder(QDir::current().filePath(QStringLiteral("bench-write-XXXXXX")));
@@ -31,12 +21,12 @@ void write(benchmark::State &state)
     double together = 0.0;
     double apart = 0.0;
     for ([[maybe_unused]] const auto &step : state) {
-        const QList<ZELKRawEvent> alone = eventsFrom(generator, single);
+        const QList<ZELKRawEvent> alone = generator.next(single);
         const double start = ZELKBench::wallSeconds();
         for (const ZELKRawEvent &event : alone)
             store.cacheEvent(event);
         const double middle = ZELKBench::wallSeconds();
-        const QList<ZELKRawEvent> batch = eventsFrom(generator, fetched);
+        const QList<ZELKRawEvent> batch = generator.next(fetched);
         const double batchStart = ZELKBench::wallSeconds();
         store.cacheEvents(batch);
         const double end = ZELKBench::wallSeconds();
@@ -55,11 +45,3 @@ void write(benchmark::State &state)
 BENCHMARK(write)->Iterations(5)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    const ZELKEnvironmentScope scope(ZELKBench::environment());
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-}
