@@ -83,6 +83,23 @@ ZELKAttributedString ZELKAttributedString::substring(qsizetype position, qsizety
     return part;
 }
 
+ZELKAttributedString ZELKAttributedString::scaled(double factor) const
+{
+    ZELKAttributedString result = *this;
+    result.changeAttributes([factor](ZELKTextAttributes &attributes) {
+        attributes.pointSize *= factor;
+        ZELKParagraphStyle &style = attributes.paragraph;
+        for (double *length : {&style.firstLineIndent, &style.leftIndent, &style.rightIndent,
+                               &style.spacingBefore, &style.spacingAfter})
+            *length *= factor;
+        if (style.lineSpacingKind != ZELKParagraphStyle::LineSpacing::Multiple)
+            style.lineSpacing *= factor;
+        for (ZELKTabStop &stop : style.tabStops)
+            stop.position *= factor;
+    });
+    return result;
+}
+
 std::size_t ZELKAttributedString::splitAt(qsizetype position)
 {
     std::size_t number = 0;

@@ -40,6 +40,8 @@ public:
     /// of the one before the place, or else of the one behind it.
     void replaceCharacters(qsizetype position, qsizetype length, const QString &text);
     ZELKAttributedString substring(qsizetype position, qsizetype length) const;
+    /// With all sizes and lengths so many times as large; those that the platform decides stay its own.
+    ZELKAttributedString scaled(double factor) const;
 
     /// Applies `change` to the attributes of every run in the range.
     template <typename Change>

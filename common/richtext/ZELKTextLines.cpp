@@ -11,8 +11,8 @@
 
 namespace {
 
-/// More than any line of a table shows, and little enough to lay out at once.
-constexpr qsizetype longestLine = 1000;
+using ZELKTextLines::longestLine;
+
 constexpr int mostLines = 16;
 constexpr QChar ellipsis(0x2026);
 

@@ -16,6 +16,10 @@ class QPainter;
 /// look alike.
 namespace ZELKTextLines {
 
+/// UTF-16 units of a paragraph that are looked at: more than any line of a table shows, and little enough to
+/// lay out at once.
+constexpr qsizetype longestLine = 1000;
+
 /// Between the top and the bottom of `bounds`, and within it; the pen's colour is set to the text's.
 void draw(QPainter &painter, const QRectF &bounds, const ZELKAttributedString &text,
           const ZELKTextColours &colours);
