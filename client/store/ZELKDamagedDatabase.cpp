@@ -16,6 +16,7 @@
 namespace {
 
 // SQLite's primary result codes.
+constexpr int sqliteRow = 100;
 constexpr int sqliteCorrupt = 11;
 constexpr int sqliteNotADatabase = 26;
 constexpr int sqliteError = 1; // of a statement without a fault: the header names a format that there is not
@@ -84,6 +85,25 @@ bool ZELKDamagedDatabase::isDamaged(ZELKSQLitePort &port, const QString &path)
     }
     port.close(probe);
     return isToldBy(code) || code == sqliteError;
+}
+
+bool ZELKDamagedDatabase::isOthers(ZELKSQLitePort &port, const QString &path)
+{
+    sqlite3 *probe = nullptr;
+    sqlite3_stmt *statement = nullptr;
+    bool others = false;
+    // A cache whose making was cut short may have its settings and nothing else yet.
+    if (port.open(QFile::encodeName(path).constData(), &probe) == 0 &&
+        port.prepare(probe,
+                     "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name <> 'settings' "
+                     "AND NOT EXISTS (SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = 'events' "
+                     "AND sql LIKE '%date%properties%')",
+                     &statement) == 0)
+        others = port.step(statement) == sqliteRow;
+    if (statement)
+        port.finalize(statement);
+    port.close(probe);
+    return others;
 }
 
 void ZELKDamagedDatabase::setAside(const QString &path)

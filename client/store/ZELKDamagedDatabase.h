@@ -15,6 +15,8 @@ bool wasCache(const QString &path);
 /// The file is no database or its schema cannot be read. A file that merely cannot be opened, or is locked,
 /// is not damaged.
 bool isDamaged(ZELKSQLitePort &port, const QString &path);
+/// The file is a sound database with tables, but none of them is a cache's: another program keeps it.
+bool isOthers(ZELKSQLitePort &port, const QString &path);
 /// Renames the closed file and its companions to a free name beside it, with one console line. Nothing is
 /// deleted.
 void setAside(const QString &path);

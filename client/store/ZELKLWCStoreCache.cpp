@@ -5,7 +5,7 @@
 #include "ZELKDamagedDatabase.h"
 #include "ZELKDatabaseTransaction.h"
 #include "ZELKEventVocabulary.h"
-#include "ZELKPropertyList.h"
+#include "ZELKRawEventWriter.h"
 #include "ZELKValue.h"
 
 #include <QDir>
@@ -94,8 +94,13 @@ QUrl ZELKLWCStoreCache::databaseURL()
 void ZELKLWCStoreCache::databaseWillOpen(const QString &path)
 {
     m_openedPath = path;
-    if (QFileInfo(path).size() == 0 || !ZELKDamagedDatabase::isDamaged(*m_sqlite, path))
+    if (QFileInfo(path).size() == 0)
         return;
+    if (!ZELKDamagedDatabase::isDamaged(*m_sqlite, path)) {
+        if (ZELKDamagedDatabase::isOthers(*m_sqlite, path))
+            fail(ZELKFormat("%@ is a database of another program.", {path}));
+        return;
+    }
     if (!ZELKDamagedDatabase::wasCache(path))
         fail(ZELKFormat("%@ is no database.", {path}));
     if (!m_setsAside)
@@ -125,7 +130,7 @@ void ZELKLWCStoreCache::recover(bool raised)
 
 ZELKLWCStoreCache::CacheRow ZELKLWCStoreCache::serialised(const ZELKRawEvent &event) const
 {
-    const ZELKPropertyList::Written written = ZELKPropertyList::writeBinary(QVariant::fromValue(event));
+    const ZELKPropertyList::Written written = ZELKSerialisedRawEvent(event);
     if (!written.error.isEmpty() || written.bytes.isEmpty())
         fail(ZELKFormat("%@ serialization of '%@' failed %@.",
                         {className(), QVariant::fromValue(event),

@@ -1,10 +1,13 @@
 #include "ZELKStringPool.h"
 
+#include <QStringDecoder>
+
 #include <algorithm>
 #include <cstring>
 
 namespace {
 
+constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
 constexpr std::size_t firstSlots = 1024;
 constexpr std::size_t ordinaryBlock = std::size_t(1) << 16;
 
@@ -61,7 +64,13 @@ ZELKStringPool::Id ZELKStringPool::find(std::string_view utf8) const
 
 QString ZELKStringPool::string(Id id) const
 {
-    return id == nil ? QString() : QString::fromUtf8(m_texts[id].data(), qsizetype(m_texts[id].size()));
+    if (id == nil)
+        return {};
+    const QByteArrayView utf8(m_texts[id].data(), qsizetype(m_texts[id].size()));
+    if (!utf8.startsWith(byteOrderMark))
+        return QString::fromUtf8(utf8);
+    // Qt takes it for the mark of a file, and drops it; here it is a part of the text.
+    return QStringDecoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom).decode(utf8);
 }
 
 std::size_t ZELKStringPool::slotOf(std::string_view utf8, std::size_t hash) const

@@ -31,7 +31,7 @@ public:
     Id find(std::string_view utf8) const;
     /// The text of a number; empty for nil.
     std::string_view view(Id id) const { return m_texts[id]; }
-    /// A null string for nil.
+    /// The text unchanged, a byte-order mark at its beginning included; a null string for nil.
     QString string(Id id) const;
     /// How many numbers are given out, nil not counted.
     std::size_t size() const { return m_texts.size() - 1; }
