@@ -47,6 +47,13 @@ struct AgentFixture
         return {
             system, workspace, services, {u"--database=x"_s}, system, {path(u"data"_s), path(u"config"_s)}};
     }
+    /// The controller, once everything around it is as it shall be.
+    ZELKAgentController &create()
+    {
+        controller.emplace(ports());
+        presented.emplace(&*controller, &ZELKAgentController::errorPresented);
+        return *controller;
+    }
     static void expectLine(const QString &line) { QTest::ignoreMessage(QtInfoMsg, qPrintable(line)); }
 
     QTemporaryDir folder;
@@ -60,4 +67,6 @@ struct AgentFixture
     std::shared_ptr<FakeSystem> system = std::make_shared<FakeSystem>();
     std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
     std::shared_ptr<FakeAgentLookup> lookup; ///< else the system knows whether there is a service
+    std::optional<ZELKAgentController> controller;
+    std::optional<QSignalSpy> presented; ///< its errors
 };

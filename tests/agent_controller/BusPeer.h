@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QMap>
 #include <QSemaphore>
 #include <QThread>
 
@@ -44,6 +46,19 @@ public:
                 return QDBusMessage();
             return words == "number"_L1 ? call.createReply(7) : call.createReply();
         };
+    }
+
+    /// polkit's reply to a proper question.
+    static QDBusMessage verdict(const QDBusMessage &question, bool isAuthorized, bool isChallenge = false,
+                                const QString &detail = {})
+    {
+        if (question.signature() != "(sa{sv})sa{ss}us"_L1)
+            return question.createErrorReply(QDBusError::InvalidSignature, question.signature());
+        QDBusArgument answer; // (bba{ss})
+        answer.beginStructure();
+        answer << isAuthorized << isChallenge << QMap<QString, QString>{{detail, u"true"_s}};
+        answer.endStructure();
+        return question.createReply(QVariant::fromValue(answer));
     }
 
 private:

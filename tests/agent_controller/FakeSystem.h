@@ -11,6 +11,9 @@ const QString agentName = u"org.test.agent"_s;
 class FakeSystem final : public ZELKServiceManagement, public ZELKAuthorizationService, public ZELKAgentLookup
 {
 public:
+    using Problem = std::optional<ZELKAgentError>;
+    using Proof = ZELKAuthorization;
+
     QStringList calls;
     QString failing;
     QString version = u"1.0"_s;
@@ -25,26 +28,22 @@ public:
         return label == agentName && (domain == ZELKServiceDomain::System ? systemJob : userJob);
     }
     bool isAvailable(ZELKServiceDomain) const override { return hasManager; }
-    std::optional<ZELKAgentError> submitJob(const ZELKDictionary &job, ZELKServiceDomain,
-                                            const ZELKAuthorization &) override
+    Problem submitJob(const ZELKDictionary &job, ZELKServiceDomain, const Proof &) override
     {
         if (!hasManager)
             return unavailable();
         ticket = job;
         return done(u"submit"_s, userJob, true);
     }
-    std::optional<ZELKAgentError> removeJob(const QString &, ZELKServiceDomain domain,
-                                            const ZELKAuthorization &) override
+    Problem removeJob(const QString &, ZELKServiceDomain domain, const Proof &) override
     {
         return done(u"remove"_s, domain == ZELKServiceDomain::System ? systemJob : userJob, false);
     }
-    std::optional<ZELKAgentError> purgeJob(const QString &, ZELKServiceDomain,
-                                           const ZELKAuthorization &) override
+    Problem purgeJob(const QString &, ZELKServiceDomain, const Proof &) override
     {
         return done(u"purge"_s, systemJob, false);
     }
-    std::optional<ZELKAgentError> blessJob(const QString &, ZELKServiceDomain,
-                                           const ZELKAuthorization &) override
+    Problem blessJob(const QString &, ZELKServiceDomain, const Proof &) override
     {
         return hasManager ? done(u"bless"_s, systemJob, true) : unavailable();
     }
@@ -54,14 +53,13 @@ public:
         return fails(u"authorization"_s) ? ZELKAuthorization()
                                          : ZELKAuthorization(ZELKAuthorizationForm{1, 2, 3, "nonce"});
     }
-    std::optional<ZELKAgentError> obtainRight(const ZELKAuthorization &, const QString &right,
-                                              unsigned flags) override
+    Problem obtainRight(const Proof &, const QString &right, unsigned flags) override
     {
         if (fails(u"right %1 %2"_s.arg(right).arg(flags)))
             return error(u"right"_s);
         return std::nullopt;
     }
-    QByteArray externalForm(const ZELKAuthorization &authorization, int *status) override
+    QByteArray externalForm(const Proof &authorization, int *status) override
     {
         *status = 5;
         return fails(u"form"_s) ? QByteArray() : authorization.form().encode();
@@ -102,7 +100,7 @@ private:
         return !failing.isEmpty() && call.startsWith(failing);
     }
     static ZELKAgentError error(const QString &call) { return {u"Fake"_s, 1, call + u" failed"_s}; }
-    std::optional<ZELKAgentError> done(const QString &call, bool &job, bool state)
+    Problem done(const QString &call, bool &job, bool state)
     {
         if (fails(call))
             return error(call);

@@ -25,8 +25,7 @@ struct OfferFixture : AgentFixture
     {
         system->userJob = !version.isEmpty();
         system->version = version;
-        controller.emplace(ports());
-        controller->setAlerts(&sheets);
+        create().setAlerts(&sheets);
     }
     qsizetype probe()
     {
@@ -36,7 +35,6 @@ struct OfferFixture : AgentFixture
     }
 
     Sheets sheets;
-    std::optional<ZELKAgentController> controller;
 };
 
 } // namespace
@@ -87,13 +85,12 @@ private Q_SLOTS:
         const auto [returnCode, tag, state, failing] = Rows<int, int, int, QString>::fetch();
         OfferFixture world;
         world.system->failing = failing;
-        const QSignalSpy presented(&*world.controller, &ZELKAgentController::errorPresented);
         const QString fault = raised(
             [&, code = returnCode, place = tag] { world.controller->installAlertDidEnd(code, place); });
         const bool isFault = returnCode == 1000 && tag != 1 && tag != 2;
         QCOMPARE(fault, isFault ? u"ZELKAgentController unknown location tag: %1"_s.arg(tag) : QString());
         QCOMPARE(world.controller->state(), state);
-        QCOMPARE(presented.count(), failing.isEmpty() ? 0 : 1);
+        QCOMPARE(world.presented->count(), failing.isEmpty() ? 0 : 1);
     }
 
     void textsAreFormatsForTheApplicationsName()
@@ -102,7 +99,7 @@ private Q_SLOTS:
         ZELKEnvironment environment = ZELKEnvironment::current();
         environment.mainBundle = std::make_shared<ZELKBundle>(qEnvironmentVariable("ZELK_MAIN_BUNDLE"));
         const ZELKEnvironmentScope scope(environment);
-        ZELKAgentController controller(world.ports());
+        ZELKAgentController &controller = world.create();
         controller.setAlerts(&world.sheets);
         controller.showInstallAlert();
         controller.applicationDidFinishLaunching();
@@ -191,10 +188,9 @@ private Q_SLOTS:
     {
         OfferFixture world(u"0"_s);
         world.system->failing = u"remove"_s;
-        const QSignalSpy presented(&*world.controller, &ZELKAgentController::errorPresented);
         world.controller->updateAgent();
         QVERIFY(!world.system->calls.contains(u"submit"_s));
-        QCOMPARE(presented.count(), 1);
+        QCOMPARE(world.presented->count(), 1);
         QVERIFY(!world.controller->isStateChangeExpected());
     }
 };

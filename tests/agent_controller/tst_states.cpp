@@ -5,7 +5,13 @@ namespace {
 /// A world in which the service's answers are the test's.
 struct ServiceFixture : AgentFixture
 {
-    ServiceFixture() { lookup = std::make_shared<FakeAgentLookup>(); }
+    explicit ServiceFixture(bool runs = false)
+    {
+        lookup = std::make_shared<FakeAgentLookup>();
+        if (runs)
+            agentRuns();
+        create();
+    }
     void agentAnswers(const QString &version = u"1.0"_s)
     {
         lookup->serviceName = agentName + u"._service"_s;
@@ -48,7 +54,7 @@ private Q_SLOTS:
         world.workspace->instances[agentName] = instances;
         if (answers)
             world.agentAnswers();
-        const ZELKAgentController controller(world.ports());
+        const ZELKAgentController &controller = world.create();
         QCOMPARE(controller.state(), state);
         QCOMPARE(controller.installed(), state != 1);
         QCOMPARE(controller.enabled(), state != 6);
@@ -59,16 +65,14 @@ private Q_SLOTS:
 
     void changesAreSignalledOnce()
     {
-        ServiceFixture world;
-        world.agentRuns();
-        ZELKAgentController controller(world.ports());
-        const QSignalSpy state(&controller, &ZELKAgentController::stateChanged);
-        const QSignalSpy installed(&controller, &ZELKAgentController::installedChanged);
-        const QSignalSpy enabled(&controller, &ZELKAgentController::enabledChanged);
-        const QSignalSpy version(&controller, &ZELKAgentController::agentVersionChanged);
-        const QSignalSpy canUpdate(&controller, &ZELKAgentController::canUpdateChanged);
+        ServiceFixture world(true);
+        const QSignalSpy state(&*world.controller, &ZELKAgentController::stateChanged);
+        const QSignalSpy installed(&*world.controller, &ZELKAgentController::installedChanged);
+        const QSignalSpy enabled(&*world.controller, &ZELKAgentController::enabledChanged);
+        const QSignalSpy version(&*world.controller, &ZELKAgentController::agentVersionChanged);
+        const QSignalSpy canUpdate(&*world.controller, &ZELKAgentController::canUpdateChanged);
         const auto countsOfUpdate = [&] {
-            controller.updateState();
+            world.controller->updateState();
             return QList{state.count(), installed.count(), enabled.count(), version.count(),
                          canUpdate.count()};
         };
@@ -99,7 +103,7 @@ private Q_SLOTS:
         world.lookup->version = answer;
         if (!answer)
             world.expectLine(u"No agent version available"_s);
-        ZELKAgentController controller(world.ports());
+        ZELKAgentController &controller = world.create();
         QCOMPARE(controller.state(), 4);
         QCOMPARE(controller.canUpdate(), canUpdate);
         world.lookup->version.reset(); // the last one outlives a call that fails
@@ -114,7 +118,7 @@ private Q_SLOTS:
         ServiceFixture world;
         const ZELKDictionary first{{u"a"_s, 1}, {u"b"_s, 2}};
         const ZELKDictionary both{{u"a"_s, 1}, {u"b"_s, 3}};
-        ZELKAgentController controller(world.ports());
+        ZELKAgentController &controller = world.create();
         controller.setDefaultsWithDictionary(first);
         controller.setDefaultsWithDictionary({{u"b"_s, 3}});
         controller.updateState();
@@ -166,18 +170,17 @@ private Q_SLOTS:
     void startWatchesUntilTheAgentAnswers()
     {
         ServiceFixture world;
-        ZELKAgentController controller(world.ports());
-        QVERIFY(!controller.startWithState(ZELKAgentController::SessionApplication));
+        QVERIFY(!world.controller->startWithState(ZELKAgentController::SessionApplication));
         QCOMPARE(world.workspace->registered.size(), 1);
         QCOMPARE(world.workspace->launches, QStringList{agentName});
         QCOMPARE(world.workspace->lastArguments, QStringList{u"--database=x"_s});
-        QCOMPARE(controller.state(), 6); // it runs and has no service yet
-        QVERIFY(controller.isStateChangeExpected());
+        QCOMPARE(world.controller->state(), 6); // it runs and has no service yet
+        QVERIFY(world.controller->isStateChangeExpected());
 
         world.agentAnswers();
-        QTRY_COMPARE(controller.state(), 4);
-        QVERIFY(!controller.isStateChangeExpected());
-        QCOMPARE(controller.agentVersion(), u"1.0"_s);
+        QTRY_COMPARE(world.controller->state(), 4);
+        QVERIFY(!world.controller->isStateChangeExpected());
+        QCOMPARE(world.controller->agentVersion(), u"1.0"_s);
     }
 
     void startFallsBackToThePlaceOrHandsItsErrorBack()
@@ -185,15 +188,14 @@ private Q_SLOTS:
         ServiceFixture world;
         world.workspace->launchesByIdentifier = false;
         world.workspace->registrationStatus = 2;
-        ZELKAgentController controller(world.ports());
-        const QSignalSpy presented(&controller, &ZELKAgentController::errorPresented);
+        ZELKAgentController &controller = world.create();
         const QString place = world.folder.filePath(u"agents/org.test.agent.app"_s);
         const QString line = u"Helper agent URL registration failed: 2 with URL: file://"_s + place;
         const ZELKAgentError error(u"ZELKWorkspace"_s, 13, u"not started"_s);
         world.workspace->launchError = error;
         world.expectLine(line);
         QVERIFY(controller.startWithState(ZELKAgentController::SessionApplication) == error);
-        QCOMPARE(presented.count(), 0);
+        QCOMPARE(world.presented->count(), 0);
         QVERIFY(!controller.isStateChangeExpected());
         QCOMPARE(controller.state(), 1);
 
@@ -214,98 +216,88 @@ private Q_SLOTS:
     void failedStopIsPresented()
     {
         const auto [instances, refuses, code] = Rows<int, bool, int>::fetch();
-        ServiceFixture world;
-        world.agentRuns();
-        ZELKAgentController controller(world.ports());
-        const QSignalSpy presented(&controller, &ZELKAgentController::errorPresented);
+        ServiceFixture world(true);
         world.workspace->instances[agentName] = instances;
         world.workspace->refusesToTerminate = refuses;
 
-        const auto error = controller.stop();
+        const auto error = world.controller->stop();
         QVERIFY(error);
         QCOMPARE(error->domain(), u"ZELKAgentController"_s);
         QCOMPARE(error->code(), code);
         QCOMPARE(error->localisedDescription(), u"ZELKAgentController.error.%1"_s.arg(code));
-        QCOMPARE(presented.count(), 1);
-        QVERIFY(presented.first().first().value<ZELKAgentError>() == *error);
+        QCOMPARE(world.presented->count(), 1);
+        QVERIFY(world.presented->first().first().value<ZELKAgentError>() == *error);
         QCOMPARE(world.workspace->terminations, 0);
-        QVERIFY(!controller.isStateChangeExpected());
-        QVERIFY(controller.agentVersion().isNull());
+        QVERIFY(!world.controller->isStateChangeExpected());
+        QVERIFY(world.controller->agentVersion().isNull());
     }
 
     void stopWatchesUntilNothingIsLeft()
     {
-        ServiceFixture world;
-        world.agentRuns();
-        ZELKAgentController controller(world.ports());
+        ServiceFixture world(true);
         world.workspace->terminatesLate = true;
-        QVERIFY(!controller.stop());
+        QVERIFY(!world.controller->stop());
         QCOMPARE(world.workspace->terminations, 1);
-        QVERIFY(controller.agentVersion().isNull());
-        QTRY_VERIFY(!controller.agentVersion().isNull()); // it still answers
-        QCOMPARE(controller.state(), 4);
+        QVERIFY(world.controller->agentVersion().isNull());
+        QTRY_VERIFY(!world.controller->agentVersion().isNull()); // it still answers
+        QCOMPARE(world.controller->state(), 4);
 
         world.workspace->instances.clear(); // the bus has not noticed yet
-        QTRY_COMPARE(controller.state(), 6);
-        QVERIFY(controller.isStateChangeExpected());
+        QTRY_COMPARE(world.controller->state(), 6);
+        QVERIFY(world.controller->isStateChangeExpected());
         world.lookup->serviceName.clear();
-        QTRY_COMPARE(controller.state(), 1);
-        QVERIFY(!controller.isStateChangeExpected());
-        QVERIFY(controller.agentVersion().isNull());
+        QTRY_COMPARE(world.controller->state(), 1);
+        QVERIFY(!world.controller->isStateChangeExpected());
+        QVERIFY(world.controller->agentVersion().isNull());
     }
 
     /// Starting in a form that cannot be started, stopping what is not there to be stopped.
     void whatCannotBeDoneIsALine()
     {
         ServiceFixture world;
-        ZELKAgentController controller(world.ports());
-        const QSignalSpy presented(&controller, &ZELKAgentController::errorPresented);
         for (const int form : {1, 5, 6, -1}) {
             world.expectLine(u"ZELKAgentController can not start agent: ZELKAgentController.state.1"_s);
-            QVERIFY(!controller.startWithState(form));
+            QVERIFY(!world.controller->startWithState(form));
         }
         QVERIFY(world.workspace->launches.isEmpty());
         for (const int instances : {0, 1}) {
             world.workspace->instances[agentName] = instances;
-            controller.updateState();
+            world.controller->updateState();
             world.expectLine(u"ZELKAgentController can not stop agent: ZELKAgentController.state.%1"_s.arg(
                 instances ? 6 : 1));
-            QVERIFY(!controller.stop());
+            QVERIFY(!world.controller->stop());
         }
-        QCOMPARE(presented.count() + world.workspace->terminations, 0);
-        QVERIFY(!controller.isStateChangeExpected());
+        QCOMPARE(world.presented->count() + world.workspace->terminations, 0);
+        QVERIFY(!world.controller->isStateChangeExpected());
     }
 
     void slowServiceIsAskedOnceAtATime()
     {
         ServiceFixture world;
-        ZELKAgentController controller(world.ports());
         world.agentRuns();
         world.lookup->isSlow = true;
-        controller.expectStateChange();
+        world.controller->expectStateChange();
         for (int look = 0; look < 3; ++look)
-            controller.checkForStateChange();
+            world.controller->checkForStateChange();
         QCOMPARE(world.lookup->questions, 1);
-        QCOMPARE(controller.state(), 1);
+        QCOMPARE(world.controller->state(), 1);
         world.lookup->answerQuestions();
-        QCOMPARE(controller.state(), 4);
-        QVERIFY(!controller.isStateChangeExpected());
-        controller.checkForStateChange(); // no change is expected any more
+        QCOMPARE(world.controller->state(), 4);
+        QVERIFY(!world.controller->isStateChangeExpected());
+        world.controller->checkForStateChange(); // no change is expected any more
         QCOMPARE(world.lookup->questions, 1);
     }
 
     void stopForgetsTheQuestionUnderWay()
     {
-        ServiceFixture world;
-        world.agentRuns();
-        ZELKAgentController controller(world.ports());
+        ServiceFixture world(true);
         world.lookup->isSlow = true;
         world.workspace->terminatesLate = true;
-        controller.stop();
+        world.controller->stop();
         world.lookup->answerQuestions();
-        QVERIFY(controller.agentVersion().isNull());
-        QVERIFY(controller.isStateChangeExpected());
-        controller.checkForStateChange();
+        QVERIFY(world.controller->agentVersion().isNull());
+        QVERIFY(world.controller->isStateChangeExpected());
+        world.controller->checkForStateChange();
         QCOMPARE(world.lookup->questions, 3);
     }
 };

@@ -6,7 +6,6 @@
 #include "ZELKSystemdServiceManagement.h"
 #include "ZELKUnitFile.h"
 
-#include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QFileInfo>
@@ -229,12 +228,8 @@ private Q_SLOTS:
             Rows<QString, bool, QString, int, QString>::fetch();
         const BusPeer polkit(QDBusConnection::SystemBus, u"org.freedesktop.PolicyKit1"_s,
                              [failure, challenge, detail](const QDBusMessage &question) {
-                                 QDBusArgument verdict; // (bba{ss}), never authorized
-                                 verdict.beginStructure();
-                                 verdict << false << challenge << QMap<QString, QString>{{detail, u"true"_s}};
-                                 verdict.endStructure();
                                  return failure.isEmpty()
-                                            ? question.createReply(QVariant::fromValue(verdict))
+                                            ? BusPeer::verdict(question, false, challenge, detail)
                                             : question.createErrorReply(
                                                   u"org.freedesktop.PolicyKit1.Error.Failed"_s, failure);
                              });

@@ -1,16 +1,13 @@
+#include "BusPeer.h"
 #include "Files.h"
 #include "Rows.h"
 #include "ZELKAgentRemoval.h"
 #include "ZELKAuthorizationCheck.h"
 #include "ZELKPolkit.h"
 
-#include <QDBusContext>
 #include <QDBusPendingCallWatcher>
 #include <QDBusReply>
-#include <QDBusServiceWatcher>
 #include <QDir>
-#include <QProcess>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -20,43 +17,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// polkit as the mock plays it: it allows what it is told to.
-class Polkit
-{
-public:
-    explicit Polkit(const QDBusConnection &bus)
-        : m_bus(bus)
-    {
-        QDBusServiceWatcher watcher(name, m_bus);
-        const QSignalSpy arrived(&watcher, &QDBusServiceWatcher::serviceRegistered);
-        m_process.start(u"/usr/bin/python3"_s,
-                        {u"-m"_s, u"dbusmock"_s, u"--system"_s, u"--template"_s, u"polkitd"_s});
-        isThere = QTest::qWaitFor([&] { return !arrived.isEmpty(); }, 10000);
-    }
-    ~Polkit()
-    {
-        m_process.kill();
-        m_process.waitForFinished();
-    }
-    void allow(const QStringList &actions) { tell(u"SetAllowed"_s, actions); }
-    void hang() { tell(u"SimulateHang"_s, true); }
-
-    bool isThere = false;
-
-private:
-    void tell(const QString &method, const QVariant &argument)
-    {
-        QDBusMessage call = QDBusMessage::createMethodCall(name, u"/org/freedesktop/PolicyKit1/Authority"_s,
-                                                           u"org.freedesktop.DBus.Mock"_s, method);
-        call << argument;
-        m_bus.call(call);
-    }
-
-    static constexpr QLatin1String name{"org.freedesktop.PolicyKit1"};
-    QDBusConnection m_bus;
-    QProcess m_process;
-};
-
 constexpr uint somebodyElse = 12345;
 
 ZELKAuthorizationForm ownForm()
@@ -65,22 +25,18 @@ ZELKAuthorizationForm ownForm()
 }
 
 /// The removal as a service has it.
-class Service : public QObject, protected QDBusContext
+class Service : public QDBusVirtualObject
 {
-    Q_OBJECT
-
 public:
     explicit Service(ZELKAgentRemoval &removal)
         : m_removal(removal)
     {
     }
-
-public Q_SLOTS:
-    bool removeAgentFiles(const QByteArray &form)
+    QString introspect(const QString &) const override { return {}; }
+    bool handleMessage(const QDBusMessage &call, const QDBusConnection &) override
     {
-        setDelayedReply(true);
-        m_removal.removeAgentFiles(form, message());
-        return false;
+        m_removal.removeAgentFiles(call.arguments().constFirst().toByteArray(), call);
+        return true;
     }
 
 private:
@@ -140,15 +96,20 @@ private Q_SLOTS:
         ZELKAuthorizationCheck check(bus, {500, u"/proc"_s, somebodyElse});
         const auto answer = [&] { return ask(check, ownForm(), bus.baseService()); };
         QVERIFY(answer().startsWith("polkit does not answer: "_L1));
-        Polkit polkit(bus);
-        QVERIFY(polkit.isThere);
-        polkit.allow({ZELKPolkit::blessAction()});
+        QString allowed = ZELKPolkit::blessAction();
+        const BusPeer polkit(QDBusConnection::SystemBus, u"org.freedesktop.PolicyKit1"_s,
+                             [&allowed](const QDBusMessage &question) {
+                                 return allowed.isEmpty()
+                                            ? QDBusMessage()
+                                            : BusPeer::verdict(question,
+                                                               question.arguments().value(1) == allowed);
+                             });
         QCOMPARE(answer(), u"polkit refuses org.zelk.lullwatch.modify"_s);
-        polkit.allow({ZELKPolkit::modifyAction()});
+        allowed = ZELKPolkit::modifyAction();
         const ZELKAuthorizationForm form = ownForm();
         QCOMPARE(ask(check, form, bus.baseService()), QString());
         QCOMPARE(ask(check, form, bus.baseService()), u"the form was used before"_s);
-        polkit.hang();
+        allowed.clear(); // it hangs
         QVERIFY(answer().startsWith("polkit does not answer: "_L1));
     }
 
@@ -204,7 +165,7 @@ private Q_SLOTS:
         ZELKAgentRemoval removal(bus, place);
         QDBusConnection caller = QDBusConnection::connectToBus(QDBusConnection::SystemBus, u"caller"_s);
         Service service(removal);
-        QVERIFY(bus.registerObject(u"/removal"_s, &service, QDBusConnection::ExportAllSlots));
+        QVERIFY(bus.registerVirtualObject(u"/removal"_s, &service));
         QDBusMessage call = QDBusMessage::createMethodCall(bus.baseService(), u"/removal"_s, QString(),
                                                            u"removeAgentFiles"_s);
         const auto request = [&](const QByteArray &form) {
@@ -231,7 +192,7 @@ private Q_SLOTS:
         ZELKAgentRemoval inVain(bus, place, nullptr, 50);
         Service other(inVain);
         bus.unregisterObject(u"/removal"_s);
-        QVERIFY(bus.registerObject(u"/removal"_s, &other, QDBusConnection::ExportAllSlots));
+        QVERIFY(bus.registerVirtualObject(u"/removal"_s, &other));
         const auto late = request(ownForm().encode());
         QTRY_VERIFY_WITH_TIMEOUT(late->isFinished(), 2000);
         QCOMPARE(QDBusReply<bool>(late->reply()).value(), false);

@@ -26,7 +26,7 @@ struct World
                    const QString &executable = ZELKInstalledAgent::programName())
         : place(folder.filePath(u"root"_s))
         , installer(place, [this](const QStringList &command, QString *complaint) {
-            commands.append(command.join(u' '));
+            commands.append(command.join(u' ').remove(u"org.zelk.lullwatch."_s));
             *complaint = u"no"_s;
             return failing.isEmpty() || !commands.last().contains(failing) ? 0 : status;
         })
@@ -40,6 +40,14 @@ struct World
         writeFile(source, "installer");
     }
 
+    /// Has the command of that kind fail, else the copy.
+    void fail(const QString &command)
+    {
+        failing = command;
+        commands.clear();
+        if (command.isEmpty() && !QFile::link(u"/bin/true"_s, bundle + u"/link"_s))
+            qFatal("no link");
+    }
     std::optional<QString> install() { return installer.install(bundle, source); }
     /// What stands below the root, but for folders of the system's own.
     QStringList files() const
@@ -52,6 +60,7 @@ struct World
             if (!entry.fileInfo().isDir() || entry.filePath().startsWith(place.home()))
                 found.append(entry.filePath());
         }
+        found.sort();
         return found;
     }
 
@@ -72,16 +81,11 @@ mode_t modeOf(const QString &path)
     return ::lstat(qPrintable(path), &status) == 0 ? status.st_mode & 07777 : 0;
 }
 
-const QString restartPath = u"systemctl restart org.zelk.lullwatch.agent-removal.path"_s;
-const QString restartAgent = u"systemctl restart org.zelk.lullwatch.agent.service"_s;
-const QString stopPath = u"systemctl stop org.zelk.lullwatch.agent-removal.path"_s;
-const QString stopAgent = u"systemctl stop org.zelk.lullwatch.agent.service"_s;
+const QString restartAgent = u"systemctl restart agent.service"_s,
+              stopAgent = u"systemctl stop agent.service"_s;
+const QString reloadUnits = u"systemctl daemon-reload"_s, forget = u"systemctl reset-failed agent.service"_s;
 const QString reloadBus =
     u"busctl call org.freedesktop.DBus /org/freedesktop/DBus org.freedesktop.DBus ReloadConfig"_s;
-const QString reloadUnits = u"systemctl daemon-reload"_s;
-const QString forget = u"systemctl reset-failed org.zelk.lullwatch.agent.service"_s;
-const QString makeUser =
-    u"systemd-sysusers --inline u _lullwatch - \"Lullwatch recording agent\" /var/lib/lullwatch"_s;
 
 } // namespace
 
@@ -94,8 +98,11 @@ private Q_SLOTS:
     {
         World world;
         QVERIFY(!world.install());
-        QCOMPARE(world.commands,
-                 (QStringList{makeUser, reloadBus, reloadUnits, forget, restartPath, restartAgent}));
+        QCOMPARE(
+            world.commands,
+            (QStringList{
+                u"systemd-sysusers --inline u _lullwatch - \"Lullwatch recording agent\" /var/lib/lullwatch"_s,
+                reloadBus, reloadUnits, forget, u"systemctl restart agent-removal.path"_s, restartAgent}));
         const ZELKInstalledAgent &place = world.place;
         QCOMPARE(readFile(place.bundle() + u"/deeper/text"_s), "text");
         QCOMPARE(modeOf(place.program()), mode_t(0755)); // not what would make it somebody else
@@ -117,7 +124,8 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(place.bundle()) && !QFile::exists(place.unit()));
         QVERIFY(QFile::exists(place.policy()) && QFile::exists(place.installer()));
         QVERIFY(!world.installer.remove());
-        QCOMPARE(world.commands, (QStringList{stopAgent, stopPath, reloadBus, reloadUnits, forget}));
+        QCOMPARE(world.commands, (QStringList{stopAgent, u"systemctl stop agent-removal.path"_s, reloadBus,
+                                              reloadUnits, forget}));
         QCOMPARE(world.files(), QStringList());
     }
 
@@ -170,52 +178,35 @@ private Q_SLOTS:
         QVERIFY(!world.installer.remove());
     }
 
-    void failedInstallationLeavesNothing_data()
-    {
-        const Rows<QString> row;
-        row("user", "sysusers");
-        row("bus", "busctl");
-        row("start", "restart org.zelk.lullwatch.agent.service");
-    }
-    void failedInstallationLeavesNothing()
-    {
-        const auto [failing] = Rows<QString>::fetch();
-        World world;
-        world.failing = failing;
-        QVERIFY(world.install());
-        QCOMPARE(world.files(), QStringList());
-    }
-
-    void failedReplacementBringsTheEarlierAgentBack_data()
+    void failedInstallationLeavesWhatWasThere_data()
     {
         const Rows<QString> row;
         row("copy", "");
         row("user", "sysusers");
         row("bus", "busctl");
-        row("start", "restart org.zelk.lullwatch.agent.service");
+        row("start", "restart agent.service");
     }
-    void failedReplacementBringsTheEarlierAgentBack()
+    void failedInstallationLeavesWhatWasThere()
     {
         const auto [failing] = Rows<QString>::fetch();
+        World fresh;
+        fresh.fail(failing);
+        QVERIFY(fresh.install());
+        QCOMPARE(fresh.files(), QStringList());
+
         World world;
         QVERIFY(!world.install());
-        QStringList files = world.files();
+        const QStringList files = world.files();
         const QByteArray unit = readFile(world.place.unit()) + "# of a version before\n";
         writeFile(world.place.unit(), unit);
         writeFile(world.program, "new program");
-        if (failing.isEmpty())
-            QVERIFY(QFile::link(u"/bin/true"_s, world.bundle + u"/link"_s));
-        world.failing = failing;
-        world.commands.clear();
+        world.fail(failing);
         QVERIFY(world.install());
         QCOMPARE(readFile(world.place.program()), "program");
         QCOMPARE(modeOf(world.place.program()), mode_t(0755));
         QCOMPARE(modeOf(world.place.installer()), mode_t(0755));
         QCOMPARE(readFile(world.place.unit()), unit);
-        QStringList found = world.files();
-        files.sort();
-        found.sort();
-        QCOMPARE(found, files);
+        QCOMPARE(world.files(), files);
         QVERIFY(!world.commands.contains(stopAgent));
         if (failing != "busctl"_L1) // without it nothing is started, neither the one nor the other
             QCOMPARE(world.commands.last(), restartAgent);
@@ -250,37 +241,23 @@ private Q_SLOTS:
 
     void whatIsNotTheAgentIsRefused_data()
     {
-        const Rows<QString, QString> row;
-        row("another bundle", "org.zelk.other");
-        row("another program", "", "other");
-        row("lines for the unit", "", "lullwatch-agent --system\nUser=root");
-        row("no program", "", "missing");
-        row("a link as bundle", "", "bundle");
-        row("a link as program", "", "link");
-        row("a link in the bundle", "", "deeper/link");
-        row("a pipe in the bundle", "", "pipe");
+        const QString agent = ZELKInstalledAgent::label(), program = ZELKInstalledAgent::programName();
+        const QString lines = program + u" --system\nUser=root"_s;
+        const Rows<QString, QString, QString> row; // identifier, program, what somebody did in the bundle
+        row("another bundle", "org.zelk.other", program, "");
+        row("another program", agent, "other", "cp -p lullwatch-agent other");
+        row("lines for the unit", agent, lines, u"cp -p lullwatch-agent '%1'"_s.arg(lines));
+        row("no program", agent, program, "rm lullwatch-agent");
+        row("a link as bundle", agent, program, "mv $PWD $PWD.2; ln -s $PWD.2 $PWD");
+        row("a link as program", agent, program, "ln -sf /bin/true lullwatch-agent");
+        row("a link in the bundle", agent, program, "ln -s /bin/true deeper/link");
+        row("a pipe in the bundle", agent, program, "mkfifo -m 600 pipe");
     }
     void whatIsNotTheAgentIsRefused()
     {
-        const auto [identifier, fault] = Rows<QString, QString>::fetch();
-        const bool isOther = fault == "other"_L1 || fault.contains(u'\n');
-        World world(identifier.isEmpty() ? ZELKInstalledAgent::label() : identifier,
-                    isOther ? fault : ZELKInstalledAgent::programName());
-        if (isOther) {
-            writeFile(world.bundle + u'/' + fault, "x");
-            ::chmod(qPrintable(world.bundle + u'/' + fault), 0755);
-        }
-        if (fault == "bundle"_L1) {
-            QVERIFY(QFile::rename(world.bundle, world.bundle + u"2"_s));
-            QVERIFY(QFile::link(world.bundle + u"2"_s, world.bundle));
-        }
-        if (fault == "missing"_L1 || fault == "link"_L1)
-            QVERIFY(QFile::remove(world.program));
-        if (fault.endsWith("link"_L1))
-            QVERIFY(QFile::link(u"/bin/true"_s,
-                                fault == "link"_L1 ? world.program : world.bundle + u'/' + fault));
-        if (fault == "pipe"_L1)
-            QCOMPARE(::mkfifo(qPrintable(world.bundle + u"/pipe"_s), 0600), 0);
+        const auto [identifier, program, command] = Rows<QString, QString, QString>::fetch();
+        World world(identifier, program);
+        QCOMPARE(QProcess::execute(u"/bin/sh"_s, {u"-c"_s, u"cd '%1'; %2"_s.arg(world.bundle, command)}), 0);
         QVERIFY(world.install());
         QCOMPARE(world.files(), QStringList());
     }
