@@ -24,9 +24,10 @@ ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const Buses
     , m_announcer(m_bus)
     , m_service(version(), m_store, m_announcer)
     , m_controlService(version(), m_defaults, m_bus, options.forAllUsers)
+    , m_sleep(options.database + QStringLiteral("-sleep"), machine.suspendClock, machine.kernel.bootID)
     , m_watchers(
           buses.system, options, m_settings, m_defaults,
-          [this](const std::vector<ZELKLWAEvent> &events) { m_store.record(events); }, machine)
+          [this](const std::vector<ZELKLWAEvent> &events) { record(events); }, machine)
     , m_pastPlaces(options.past())
 {
     connect(&m_store, &ZELKLWAEventStore::settled, &m_announcer, [this] {
@@ -57,9 +58,10 @@ bool ZELKLWAAgent::start()
     if (!serve() || !takeNames())
         return false;
     m_phase = Phase::Recording;
-    recordStart();
+    m_sleep.recall();
+    const ZELKDate start = recordStart();
     m_watchers.start();
-    readPast();
+    readPast(start);
     return true;
 }
 
@@ -99,28 +101,42 @@ bool ZELKLWAAgent::takeNames()
 }
 
 /// An agent that died left no word of it; its successor records the end, so that the gap is told of.
-void ZELKLWAAgent::recordStart()
+ZELKDate ZELKLWAAgent::recordStart()
 {
     if (const auto end = m_store.unrecordedEnd())
         recordOwn(ZELKEventStoppingMonitor, *end);
-    recordOwn(ZELKEventStartingMonitor, ZELKEnvironment::current().clock->now());
+    const ZELKDate start = ZELKEnvironment::current().clock->now();
+    recordOwn(ZELKEventStartingMonitor, start);
+    return start;
 }
 
-void ZELKLWAAgent::readPast()
+/// A sleep is kept in mind before anything can happen to its record.
+void ZELKLWAAgent::record(const std::vector<ZELKLWAEvent> &events)
 {
-    const auto until = m_store.unreadPast();
-    if (!until)
-        return;
+    m_sleep.note(events);
+    m_store.record(events);
+}
+
+void ZELKLWAAgent::readPast(ZELKDate start)
+{
     m_past = std::make_unique<ZELKLWABackfill>(
-        m_pastPlaces, *until, [this](const std::vector<ZELKLWAEvent> &events) { m_store.record(events); });
-    connect(m_past.get(), &ZELKLWABackfill::finished, this, [this](bool complete) {
-        zelkGuard([&] {
-            if (complete)
-                m_store.pastWasRead();
-            m_past.release()->deleteLater();
-        });
+        m_pastPlaces, m_store.unreadPast(start),
+        [this](const std::vector<ZELKLWAEvent> &events) { m_store.record(events); });
+    m_past->setSleepFilter([this](const std::vector<ZELKLWAEvent> &sleeps) {
+        return m_sleep.ended(m_store.unlikeRecorded(sleeps));
     });
+    connect(m_past.get(), &ZELKLWABackfill::finished, this,
+            [this, start](bool complete) { zelkGuard([&] { pastWasRead(start, complete); }); });
+    ZELKSettingsPowerSourceNames names(m_settings);
+    m_past->setNames(&names);
     m_past->start();
+}
+
+void ZELKLWAAgent::pastWasRead(ZELKDate start, bool complete)
+{
+    m_store.pastWasRead(start, complete);
+    m_sleep.endWasRecorded();
+    m_past.release()->deleteLater();
 }
 
 void ZELKLWAAgent::recordOwn(QLatin1String event, ZELKDate date)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZELKInterruptedSleep.h"
 #include "ZELKLWABackfill.h"
 #include "ZELKLWAControlService.h"
 #include "ZELKLWAEventStore.h"
@@ -18,8 +19,8 @@
 #include <memory>
 
 /// The agent: records what its watchers see, and serves it on a bus under the bundle's identifier. "Starting
-/// monitor" and "Stopping monitor" frame the time in which it does. When its records begin, it also reads
-/// what the system kept of the time before.
+/// monitor" and "Stopping monitor" frame the time in which it does. It also reads what the system kept of
+/// the time before its records began, and of the sleeps while no agent was there.
 class ZELKLWAAgent : public QObject
 {
     Q_OBJECT
@@ -63,8 +64,10 @@ private:
     bool takeNames();
     QString version() const;
     void recordOwn(QLatin1String event, ZELKDate date);
-    void recordStart();
-    void readPast();
+    ZELKDate recordStart();
+    void record(const std::vector<ZELKLWAEvent> &events);
+    void readPast(ZELKDate start);
+    void pastWasRead(ZELKDate start, bool complete);
     void stopRecording();
     void finish();
 
@@ -77,6 +80,7 @@ private:
     ZELKLWAUpdateAnnouncer m_announcer;
     ZELKLWAService m_service;
     ZELKLWAControlService m_controlService;
+    ZELKInterruptedSleep m_sleep;
     ZELKLWAWatchers m_watchers;
     ZELKLWABackfillPlaces m_pastPlaces;
     std::unique_ptr<ZELKLWABackfill> m_past;

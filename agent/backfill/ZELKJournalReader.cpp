@@ -136,14 +136,35 @@ struct Pass
     std::size_t entries = 0;
 };
 
-Pass readFile(const QString &path, int (*seek)(sd_journal *), int (*step)(sd_journal *))
+/// Which way a file is read, and from where.
+struct Way
+{
+    int (*step)(sd_journal *);
+    std::uint64_t since; ///< microseconds since 1970; 0 for all
+    bool isForward;
+
+    int seek(sd_journal *journal) const
+    {
+        if (!isForward)
+            return sd_journal_seek_tail(journal);
+        return since > 0 ? sd_journal_seek_realtime_usec(journal, since) : sd_journal_seek_head(journal);
+    }
+    /// Backwards, past what is wanted.
+    bool isThrough(sd_journal *journal) const
+    {
+        std::uint64_t time = 0;
+        return !isForward && since > 0 && sd_journal_get_realtime_usec(journal, &time) >= 0 && time < since;
+    }
+};
+
+Pass readFile(const QString &path, const Way &way)
 {
     Pass pass;
     const Journal journal = opened(path, pass.result);
     if (pass.result >= 0)
-        pass.result = seek(journal.get());
+        pass.result = way.seek(journal.get());
     bool sound = true;
-    while (pass.result >= 0 && (pass.result = step(journal.get())) > 0) {
+    while (pass.result >= 0 && (pass.result = way.step(journal.get())) > 0 && !way.isThrough(journal.get())) {
         ++pass.entries;
         sound = writeEntry(journal.get()) && sound;
     }
@@ -153,16 +174,17 @@ Pass readFile(const QString &path, int (*seek)(sd_journal *), int (*step)(sd_jou
 }
 
 /// libsystemd lets go of a file at the first damage and calls that its end. So the file is read from both
-/// ends: what lies behind the damage is found, and that there is one; a mark told twice counts once.
-int readFile(const QString &path)
+/// ends: what lies behind the damage is found, and that there is one; a mark told twice counts once. Of a
+/// part of the file the two ends tell different numbers wherever the clock was set, which is no damage.
+int readFile(const QString &path, std::uint64_t since)
 {
-    const Pass forth = readFile(path, sd_journal_seek_head, sd_journal_next);
+    const Pass forth = readFile(path, {sd_journal_next, since, true});
     if (forth.result < 0 && forth.entries == 0)
         return forth.result;
-    const Pass back = readFile(path, sd_journal_seek_tail, sd_journal_previous);
+    const Pass back = readFile(path, {sd_journal_previous, since, false});
     if (forth.result < 0 || back.result < 0)
         return std::min(forth.result, back.result);
-    return forth.entries == back.entries ? 0 : -EBADMSG;
+    return since > 0 || forth.entries == back.entries ? 0 : -EBADMSG;
 }
 
 void becomeHarmless()
@@ -174,11 +196,15 @@ void becomeHarmless()
 
 } // namespace
 
-int ZELKJournalReader::run(const QStringList &paths)
+int ZELKJournalReader::run(const QStringList &arguments)
 {
     becomeHarmless();
-    for (const QString &path : paths)
-        if (const int result = readFile(path); result < 0)
+    const QLatin1String sinceBegins(sinceOption);
+    std::uint64_t since = 0;
+    for (const QString &argument : arguments)
+        if (argument.startsWith(sinceBegins))
+            since = argument.mid(sinceBegins.size()).toULongLong();
+        else if (const int result = readFile(argument, since); result < 0)
             std::printf("fault %s\n", std::strerror(-result));
     return std::fflush(stdout) == 0 ? 0 : 1;
 }

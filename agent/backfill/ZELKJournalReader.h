@@ -10,11 +10,14 @@
 /// line "fault REASON" after what could be read.
 namespace ZELKJournalReader {
 
-/// The hidden option of the agent's program that calls run() with the paths that follow it.
+/// The hidden option of the agent's program that calls run() with what follows it: paths, and before them
+/// perhaps sinceOption.
 inline constexpr const char *option = "--read-journal";
+/// With microseconds since 1970 after it: what is dated before need not be read.
+inline constexpr const char *sinceOption = "--since=";
 
 /// What a program started with the option is to do, and its exit status. It runs at a low priority, ends with
 /// its parent, and leaves no core behind.
-int run(const QStringList &paths);
+int run(const QStringList &arguments);
 
 } // namespace ZELKJournalReader

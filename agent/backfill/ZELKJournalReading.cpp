@@ -14,6 +14,11 @@ namespace {
 
 constexpr qint64 longestLine = 200;
 
+double secondsOf(ZELKDate date)
+{
+    return date.timeIntervalSinceReferenceDate() + ZELKDate::secondsFrom1970;
+}
+
 QStringList filesIn(const QString &folder)
 {
     QStringList found;
@@ -62,18 +67,29 @@ QStringList ZELKJournalReading::files(const QStringList &paths)
 {
     QStringList found;
     for (const QString &path : paths)
-        found += QFileInfo(path).isDir() ? filesIn(path) : QStringList{path};
+        found += QFileInfo(path).isDir() && QFileInfo(path).isReadable() ? filesIn(path) : QStringList{path};
     found.removeDuplicates();
     return found;
 }
 
-void ZELKJournalReading::start(const QStringList &files)
+void ZELKJournalReading::start(const QStringList &files, std::optional<ZELKDate> since)
 {
     m_files.clear();
     m_marks.clear();
+    m_options = QStringList(QString::fromLatin1(ZELKJournalReader::option));
+    if (since)
+        m_options.append(QLatin1String(ZELKJournalReader::sinceOption) +
+                         QString::number(qint64(secondsOf(*since) * 1e6)));
     QStringList forbidden;
-    for (const QString &file : files)
-        (QFileInfo::exists(file) && !QFileInfo(file).isReadable() ? forbidden : m_files).append(file);
+    for (const QString &path : files) {
+        const QFileInfo file(path);
+        if (file.exists() && !file.isReadable())
+            forbidden.append(path);
+        else if (!since || !file.exists() || file.lastModified() >= since->toDateTime(QTimeZone::utc()))
+            m_files.append(path);
+    }
+    // Rights are given for all files together; a single one that has others is not waited for.
+    m_mayRead = forbidden.isEmpty() || forbidden.size() < files.size();
     if (!forbidden.isEmpty())
         ZELKConsole::log(ZELKFormat("%lu files of the journal may not be read by this user, %@ the first.",
                                     {forbidden.size(), forbidden.constFirst()}));
@@ -92,13 +108,13 @@ void ZELKJournalReading::stop()
 void ZELKJournalReading::readNext()
 {
     if (m_files.isEmpty()) {
-        finish(true);
+        finish(m_mayRead);
         return;
     }
     m_file = m_files.takeFirst();
     m_fault.clear();
     m_limit.start();
-    m_reader.start(m_program, {QString::fromLatin1(ZELKJournalReader::option), m_file}, QIODevice::ReadOnly);
+    m_reader.start(m_program, m_options + QStringList(m_file), QIODevice::ReadOnly);
 }
 
 void ZELKJournalReading::takeLines()

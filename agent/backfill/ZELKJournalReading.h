@@ -1,10 +1,12 @@
 #pragma once
 
+#include "ZELKDate.h"
 #include "ZELKSleepHistory.h"
 
 #include <QProcess>
 #include <QTimer>
 
+#include <optional>
 #include <vector>
 
 /// Has the files of a journal read, one after the other, each by a process of its own (ZELKJournalReader),
@@ -23,17 +25,18 @@ public:
     ~ZELKJournalReading() override;
 
     /// A file itself; of a folder the journal files in it and in its folders, by name. What only users wrote
-    /// is left out.
+    /// is left out. A folder that may not be looked into stands for its files.
     static QStringList files(const QStringList &paths);
 
-    /// May be followed by another start() once it has finished.
-    void start(const QStringList &files);
+    /// May be followed by another start() once it has finished. What is dated before `since` need not be
+    /// told; files that were last written before are left out.
+    void start(const QStringList &files, std::optional<ZELKDate> since = std::nullopt);
     /// Ends at once, without a signal.
     void stop();
     void setLimit(int milliseconds) { m_limit.setInterval(milliseconds); }
 
 Q_SIGNALS:
-    /// Not `complete` when no reader could be started.
+    /// Not `complete` when no reader could be started, or the user may read none of the files.
     void finished(const std::vector<ZELKSleepMark> &marks, bool complete);
 
 private:
@@ -49,6 +52,8 @@ private:
     QProcess m_reader;
     QTimer m_limit;
     QStringList m_files;
+    QStringList m_options;
+    bool m_mayRead = true;
     QString m_file;
     QString m_fault;
     std::vector<ZELKSleepMark> m_marks;

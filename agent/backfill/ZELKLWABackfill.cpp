@@ -14,6 +14,12 @@ namespace {
 
 constexpr ZELKDate earliest = ZELKDate::fromSecondsSince1970(631152000.0); // 1990-01-01 UTC
 
+bool isIn(ZELKDate date, const ZELKLWAPeriods &times)
+{
+    return std::any_of(times.begin(), times.end(),
+                       [date](const ZELKLWAPeriod &period) { return period.holds(date); });
+}
+
 QString firstLine(const QString &path)
 {
     constexpr qint64 longest = 64;
@@ -68,34 +74,63 @@ ZELKLWABackfillPlaces ZELKLWABackfillPlaces::ofSystem(const QString &root)
     return places;
 }
 
-ZELKLWABackfill::ZELKLWABackfill(ZELKLWABackfillPlaces places, ZELKDate until, ZELKLWAEventSink sink,
+ZELKLWABackfill::ZELKLWABackfill(ZELKLWABackfillPlaces places, ZELKLWAUnread unread, ZELKLWAEventSink sink,
                                  const QString &program, QObject *parent)
     : QObject(parent)
     , m_places(std::move(places))
-    , m_until(std::min(until, ZELKEnvironment::current().clock->now()))
+    , m_unread(std::move(unread))
     , m_sink(std::move(sink))
     , m_journals(program.isEmpty() ? QCoreApplication::applicationFilePath() : program)
 {
+    const ZELKDate present = ZELKEnvironment::current().clock->now();
+    for (ZELKLWAPeriods *times : {&m_unread.sleeps, &m_unread.charges, &m_unread.accounting})
+        for (ZELKLWAPeriod &period : *times)
+            period = {std::max(period.begin, earliest), std::min(period.end, present)};
     m_soon.setSingleShot(true);
     m_soon.setInterval(0);
     connect(&m_soon, &QTimer::timeout, this, [this] { zelkGuard([&] { step(); }); });
     connect(&m_journals, &ZELKJournalReading::finished, this,
             [this](const std::vector<ZELKSleepMark> &marks, bool complete) {
-                zelkGuard([&] {
-                    m_readsJournals = false;
-                    m_complete = m_complete && complete;
-                    take(ZELKSleepHistory::events(marks));
-                    continueSoon();
-                });
+                zelkGuard([&] { takeSleeps(marks, complete); });
             });
+}
+
+ZELKLWABackfill::ZELKLWABackfill(ZELKLWABackfillPlaces places, ZELKDate until, ZELKLWAEventSink sink,
+                                 const QString &program, QObject *parent)
+    : ZELKLWABackfill(std::move(places), ZELKLWAUnread::before(until), std::move(sink), program, parent)
+{
 }
 
 void ZELKLWABackfill::start()
 {
     m_running = true;
     addSources();
+    readJournals();
+    continueSoon();
+}
+
+/// From a day before: what an entry is dated may be some time before the journal took it in.
+void ZELKLWABackfill::readJournals()
+{
+    constexpr double day = 86400.0;
     m_readsJournals = true;
-    m_journals.start(ZELKJournalReading::files(m_places.journals));
+    ZELKDate since = ZELKDate::distantFuture();
+    for (const ZELKLWAPeriod &period : m_unread.sleeps)
+        since = std::min(since, period.begin);
+    const QStringList files =
+        m_unread.sleeps.empty() ? QStringList() : ZELKJournalReading::files(m_places.journals);
+    m_journals.start(files, since > earliest ? std::optional(since.addingTimeInterval(-day)) : std::nullopt);
+}
+
+void ZELKLWABackfill::takeSleeps(const std::vector<ZELKSleepMark> &marks, bool complete)
+{
+    m_readsJournals = false;
+    m_complete = m_complete && complete;
+    std::vector<ZELKLWAEvent> sleeps = ZELKSleepHistory::events(marks);
+    std::erase_if(sleeps, [this](const ZELKLWAEvent &event) { return !isIn(event.date, m_unread.sleeps); });
+    if (m_sleepFilter)
+        sleeps = m_sleepFilter(sleeps);
+    m_ready.insert(m_ready.end(), sleeps.begin(), sleeps.end());
     continueSoon();
 }
 
@@ -110,16 +145,20 @@ void ZELKLWABackfill::stop()
 
 void ZELKLWABackfill::addSources()
 {
-    for (const QString &path : m_places.wtmp)
+    for (const QString &path : m_unread.accounting.empty() ? QStringList() : m_places.wtmp)
         for (const QString &file : ZELKAccountingHistory::files(path))
-            m_sources.push_back([history = std::make_shared<ZELKAccountingHistory>(file)](auto &events) {
-                return history->readSome(events);
-            });
-    for (const QString &path : m_places.upower) {
-        const auto folder = std::make_shared<const ZELKUPowerFolder>(path, m_places.powerSupply);
+            addSource(m_unread.accounting, [history = std::make_shared<ZELKAccountingHistory>(file)](
+                                               auto &events) { return history->readSome(events); });
+    for (const QString &path : m_unread.charges.empty() ? QStringList() : m_places.upower) {
+        const auto folder = std::make_shared<const ZELKUPowerFolder>(path, m_places.powerSupply, m_names);
         for (const QString &battery : folder->batteries())
-            m_sources.push_back(UPowerSource(folder, battery));
+            addSource(m_unread.charges, UPowerSource(folder, battery));
     }
+}
+
+void ZELKLWABackfill::addSource(const ZELKLWAPeriods &times, Source source)
+{
+    m_sources.emplace_back(std::move(source), &times);
 }
 
 void ZELKLWABackfill::continueSoon()
@@ -135,9 +174,11 @@ void ZELKLWABackfill::step()
         tellSome();
     } else if (!m_sources.empty()) {
         std::vector<ZELKLWAEvent> events;
-        if (!m_sources.front()(events))
+        const auto &[source, times] = m_sources.front();
+        const ZELKLWAPeriods &wanted = *times;
+        if (!source(events))
             m_sources.pop_front();
-        take(events);
+        take(events, wanted);
     } else {
         if (m_readsJournals)
             return;
@@ -155,9 +196,9 @@ void ZELKLWABackfill::tellSome()
     m_sink(batch);
 }
 
-void ZELKLWABackfill::take(const std::vector<ZELKLWAEvent> &events)
+void ZELKLWABackfill::take(const std::vector<ZELKLWAEvent> &events, const ZELKLWAPeriods &times)
 {
     for (const ZELKLWAEvent &event : events)
-        if (event.date >= earliest && event.date < m_until)
+        if (isIn(event.date, times))
             m_ready.push_back(event);
 }

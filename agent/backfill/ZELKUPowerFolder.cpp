@@ -49,14 +49,22 @@ bool ZELKUPowerFolder::Known::isBattery(const QString &battery) const
         .hasMatch();
 }
 
-ZELKUPowerFolder::ZELKUPowerFolder(const QString &path, const QString &powerSupply)
+ZELKUPowerFolder::ZELKUPowerFolder(const QString &path, const QString &powerSupply,
+                                   ZELKPowerSourceNameMemory *names)
     : m_path(path)
 {
-    ZELKPowerSourceNames names;
-    for (const ZELKPowerSupply &supply : ZELKKernelPowerSupplies::read(powerSupply))
-        if (supply.isPresent)
-            m_known.push_back({supply.model, ZELKKernelAttributes(supply.path).text("serial_number"),
-                               names.nameFor(supply, false)});
+    const auto given = names ? names->recall() : ZELKPowerSourceNameMemory::Names();
+    ZELKPowerSourceNames giver(names);
+    for (const ZELKPowerSupply &supply : ZELKKernelPowerSupplies::read(powerSupply)) {
+        if (!supply.isPresent)
+            continue;
+        // The daemon may spell a model with other blanks than the kernel does; that is no other battery.
+        const auto before = given.find(supply.device);
+        const bool isNamed =
+            before != given.end() && nameInFiles(before->second.model) == nameInFiles(supply.plainName());
+        m_known.push_back({supply.model, ZELKKernelAttributes(supply.path).text("serial_number"),
+                           isNamed ? before->second.name : giver.nameFor(supply, false)});
+    }
 }
 
 QStringList ZELKUPowerFolder::batteries() const

@@ -3,6 +3,7 @@
 #include "ZELKDatabaseController.h"
 #include "ZELKLWAEventPage.h"
 #include "ZELKLWALifeSign.h"
+#include "ZELKLWAPeriods.h"
 #include "ZELKLWASettlingClock.h"
 #include "ZELKLWAWaitingEvents.h"
 
@@ -27,6 +28,9 @@ class ZELKLWAEventStore : public QObject, public ZELKDatabaseController
 public:
     static constexpr std::size_t mostWaiting = 10000;
     static constexpr int secondsBeforeRetry = 60;
+    /// Between the announcement of a sleep and the sleep itself, and between the wake and its notice, when
+    /// others hold the one up and hooks the other.
+    static constexpr int secondsApart = 30;
 
     /// Who writes: the agent, of which these are the records, or a guest, which adds to them: what a guest
     /// adds, the agent settles, and a guest is no sign of the agent's life.
@@ -68,18 +72,20 @@ public:
 
     /// The times between an agent's start and its end here; the last one may go on, and then ends now. What
     /// ended without a word ends with the next start.
-    struct Period
-    {
-        ZELKDate begin;
-        ZELKDate end;
-    };
-    std::vector<Period> recordedPeriods();
+    using Period = ZELKLWAPeriod;
+    ZELKLWAPeriods recordedPeriods();
     /// When an agent first recorded here; nothing before, and while the file can not be used.
     std::optional<ZELKDate> beginning();
-    /// The same, which is now when no agent recorded here before; nothing once pastWasRead() has noted that
-    /// what the system kept of the time before is among the records.
-    std::optional<ZELKDate> unreadPast();
-    void pastWasRead();
+    /// The times before `start`, the agent's own, of which the records do not hold yet what the system kept:
+    /// all before the first agent, and of sleeps also those between one agent and the next. None while the
+    /// file can not be used.
+    ZELKLWAUnread unreadPast(ZELKDate start);
+    /// What unreadPast() answered is among the records; `journal` when that could be read too. Else its
+    /// times are answered again.
+    void pastWasRead(ZELKDate start, bool journal);
+    /// Those of `events` that the records do not hold, nor the like of them within `secondsApart`: of what
+    /// an agent told in its own words and the system tells in others.
+    std::vector<ZELKLWAEvent> unlikeRecorded(std::vector<ZELKLWAEvent> events);
 
 Q_SIGNALS:
     /// Events were taken up that were not there before.

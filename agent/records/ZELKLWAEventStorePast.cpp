@@ -12,7 +12,16 @@ namespace {
 
 constexpr QLatin1String lastOfKey("ZELKLWAEventStoreSQLLastOf");
 constexpr QLatin1String ownKey("ZELKLWAEventStoreSQLOwn");
+constexpr QLatin1String likeKey("ZELKLWAEventStoreSQLLike");
+
+// Settings.
 constexpr QLatin1String pastSetting("past");
+constexpr QLatin1String journalSetting("journal"); // up to when it was read
+
+QString setAsideValue()
+{
+    return QStringLiteral("set aside");
+}
 
 bool isStarting(std::string_view event)
 {
@@ -33,7 +42,7 @@ void ZELKLWAEventStore::beginRecords()
     setString(QString::number(now()), beginningSetting);
     if (!std::exchange(m_wasSetAside, false))
         return;
-    setString(QStringLiteral("set aside"), pastSetting);
+    setString(setAsideValue(), pastSetting);
     QTimer::singleShot(0, this,
                        [this] { zelkGuard([&] { Q_EMIT begunAnew(); }); }); // not in the middle of a write
 }
@@ -57,9 +66,9 @@ std::optional<ZELKDate> ZELKLWAEventStore::unrecordedEnd()
     return end;
 }
 
-std::vector<ZELKLWAEventStore::Period> ZELKLWAEventStore::recordedPeriods()
+ZELKLWAPeriods ZELKLWAEventStore::recordedPeriods()
 {
-    std::vector<Period> periods;
+    ZELKLWAPeriods periods;
     const ZELKDate present = ZELKEnvironment::current().clock->now();
     attempt([&] {
         std::optional<ZELKDate> begin;
@@ -68,8 +77,8 @@ std::vector<ZELKLWAEventStore::Period> ZELKLWAEventStore::recordedPeriods()
             ownKey, {{QStringLiteral("@monitor"), ZELKMonitorLullwatch}}, [&](const ZELKDatabaseRow &row) {
                 const std::string_view time = row.column(0).bytes;
                 const ZELKDate date(QByteArray(time.data(), qsizetype(time.size())).toDouble() / 1e6);
-                if (begin)
-                    periods.push_back({*begin, date});
+                if (begin) // the clock may have been set between
+                    periods.push_back({std::min(*begin, date), std::max(*begin, date)});
                 const bool isStart = isStarting(row.column(1).bytes);
                 begin = isStart ? std::optional(date) : std::nullopt;
                 return true;
@@ -90,17 +99,55 @@ std::optional<ZELKDate> ZELKLWAEventStore::beginning()
     return kept ? std::optional(ZELKDate(double(kept->toLongLong()) / 1e6)) : std::nullopt;
 }
 
-std::optional<ZELKDate> ZELKLWAEventStore::unreadPast()
+ZELKLWAUnread ZELKLWAEventStore::unreadPast(ZELKDate start)
 {
-    bool isRead = false;
-    const bool known = attempt([&] {
-        isRead = stringForSetting(pastSetting).has_value();
+    const ZELKDate always = ZELKDate::distantPast();
+    const auto begun = beginning();
+    ZELKLWAUnread unread;
+    attempt([&] {
+        if (!begun)
+            return;
+        const auto past = stringForSetting(pastSetting);
         require(lastResult());
+        const auto journal = stringForSetting(journalSetting);
+        require(lastResult());
+        unread = {};
+        if (!past)
+            unread.charges = unread.accounting = {{always, std::min(*begun, start)}};
+        const ZELKDate read = journal                   ? ZELKDate(double(journal->toLongLong()) / 1e6)
+                              : past == setAsideValue() ? *begun
+                                                        : always;
+        unread.sleeps = ZELKLWAPeriodsWithout({read, start}, recordedPeriods());
     });
-    return known && !isRead ? beginning() : std::nullopt;
+    return unread;
 }
 
-void ZELKLWAEventStore::pastWasRead()
+void ZELKLWAEventStore::pastWasRead(ZELKDate start, bool journal)
 {
-    attempt([&] { write([&] { setString(QStringLiteral("read"), pastSetting); }); });
+    attempt([&] {
+        write([&] {
+            if (!stringForSetting(pastSetting))
+                setString(QStringLiteral("read"), pastSetting);
+            if (journal)
+                setString(QString::number(ZELKLWATimeOf(start)), journalSetting);
+        });
+    });
+}
+
+std::vector<ZELKLWAEvent> ZELKLWAEventStore::unlikeRecorded(std::vector<ZELKLWAEvent> events)
+{
+    constexpr qint64 apart = secondsApart * 1000000LL;
+    const auto isRecorded = [this](const ZELKLWAEvent &event) {
+        const qint64 time = ZELKLWATimeOf(event.date);
+        bool found = false;
+        require(forEachRow(likeKey,
+                           {{QStringLiteral("@from"), QString::number(time - apart)},
+                            {QStringLiteral("@to"), QString::number(time + apart)},
+                            {QStringLiteral("@event"), event.event},
+                            {QStringLiteral("@monitor"), event.monitor}},
+                           [&](const ZELKDatabaseRow &) { return found = true; }));
+        return found;
+    };
+    attempt([&] { events.erase(std::remove_if(events.begin(), events.end(), isRecorded), events.end()); });
+    return events;
 }

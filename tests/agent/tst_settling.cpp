@@ -215,25 +215,40 @@ void TestSettling::saysOnceThatADiskIsFull()
     QCOMPARE(bed.asked(0, noon), u"a"_s);
 }
 
-/// From when the records began; not again, nor where the file before was set aside.
+/// All before the records began, and not again, nor where the file before was set aside. The sleeps of a
+/// time without agent, until the journal could be read.
 void TestSettling::readsThePastOnce()
 {
     const ConsoleLines console;
     SettlingBed bed;
-    QCOMPARE(bed.store->unreadPast().value_or(ZELKDate()), ZELKDate(noon));
-    bed.clock->advance(50);
+    const ZELKDate begin(noon);
+    const ZELKLWAPeriods before{{ZELKDate::distantPast(), begin}};
+    QCOMPARE(bed.store->unreadPast(begin).charges, before);
+    bed.store->record({{begin, ZELKEventStartingMonitor, ZELKMonitorLullwatch},
+                       {ZELKDate(noon + 50), ZELKEventStoppingMonitor, ZELKMonitorLullwatch}});
+    const ZELKDate start(noon + 900);
+    bed.clock->advance(900);
     bed.renew();
-    QCOMPARE(bed.store->unreadPast().value_or(ZELKDate()), ZELKDate(noon));
-    bed.store->pastWasRead();
-    QVERIFY(!bed.store->unreadPast());
-    QCOMPARE(bed.store->beginning().value_or(ZELKDate()), ZELKDate(noon));
+    QCOMPARE(bed.store->unreadPast(start).charges, before);
+    bed.store->pastWasRead(start, false);
+    ZELKLWAUnread unread = bed.store->unreadPast(start);
+    QVERIFY(unread.charges.empty() && unread.accounting.empty());
+    QCOMPARE(unread.sleeps.size(), std::size_t(2));
+    QCOMPARE(unread.sleeps.front(), before.front());
+    QVERIFY(!unread.sleeps.back().holds(ZELKDate(noon + 50)) &&
+            unread.sleeps.back().holds(ZELKDate(noon + 51)));
+    bed.store->pastWasRead(start, true);
+    QVERIFY(bed.store->unreadPast(start).isEmpty());
+    QCOMPARE(bed.store->unreadPast(ZELKDate(noon + 901)).sleeps,
+             (ZELKLWAPeriods{{start, ZELKDate(noon + 901)}}));
 
     bed.store.reset();
     writeFile(bed.folder.filePath(u"events.db"_s), "Dear diary, no database");
     bed.renew();
     const QSignalSpy anew(bed.store.get(), &ZELKLWAEventStore::begunAnew);
-    QVERIFY(!bed.store->unreadPast());
-    QCOMPARE(bed.store->beginning().value_or(ZELKDate()), ZELKDate(noon + 50));
+    unread = bed.store->unreadPast(start);
+    QVERIFY(unread.isEmpty());
+    QCOMPARE(bed.store->beginning().value_or(ZELKDate()), start);
     QTRY_COMPARE(anew.size(), 1);
 }
 

@@ -80,12 +80,21 @@ inline QByteArray journal(const char *name)
     return bytes;
 }
 
+/// What a test's program does when it is started to read a journal.
+inline int readJournal(int argc, char **argv)
+{
+    QStringList arguments;
+    for (int i = 2; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    return ZELKJournalReader::run(arguments);
+}
+
 /// The test's own program reads journals for it, as the agent's does.
 #define BACKFILL_TEST_MAIN(Test)                                                                             \
     int main(int argc, char **argv)                                                                          \
     {                                                                                                        \
         if (argc > 1 && std::strcmp(argv[1], ZELKJournalReader::option) == 0)                                \
-            return ZELKJournalReader::run({QString::fromLocal8Bit(argv[argc - 1])});                         \
+            return readJournal(argc, argv);                                                                  \
         const QCoreApplication application(argc, argv);                                                      \
         const TestTime time;                                                                                 \
         Test test;                                                                                           \

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "ZELKLWAEvent.h"
+#include "ZELKSuspendClock.h"
+
+#include <QString>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// The sleep that an agent announced and may not live to see the end of. Its moment on the kernel's clocks is
+/// kept in a small file while it goes on, so that the next agent of the same boot can tell of the wake.
+class ZELKInterruptedSleep
+{
+public:
+    /// `path` is the file; `bootID` the kernel's file that names the boot.
+    ZELKInterruptedSleep(const QString &path, std::shared_ptr<const ZELKSuspendClock> clock,
+                         const QString &bootID);
+
+    /// What is about to be recorded: a sleep is kept, a wake is the end of it. A place that can not be
+    /// written to is no matter: the journal tells of most.
+    void note(const std::vector<ZELKLWAEvent> &events) const;
+    /// Looks for what the agent before left in this boot. Once, before anything is noted.
+    void recall();
+
+    /// What ended the sleep that was recalled, in with `sleeps`, which the journal tells of the time without
+    /// agent, in ascending order: what it tells, and a wake where that tells of none. That wake is dated by
+    /// the clocks; while the machine may not have slept yet, there is none. Without a sleep recalled,
+    /// `sleeps` are answered.
+    std::vector<ZELKLWAEvent> ended(std::vector<ZELKLWAEvent> sleeps);
+    /// What ended() answered is recorded.
+    void endWasRecorded() const;
+
+private:
+    std::vector<ZELKLWAEvent> endedByClocks() const;
+    ZELKMoment now() const;
+    QString boot() const;
+
+    QString m_path;
+    std::shared_ptr<const ZELKSuspendClock> m_clock;
+    QString m_bootID;
+    /// When the sleep was announced, and when that was found.
+    std::optional<ZELKMoment> m_announced;
+    ZELKMoment m_found;
+    bool m_isOver = false;
+};
