@@ -27,6 +27,14 @@ Deed giving(const char *path, int mode = O_RDONLY)
     return [=](FakeAgent &agent, const QDBusMessage &call) { agent.giveDescriptor(call, open(path, mode)); };
 }
 
+const Deed silence = [](FakeAgent &, const QDBusMessage &) {};
+const Deed eventCounter = [](FakeAgent &agent, const QDBusMessage &call) {
+    agent.giveDescriptor(call, eventfd(3, 0));
+};
+const Deed errorReply = [](FakeAgent &agent, const QDBusMessage &call) {
+    agent.bus().send(call.createErrorReply(QDBusError::LimitsExceeded, u"too many"_s));
+};
+
 Deed replying(const QVariantList &arguments)
 {
     return [=](FakeAgent &agent, const QDBusMessage &call) { agent.bus().send(call.createReply(arguments)); };
@@ -88,19 +96,10 @@ private Q_SLOTS:
         row("a program", giving("/proc/self/exe"), faulty);
         row("a folder", giving("/"), "Is a directory");
         row("write only", giving("/dev/null", O_WRONLY), "Bad file descriptor");
-        row(
-            "an event counter",
-            [](FakeAgent &agent, const QDBusMessage &call) { agent.giveDescriptor(call, eventfd(3, 0)); },
-            faulty);
+        row("an event counter", eventCounter, faulty);
         row("a text", replying({u"/dev/null"_s}), "Unexpected reply signature: got \"s\", expected \"h\"");
-        row(
-            "error reply",
-            [](FakeAgent &agent, const QDBusMessage &call) {
-                agent.bus().send(call.createErrorReply(QDBusError::LimitsExceeded, u"too many"_s));
-            },
-            "too many");
-        row(
-            "silent agent", [](FakeAgent &, const QDBusMessage &) {}, "Did not receive a reply.", shortLimit);
+        row("error reply", errorReply, "too many");
+        row("silent agent", silence, "Did not receive a reply.", shortLimit);
         row("silent from the start", giving(QByteArray(), true), "The agent stopped sending.", shortLimit);
         row("silent stream", giving(whole.chopped(1), true), "The agent stopped sending.", shortLimit);
     }
