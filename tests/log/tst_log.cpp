@@ -268,14 +268,18 @@ private Q_SLOTS:
         QFETCH(int, disorder);
         std::mt19937 random(20240305U + unsigned(disorder));
         const auto upTo = [&](int most) { return int(random() % unsigned(most + 1)); };
+        // Four times a day and in its last second, from five days before on.
+        const auto moment = [](int number) {
+            return (number / 5 - 5 + (number % 5) * 0.25) * oneDay - (number % 5 == 4 ? 1 : 0);
+        };
         for (int round = 0; round < 40; ++round) {
             LogFixture fixture;
-            double now = 0;
+            int now = 25;
             for (int batch = 0; batch < 3; ++batch) {
                 Events events;
                 for (int i = upTo(12); i > 0; --i) {
-                    now += upTo(2) * oneDay / 4;
-                    events.append(plainAt(upTo(9) < disorder ? upTo(40) * oneDay / 4 - 5 * oneDay : now));
+                    now += upTo(2);
+                    events.append(plainAt(moment(upTo(9) < disorder ? upTo(50) : now)));
                 }
                 fixture.addAll(events);
             }
@@ -283,7 +287,7 @@ private Q_SLOTS:
                 continue;
             for (int i = 0; i < 10; ++i) {
                 const int from = upTo(12) - 6;
-                fixture.show(ZELKDate(from * oneDay), ZELKDate((from + 1 + upTo(4)) * oneDay - upTo(1)));
+                fixture.show(ZELKDate(from * oneDay), ZELKDate((from + 1 + upTo(4)) * oneDay - 1));
                 QCOMPARE(fixture.log.visibleRange(), walkedRun(fixture.log));
             }
             for (int quarter = -21; quarter < 60; ++quarter) {
