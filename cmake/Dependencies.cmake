@@ -2,6 +2,8 @@
 find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Widgets UiTools Svg LinguistTools)
 if(LULLWATCH_TESTS)
   find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
+  # It defines each test's folders besides, with which no two tests could share their headers.
+  set_target_properties(Qt6::Test PROPERTIES INTERFACE_COMPILE_DEFINITIONS QT_TESTLIB_LIB)
 endif()
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(plist REQUIRED IMPORTED_TARGET libplist-2.0)
