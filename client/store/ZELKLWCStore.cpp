@@ -183,7 +183,10 @@ void ZELKLWCStore::askAgent()
     if (const QString name = callBackName(); !name.isEmpty())
         m_agentConnection->registerForEventUpdates(name);
     std::optional<ZELKDate> last;
-    const bool raised = !zelkGuard([&] { last = lastSyncDateWith(agent()); });
+    const bool raised = !zelkGuard([&] {
+        m_toldTimes.setUntil(lastSyncDateOfOther(agent()));
+        last = lastSyncDateWith(agent());
+    });
     if (raised || lastResult().failed()) {
         recover(raised);
         return endFetch(false);
@@ -236,8 +239,11 @@ std::optional<ZELKLWCStore::CacheRow> ZELKLWCStore::rowForFetchedEvent(std::stri
     ZELKRawEventReader &reader = m_fetchedReader;
     const ZELKRawEventReader::Kind kind = reader.read(event);
     if (kind == ZELKRawEventReader::Kind::Texts && ZELKIsDateText(reader.view().date))
-        return CacheRow{QString::fromLatin1(reader.view().date.data(), qsizetype(reader.view().date.size())),
-                        QByteArray(event.data(), qsizetype(event.size()))};
+        return m_toldTimes.hold(reader.view())
+                   ? std::nullopt
+                   : std::optional(CacheRow{
+                         QString::fromLatin1(reader.view().date.data(), qsizetype(reader.view().date.size())),
+                         QByteArray(event.data(), qsizetype(event.size()))});
     if (kind == ZELKRawEventReader::Kind::Dictionary) {
         // A date of another kind counts by what the cache would be given for it.
         CacheRow row = serialised(reader.dictionary());
@@ -248,6 +254,16 @@ std::optional<ZELKLWCStore::CacheRow> ZELKLWCStore::rowForFetchedEvent(std::stri
         kind == ZELKRawEventReader::Kind::Faulty ? reader.error() : QStringLiteral("its date is no number");
     ZELKConsole::log(ZELKFormat("agent event %lu skipped: %@", {m_streamedCount, reason}));
     return std::nullopt;
+}
+
+void ZELKLWCStore::showCached(ZELKDate to, const ZELKToldTimes::Taker &take)
+{
+    ZELKRawEventReader reader;
+    readRows(std::nullopt, to, [&](const ZELKDatabaseRow &row) {
+        if (reader.read(row.column(0).bytes) == ZELKRawEventReader::Kind::Texts)
+            take(reader.view());
+        return true;
+    });
 }
 
 void ZELKLWCStore::endReading(bool complete, const QString &error)

@@ -4,6 +4,7 @@
 #include "ZELKLWCStoreCache.h"
 #include "ZELKRawEvent.h"
 #include "ZELKServiceNames.h"
+#include "ZELKToldTimes.h"
 
 #include <QDBusConnection>
 #include <QDBusUnixFileDescriptor>
@@ -109,6 +110,7 @@ private:
     Agent agent() const;
     QString callBackName();
     void askAgent();
+    void showCached(ZELKDate to, const ZELKToldTimes::Taker &take);
     void beginReading(const QDBusUnixFileDescriptor &events);
     bool takeFetchedEvent(std::string_view event);
     std::optional<CacheRow> rowForFetchedEvent(std::string_view event);
@@ -137,6 +139,8 @@ private:
     std::uint64_t m_fetchedCount = 0;
     std::vector<CacheRow> m_fetched; // not yet written
     ZELKRawEventReader m_fetchedReader;
+    ZELKToldTimes m_toldTimes{
+        [this](ZELKDate to, const ZELKToldTimes::Taker &take) { showCached(to, take); }};
     std::unique_ptr<ZELKEventFetch> m_fetch;
 
     bool m_logIsBehind = false;        // the last reading for the log failed …

@@ -27,6 +27,12 @@ QString lastSyncAgentSetting()
     return QStringLiteral("lastSyncAgent");
 }
 
+/// The "lastSync" of the agent before.
+QString otherSyncSetting()
+{
+    return QStringLiteral("otherAgentSync");
+}
+
 QString nameOf(ZELKLWCStoreCache::Agent agent)
 {
     return agent == ZELKLWCStoreCache::Agent::OnSystemBus ? QStringLiteral("system")
@@ -228,8 +234,31 @@ ZELKDate ZELKLWCStoreCache::lastSyncDateWith(Agent agent)
     return whose == nameOf(agent) ? date : ZELKDate::distantPast();
 }
 
+std::optional<QString> ZELKLWCStoreCache::lastSyncOfFormer(Agent agent)
+{
+    const auto last = stringForSetting(lastSyncSetting());
+    const QString whose = stringForSetting(lastSyncAgentSetting()).value_or(nameOf(Agent::OnSessionBus));
+    return whose == nameOf(agent) ? std::nullopt : last;
+}
+
+std::optional<ZELKDate> ZELKLWCStoreCache::lastSyncDateOfOther(Agent agent)
+{
+    auto seconds = lastSyncOfFormer(agent);
+    if (!seconds)
+        seconds = stringForSetting(otherSyncSetting());
+    const double number = seconds ? seconds->toDouble() : 0.0;
+    return seconds && std::isfinite(number) ? std::optional(ZELKDate(number)) : std::nullopt;
+}
+
 void ZELKLWCStoreCache::setLastSyncDate(std::optional<ZELKDate> date, Agent agent)
 {
+    if (date) {
+        const auto former = lastSyncOfFormer(agent);
+        if (former && !lastResult().failed())
+            setString(former, otherSyncSetting());
+        if (lastResult().failed())
+            return;
+    }
     setString(date ? std::optional(ZELKDateText(*date)) : std::nullopt, lastSyncSetting());
     if (!lastResult().failed())
         setString(date ? std::optional(nameOf(agent)) : std::nullopt, lastSyncAgentSetting());

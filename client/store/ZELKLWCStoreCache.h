@@ -50,7 +50,10 @@ public:
     /// The same if this agent brought them, else distant past: what one agent had to give, and when it came
     /// to have it, says nothing of another.
     ZELKDate lastSyncDateWith(Agent agent);
-    /// Both together, or neither. Not a transaction of its own.
+    /// When another agent than this one last brought events, as far as that is kept.
+    std::optional<ZELKDate> lastSyncDateOfOther(Agent agent);
+    /// Both together, or neither; where the agent is another than before, the date before is kept for
+    /// lastSyncDateOfOther(). Not a transaction of its own.
     void setLastSyncDate(std::optional<ZELKDate> date, Agent agent = Agent::OnSessionBus);
 
 protected:
@@ -96,6 +99,8 @@ protected:
     [[noreturn]] void fail(const QString &message) const;
 
 private:
+    /// "lastSync", where it is another agent's.
+    std::optional<QString> lastSyncOfFormer(Agent agent);
     bool insert(const CacheRow &row);
 
     QString m_databaseFile;

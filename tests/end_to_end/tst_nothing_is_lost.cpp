@@ -48,9 +48,9 @@ struct Application
     ZELKLWCStore store;
 
     Application(const std::shared_ptr<const ZELKBundle> &bundle, const QDBusConnection &bus,
-                const QString &folder)
+                const QString &folder, const QDBusConnection &system = QDBusConnection(QString()))
         : defaults(folder + u"/defaults.ini"_s)
-        , store({bundle, std::make_shared<ZELKSQLitePort>(), bus, folder + u"/cache.db"_s})
+        , store(worldOf(bundle, bus, folder, system))
     {
         workspace->instances[agentName] = 1;
         lookup->serviceName = agentName + u"._service"_s;
@@ -64,6 +64,15 @@ struct Application
         store.syncWithLocalCache();
     }
     ~Application() { store.applicationWillTerminate(); }
+
+    static ZELKLWCStore::World worldOf(const std::shared_ptr<const ZELKBundle> &bundle,
+                                       const QDBusConnection &bus, const QString &folder,
+                                       const QDBusConnection &system)
+    {
+        ZELKLWCStore::World world{bundle, std::make_shared<ZELKSQLitePort>(), bus, folder + u"/cache.db"_s};
+        world.systemBus = system;
+        return world;
+    }
 
     bool fetch()
     {
@@ -92,8 +101,28 @@ struct Agent
         bus.registerObject(ZELKServiceNames::eventServicePath(), &service, QDBusConnection::ExportAdaptors);
         bus.registerService(agentName);
     }
-    ~Agent() { bus.unregisterObject(ZELKServiceNames::eventServicePath()); }
+    ~Agent()
+    {
+        bus.unregisterObject(ZELKServiceNames::eventServicePath());
+        bus.unregisterService(agentName);
+    }
 };
+
+/// Seconds after the beginning of 2025, and what happened then.
+struct Happening
+{
+    double seconds;
+    QLatin1String event;
+    QLatin1String monitor;
+};
+
+std::vector<ZELKLWAEvent> eventsOf(const std::vector<Happening> &happenings)
+{
+    std::vector<ZELKLWAEvent> events;
+    for (const auto &[seconds, event, monitor] : happenings)
+        events.push_back({ZELKDate(757'382'400.0 + seconds), event, monitor});
+    return events;
+}
 
 /// A random life of both, by one clock that is also set now and then.
 class Life
@@ -247,6 +276,64 @@ class NothingIsLost : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    /// The agent for all users tells the past to everybody; who had an agent of his own knows it already,
+    /// but for the times in which that one was not there.
+    void noTwiceWhenInstalledAnotherWay()
+    {
+        ConsoleLines console;
+        const QTemporaryDir folder;
+        const auto bundle = bundleIn(folder.filePath(u"client"_s), ZELK_INFO_PLIST);
+        const auto agentBundle = bundleIn(folder.filePath(u"agent"_s), ZELK_AGENT_INFO_PLIST);
+        ZELKEnvironment environment = ZELKEnvironment::system();
+        environment.mainBundle = bundle;
+        const ZELKEnvironmentScope scope(environment);
+        const auto connect = [](QDBusConnection::BusType type, const char *name) {
+            return QDBusConnection::connectToBus(type, QLatin1String(name));
+        };
+        const QDBusConnection session = connect(QDBusConnection::SessionBus, "agent");
+        const QDBusConnection system = connect(QDBusConnection::SystemBus, "agent of all");
+        std::optional<Application> application;
+        const auto start = [&] {
+            application.reset();
+            application.emplace(bundle, connect(QDBusConnection::SessionBus, "client"), folder.path(),
+                                connect(QDBusConnection::SystemBus, "client's other"));
+        };
+        const auto sleeps = [](double at) {
+            return Happening{at, ZELKEventSystemWillSleep, ZELKMonitorPowerEvents};
+        };
+        const auto wakes = [](double at) {
+            return Happening{at, ZELKEventSystemHasPoweredOn, ZELKMonitorPowerEvents};
+        };
+        const auto charge = [](double at) {
+            return Happening{at, ZELKEventPowerStateChanged, ZELKMonitorPowerSource};
+        };
+        const auto own = [](double at, QLatin1String event) {
+            return Happening{at, event, ZELKMonitorLullwatch};
+        };
+        {
+            Agent agent(agentBundle, session, folder.path());
+            agent.store.record(eventsOf({own(1000, ZELKEventStartingMonitor), sleeps(1100), wakes(4000),
+                                         charge(5000.3), own(5500, ZELKEventStoppingMonitor)}));
+            agent.store.settle();
+            start();
+            QVERIFY(application->fetch());
+        }
+        QDir(folder.path()).mkpath(u"system"_s);
+        Agent agent(agentBundle, system, folder.filePath(u"system"_s));
+        agent.store.record(eventsOf({sleeps(100), wakes(500), sleeps(1106), wakes(4006), charge(5000),
+                                     sleeps(6000), wakes(7000), own(9000, ZELKEventStartingMonitor)}));
+        agent.store.settle();
+        QVERIFY(application->fetch());
+        agent.store.record(eventsOf({charge(4500), charge(9500)})); // found late, and now
+        agent.store.settle();
+        QVERIFY(application->fetch());
+        start();
+        QStringList known;
+        for (const ZELKRawEvent &event : application->store.sortedCachedEventsFromDate({}, {}))
+            known.append(QString::number(event.string(ZELKEventKeyDate).toDouble() - 757'382'400.0));
+        QCOMPARE(known.join(u' '), u"100 500 1000 1100 4000 5000.3 5500 6000 7000 9000 9500"_s);
+    }
+
     void inARandomLife_data()
     {
         QTest::addColumn<quint32>("seed");

@@ -329,6 +329,8 @@ private Q_SLOTS:
             }
         QCOMPARE(pool.intern(u"ä"_s), 2U);
         QCOMPARE(pool.string(2), u"ä"_s);
+        for (const QString &marked : {u"\uFEFF"_s, u"\uFEFFa"_s, u"\uFEFF\uFEFFä\uFEFF"_s})
+            QCOMPARE(pool.string(pool.intern(marked)), marked);
         QCOMPARE(pool.intern(QString()), 3U);
         QVERIFY(!pool.string(3).isNull());
     }
