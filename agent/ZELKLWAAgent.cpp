@@ -26,9 +26,11 @@ ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const Buses
     , m_controlService(version(), m_defaults, m_bus, options.forAllUsers)
     , m_sleep(options.database + QStringLiteral("-sleep"), machine.suspendClock, machine.kernel.bootID)
     , m_watchers(
-          buses.system, options, m_settings, m_defaults,
-          [this](const std::vector<ZELKLWAEvent> &events) { record(events); }, machine)
+          {buses.system, options.forAllUsers ? std::nullopt : std::optional(buses.serving)}, options,
+          m_settings, m_defaults, [this](const std::vector<ZELKLWAEvent> &events) { record(events); },
+          machine)
     , m_pastPlaces(options.past())
+    , m_idleMemory([this] { return isQuiet(); })
 {
     connect(&m_store, &ZELKLWAEventStore::settled, &m_announcer, [this] {
         if (m_phase == Phase::Recording)
@@ -44,6 +46,9 @@ ZELKLWAAgent::ZELKLWAAgent(std::shared_ptr<const ZELKBundle> bundle, const Buses
     });
     connect(&m_service, &ZELKLWAService::streamAsked, &m_watchers, &ZELKLWAWatchers::checkClocks);
     connect(&m_service, &ZELKLWAService::streamAsked, &m_settler, &ZELKLWASettler::lookForStrays);
+    // Its start ends with a settling too: that of "Starting monitor".
+    connect(&m_store, &ZELKLWAEventStore::settled, &m_idleMemory, &ZELKIdleMemory::workDidEnd);
+    connect(&m_service, &ZELKLWAService::streamFinished, &m_idleMemory, &ZELKIdleMemory::workDidEnd);
 }
 
 ZELKLWAAgent::~ZELKLWAAgent() = default;
@@ -137,6 +142,20 @@ void ZELKLWAAgent::pastWasRead(ZELKDate start, bool complete)
     m_store.pastWasRead(start, complete);
     m_sleep.endWasRecorded();
     m_past.release()->deleteLater();
+    m_idleMemory.workDidEnd();
+}
+
+bool ZELKLWAAgent::isQuiet() const
+{
+    return m_phase == Phase::Recording && m_service.streams() == 0 && !m_past;
+}
+
+void ZELKLWAAgent::setSystemBus(const QDBusConnection &bus)
+{
+    zelkGuard([&] {
+        m_watchers.setSystemBus(bus);
+        m_idleMemory.workDidEnd();
+    });
 }
 
 void ZELKLWAAgent::recordOwn(QLatin1String event, ZELKDate date)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZELKIdleMemory.h"
 #include "ZELKInterruptedSleep.h"
 #include "ZELKLWABackfill.h"
 #include "ZELKLWAControlService.h"
@@ -29,7 +30,8 @@ public:
     /// How long a client that was told of the end may take to fetch it.
     static constexpr int millisecondsToFetchTheEnd = 1000;
 
-    /// Where it serves, and where the system's services are: for all users' agent the same.
+    /// Where it serves, and where the system's services are: for all users' agent the same. An agent of one
+    /// user serves on the bus of his session.
     struct Buses
     {
         QDBusConnection serving;
@@ -52,6 +54,9 @@ public Q_SLOTS:
     /// Records the end, tells the clients and, once they have fetched it or the time for that is over, is
     /// finished.
     void terminate();
+    /// The system bus went away, or there is another. For an agent that serves on a bus of its own; who
+    /// serves on the system bus finishes with it.
+    void setSystemBus(const QDBusConnection &bus);
 
 Q_SIGNALS:
     void finished();
@@ -63,6 +68,7 @@ private:
     bool serve();
     bool takeNames();
     QString version() const;
+    bool isQuiet() const;
     void recordOwn(QLatin1String event, ZELKDate date);
     ZELKDate recordStart();
     void record(const std::vector<ZELKLWAEvent> &events);
@@ -84,6 +90,7 @@ private:
     ZELKLWAWatchers m_watchers;
     ZELKLWABackfillPlaces m_pastPlaces;
     std::unique_ptr<ZELKLWABackfill> m_past;
+    ZELKIdleMemory m_idleMemory;
     QTimer m_lastFetch;
     bool m_lostBus = false;
     enum class Phase { Made, Recording, Ending, Finished } m_phase = Phase::Made;

@@ -8,7 +8,7 @@
 #include "ZELKLWAStartupWatcher.h"
 #include "ZELKLWASystemAccountingWatcher.h"
 
-ZELKLWAWatchers::ZELKLWAWatchers(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
+ZELKLWAWatchers::ZELKLWAWatchers(const Buses &buses, const ZELKLWAOptions &options,
                                  ZELKUserDefaults &settings, ZELKLWADefaults &defaults, ZELKLWAEventSink sink,
                                  const ZELKLWAMachine &machine, QObject *parent)
     : QObject(parent)
@@ -18,8 +18,8 @@ ZELKLWAWatchers::ZELKLWAWatchers(const QDBusConnection &systemBus, const ZELKLWA
     , m_shutdowns(options.database + QStringLiteral("-shutdown"))
 {
     makeAccountingWatchers(options, machine);
-    makeSleepWatcher(systemBus, options, machine);
-    makePowerWatchers(systemBus, options, defaults);
+    makeSleepWatcher(buses, machine);
+    makePowerWatchers(buses.system, options, defaults);
 }
 
 ZELKLWAWatchers::~ZELKLWAWatchers() = default;
@@ -32,13 +32,10 @@ void ZELKLWAWatchers::makeAccountingWatchers(const ZELKLWAOptions &options, cons
     m_watchers.push_back(std::make_unique<ZELKLWAStartupWatcher>(places, m_startups, wakefulSink()));
 }
 
-/// An agent of one user lives in his session, and that is the one bus it serves on.
-void ZELKLWAWatchers::makeSleepWatcher(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
-                                       const ZELKLWAMachine &machine)
+void ZELKLWAWatchers::makeSleepWatcher(const Buses &buses, const ZELKLWAMachine &machine)
 {
-    const auto session = options.forAllUsers ? std::nullopt : std::optional(QDBusConnection::sessionBus());
-    auto sleep =
-        std::make_unique<ZELKLWASleepWatcher>(systemBus, m_sink, machine.suspendClock, m_shutdowns, session);
+    auto sleep = std::make_unique<ZELKLWASleepWatcher>(buses.system, m_sink, machine.suspendClock,
+                                                       m_shutdowns, buses.session);
     m_sleep = sleep.get();
     m_watchers.push_back(std::move(sleep));
 }
@@ -62,6 +59,7 @@ void ZELKLWAWatchers::makePowerWatchers(const QDBusConnection &systemBus, const 
             devices->systemDidWake();
         });
     });
+    m_power = power.get();
     m_watchers.push_back(std::move(power));
     m_watchers.push_back(std::move(devices));
 }
@@ -79,6 +77,12 @@ void ZELKLWAWatchers::checkClocks()
 {
     if (m_sleep)
         m_sleep->checkClocks();
+}
+
+void ZELKLWAWatchers::setSystemBus(const QDBusConnection &bus)
+{
+    m_sleep->setBus(bus);
+    m_power->setBus(bus);
 }
 
 void ZELKLWAWatchers::start()

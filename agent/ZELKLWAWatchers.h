@@ -12,6 +12,7 @@
 #include <QDBusConnection>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class ZELKLWAPowerSourceWatcher;
@@ -24,20 +25,28 @@ class ZELKLWAWatchers : public QObject
     Q_OBJECT
 
 public:
+    struct Buses
+    {
+        QDBusConnection system;
+        /// Where a desktop is, for an agent that lives in its session.
+        std::optional<QDBusConnection> session;
+    };
+
     /// `settings` and `defaults` outlive it.
-    ZELKLWAWatchers(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
-                    ZELKUserDefaults &settings, ZELKLWADefaults &defaults, ZELKLWAEventSink sink,
-                    const ZELKLWAMachine &machine = {}, QObject *parent = nullptr);
+    ZELKLWAWatchers(const Buses &buses, const ZELKLWAOptions &options, ZELKUserDefaults &settings,
+                    ZELKLWADefaults &defaults, ZELKLWAEventSink sink, const ZELKLWAMachine &machine = {},
+                    QObject *parent = nullptr);
     ~ZELKLWAWatchers() override;
 
     void start();
     void stop();
     /// Somebody asked for something.
     void checkClocks();
+    /// The system bus went away, or there is another.
+    void setSystemBus(const QDBusConnection &bus);
 
 private:
-    void makeSleepWatcher(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
-                          const ZELKLWAMachine &machine);
+    void makeSleepWatcher(const Buses &buses, const ZELKLWAMachine &machine);
     void makePowerWatchers(const QDBusConnection &systemBus, const ZELKLWAOptions &options,
                            ZELKLWADefaults &defaults);
     void makeAccountingWatchers(const ZELKLWAOptions &options, const ZELKLWAMachine &machine);
@@ -48,5 +57,7 @@ private:
     ZELKSettingsPowerSourceNames m_sourceNames;
     ZELKFileShutdownMemory m_shutdowns;
     std::vector<std::unique_ptr<ZELKLWAWatcher>> m_watchers;
-    ZELKLWASleepWatcher *m_sleep = nullptr; // one of them
+    // Two of them.
+    ZELKLWASleepWatcher *m_sleep = nullptr;
+    ZELKLWAPowerSourceWatcher *m_power = nullptr;
 };

@@ -4,6 +4,7 @@
 #include "ZELKLWAAgent.h"
 #include "ZELKLWAOptions.h"
 #include "ZELKLWAPast.h"
+#include "ZELKSystemBus.h"
 #include "ZELKTerminationSignals.h"
 
 #include <QCoreApplication>
@@ -30,12 +31,16 @@ std::optional<QDBusConnection> connected(const QDBusConnection &bus, const char 
 int record(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &options)
 {
     ZELKTerminationSignals termination;
-    const QDBusConnection system = QDBusConnection::systemBus(); // a session can do without
-    const auto bus = options.forAllUsers ? connected(system, "system")
-                                         : connected(QDBusConnection::sessionBus(), "session");
+    std::optional<ZELKSystemBus> system; // a session can do without, and outlives it
+    if (!options.forAllUsers)
+        system.emplace(ZELKSystemBus::usualAddress());
+    const auto bus = system ? connected(QDBusConnection::sessionBus(), "session")
+                            : connected(QDBusConnection::systemBus(), "system");
     if (!bus)
         return failure;
-    ZELKLWAAgent agent(bundle, {*bus, system}, options);
+    ZELKLWAAgent agent(bundle, {*bus, system ? system->connection() : *bus}, options);
+    if (system)
+        QObject::connect(&*system, &ZELKSystemBus::changed, &agent, &ZELKLWAAgent::setSystemBus);
     QObject::connect(&termination, &ZELKTerminationSignals::received, &agent, &ZELKLWAAgent::terminate);
     QObject::connect(&agent, &ZELKLWAAgent::finished, qApp, &QCoreApplication::quit, Qt::QueuedConnection);
     if (!agent.start())

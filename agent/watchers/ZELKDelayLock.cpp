@@ -44,6 +44,12 @@ void ZELKDelayLock::didArrive(const QDBusMessage &answer)
     m_complained = m_complained || m_denied;
 }
 
+void ZELKDelayLock::setBus(const QDBusConnection &systemBus)
+{
+    forget();
+    m_bus = systemBus;
+}
+
 /// A default-constructed descriptor, since setting an invalid number keeps the old one open.
 void ZELKDelayLock::release()
 {

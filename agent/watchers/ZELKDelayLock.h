@@ -25,6 +25,8 @@ public:
     void release();
     /// logind is another one now: it may think otherwise, but has taken over the locks there are.
     void forget() { m_requested = m_denied = false; }
+    /// It is reached another way from now on, and may be another one too.
+    void setBus(const QDBusConnection &systemBus);
 
     bool isHeld() const { return m_lock.isValid(); }
     bool isDenied() const { return m_denied; }

@@ -15,7 +15,10 @@
 namespace {
 
 constexpr qint64 longestFile = 100;
-constexpr QLatin1String restart("restart"); // "DATE restart", the last word only where it is known
+
+// "DATE AWAKE SUSPENDED restart recorded", the last words only where it is so.
+constexpr QLatin1String restart("restart");
+constexpr QLatin1String recorded("recorded");
 
 /// A name that came or went is on the disk with its folder.
 void syncFolderOf(const QString &path)
@@ -35,7 +38,7 @@ ZELKFileShutdownMemory::ZELKFileShutdownMemory(const QString &path)
 {
 }
 
-std::optional<ZELKPendingShutdown> ZELKFileShutdownMemory::recall() const
+std::optional<ZELKAnnouncedShutdown> ZELKFileShutdownMemory::recall() const
 {
     QFile file(m_path);
     if (!file.open(QIODevice::ReadOnly))
@@ -43,18 +46,22 @@ std::optional<ZELKPendingShutdown> ZELKFileShutdownMemory::recall() const
     const QStringList words = QString::fromLatin1(file.read(longestFile)).trimmed().split(QLatin1Char(' '));
     if (!ZELKIsDateText(words.at(0).toStdString()))
         return std::nullopt;
-    const bool restarts = words.value(1) == restart;
-    return ZELKPendingShutdown{ZELKDate(words.at(0).toDouble()),
-                               restarts ? std::optional(ZELKShutdownKind::Restart) : std::nullopt};
+    const ZELKMoment moment{ZELKDate(words.at(0).toDouble()), words.value(1).toDouble(),
+                            words.value(2).toDouble()};
+    const auto kind = words.contains(restart) ? std::optional(ZELKShutdownKind::Restart) : std::nullopt;
+    return ZELKAnnouncedShutdown{moment, kind, words.contains(recorded)};
 }
 
 /// A QSaveFile has synchronised the bytes before it takes its name.
-void ZELKFileShutdownMemory::remember(const ZELKPendingShutdown &shutdown)
+void ZELKFileShutdownMemory::remember(const ZELKAnnouncedShutdown &shutdown)
 {
-    QString text = ZELKDateText(shutdown.date);
+    const auto &[date, awake, suspended] = shutdown.moment;
+    QStringList words{ZELKDateText(date), QString::number(awake, 'f', 6), QString::number(suspended, 'f', 6)};
     if (shutdown.kind == ZELKShutdownKind::Restart)
-        text += QLatin1Char(' ') + restart;
-    const QByteArray bytes = text.toLatin1() + '\n';
+        words.append(restart);
+    if (shutdown.isRecorded)
+        words.append(recorded);
+    const QByteArray bytes = words.join(QLatin1Char(' ')).toLatin1() + '\n';
     QDir().mkpath(QFileInfo(m_path).path());
     QSaveFile file(m_path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())

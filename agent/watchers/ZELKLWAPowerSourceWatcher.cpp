@@ -61,6 +61,17 @@ void ZELKLWAPowerSourceWatcher::systemDidWake(ZELKDate wake)
         m_kernel.readNow();
 }
 
+void ZELKLWAPowerSourceWatcher::setBus(const QDBusConnection &systemBus)
+{
+    const bool runs = m_session != nullptr;
+    stop();
+    m_bus = systemBus;
+    m_uPower.setBus(systemBus);
+    m_services.setConnection(systemBus);
+    if (runs)
+        start();
+}
+
 void ZELKLWAPowerSourceWatcher::lookForUPower()
 {
     ZELKBusCall::askForOwner(m_bus, ZELKUPowerPort::serviceName(), m_session.get(), [this](bool isThere) {

@@ -34,6 +34,8 @@ public:
 public Q_SLOTS:
     /// Nothing that was read before `wake` is recorded from now on.
     void systemDidWake(ZELKDate wake);
+    /// The bus went away, or there is another: like UPower that leaves and comes.
+    void setBus(const QDBusConnection &systemBus);
 
 private:
     enum class Reader { None, UPower, Kernel };

@@ -63,10 +63,10 @@ void ZELKLWASleepWatcher::start()
     m_sleep = ZELKSleepStates(now());
     m_shutdown = {};
     m_idle = {};
-    tellOfPendingShutdown();
     m_clockSet.start();
     m_jobs.start();
     m_logind.start();
+    recallShutdown();
 }
 
 void ZELKLWASleepWatcher::stop()
@@ -90,7 +90,14 @@ void ZELKLWASleepWatcher::tellOfLastShutdown()
     if (m_shutdown.isUndecided())
         decideShutdown(kind);
     else if (kind)
-        tell(m_shutdown.jobDidStart(*kind, now()));
+        tellOfShutdown(m_shutdown.jobDidStart(*kind, now()));
+}
+
+void ZELKLWASleepWatcher::setBus(const QDBusConnection &systemBus)
+{
+    guarded([this] { checkClocks(); });
+    m_jobs.setBus(systemBus);
+    m_logind.setBus(systemBus);
 }
 
 ZELKMoment ZELKLWASleepWatcher::now() const
@@ -141,19 +148,25 @@ void ZELKLWASleepWatcher::prepareForShutdown(bool begins, std::optional<ZELKShut
         m_jobLimit.stop();
         decideShutdown(std::nullopt);
         tell(m_shutdown.cancel(moment));
+        m_shutdowns.forget();
         retakeLock();
         return;
     }
     const bool isNews = m_shutdown.announce(moment);
     if (isNews && kind)
-        tell(m_shutdown.decide(kind));
+        tellOfShutdown(m_shutdown.decide(kind));
     else if (isNews)
-        m_shutdowns.remember({moment.date, std::nullopt});
+        m_shutdowns.remember(m_shutdown.announced());
     if (!m_shutdown.isUndecided())
         m_logind.releaseLocks();
     else if (isNews)
-        m_jobs.requestShutdownKind(
-            [this](const ZELKManagerJobs::Answer &answer) { shutdownKindDidArrive(answer); });
+        requestShutdownKind();
+}
+
+void ZELKLWASleepWatcher::requestShutdownKind()
+{
+    m_jobs.requestShutdownKind(
+        [this](const ZELKManagerJobs::Answer &answer) { shutdownKindDidArrive(answer); });
 }
 
 void ZELKLWASleepWatcher::shutdownKindDidArrive(const ZELKManagerJobs::Answer &answer)
@@ -175,7 +188,7 @@ void ZELKLWASleepWatcher::shutdownJobDidStart(ZELKShutdownKind kind)
     if (m_shutdown.isUndecided())
         decideShutdown(kind);
     else
-        tell(m_shutdown.jobDidStart(kind, moment));
+        tellOfShutdown(m_shutdown.jobDidStart(kind, moment));
     m_logind.releaseLocks();
 }
 
@@ -186,16 +199,31 @@ void ZELKLWASleepWatcher::decideShutdown(std::optional<ZELKShutdownKind> kind)
     if (!m_shutdown.isUndecided())
         return;
     if (kind == ZELKShutdownKind::Restart)
-        m_shutdowns.remember({m_shutdown.announced(), kind});
-    tell(m_shutdown.decide(kind));
-    m_shutdowns.forget();
+        m_shutdowns.remember(m_shutdown.announced(kind));
+    tellOfShutdown(m_shutdown.decide(kind));
 }
 
-void ZELKLWASleepWatcher::tellOfPendingShutdown()
+/// The system may take its time to end, and another agent our place.
+void ZELKLWASleepWatcher::tellOfShutdown(const std::vector<ZELKLWAEvent> &events)
 {
-    if (const auto left = m_shutdowns.recall())
-        tell({left->event()});
-    m_shutdowns.forget();
+    if (events.empty())
+        return;
+    tell(events);
+    m_shutdowns.remember(m_shutdown.announced());
+}
+
+void ZELKLWASleepWatcher::recallShutdown()
+{
+    const auto left = m_shutdowns.recall();
+    if (!left || !m_shutdown.resume(*left, now())) {
+        if (left && !left->isRecorded)
+            tell({left->event()});
+        m_shutdowns.forget();
+    } else if (left->kind) {
+        decideShutdown(left->kind);
+    } else if (m_shutdown.isUndecided()) {
+        requestShutdownKind();
+    }
 }
 
 void ZELKLWASleepWatcher::idleHintDidChange()

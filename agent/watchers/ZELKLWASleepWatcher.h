@@ -24,9 +24,10 @@
 /// What is about to happen is with the sink before the lock that delays it is let go. The one exception is a
 /// shut-down whose kind is not known yet: logind starts the job that tells only once nobody delays it any
 /// more, so the lock goes first, and "System will power off" or "System will restart" follows with the job,
-/// the cancellation, stop() or a limit, dated at the announcement. Until then the memory keeps it; what is
-/// left there by one that ended without a word is recorded by the next start(), as "System will power off"
-/// unless the kind is kept too.
+/// the cancellation, stop() or a limit, dated at the announcement. Until then the memory keeps it. The next
+/// start() goes on from there while the shut-down is still on its way, and tells no second time of one that
+/// is recorded. After the end of the system it records what was left, as "System will power off" unless the
+/// kind is kept too.
 class ZELKLWASleepWatcher : public ZELKLWAWatcher
 {
     Q_OBJECT
@@ -49,6 +50,8 @@ public:
 public Q_SLOTS:
     /// For whatever else shows that the machine is awake.
     void checkClocks();
+    /// The bus went away, or there is another. What was told and what is being waited for stands.
+    void setBus(const QDBusConnection &systemBus);
 
 Q_SIGNALS:
     /// A wake was recorded; what was measured before it is out of date.
@@ -65,7 +68,9 @@ private:
     void shutdownKindDidArrive(const ZELKManagerJobs::Answer &answer);
     void shutdownJobDidStart(ZELKShutdownKind kind);
     void decideShutdown(std::optional<ZELKShutdownKind> kind);
-    void tellOfPendingShutdown();
+    void requestShutdownKind();
+    void tellOfShutdown(const std::vector<ZELKLWAEvent> &events);
+    void recallShutdown();
     void tellOfLastShutdown();
     void idleHintDidChange();
     void tellOfIdleness(const ZELKIdleHint &hint);

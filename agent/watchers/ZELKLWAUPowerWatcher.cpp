@@ -64,6 +64,12 @@ void ZELKLWAUPowerWatcher::stop()
     m_port.stop();
 }
 
+void ZELKLWAUPowerWatcher::setBus(const QDBusConnection &systemBus)
+{
+    stop();
+    m_port.setBus(systemBus);
+}
+
 void ZELKLWAUPowerWatcher::systemDidWake(ZELKDate wake)
 {
     m_devices.systemDidWake(wake);

@@ -31,6 +31,8 @@ public:
     /// UPower must be on the bus; whoever knows when it comes and goes starts and stops this.
     void start() override;
     void stop() override;
+    /// Stops, and is to be started anew on this one.
+    void setBus(const QDBusConnection &systemBus);
 
 public Q_SLOTS:
     /// Readings from before `wake` are held back, and UPower is asked for newer ones.

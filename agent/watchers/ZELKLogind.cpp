@@ -65,6 +65,20 @@ void ZELKLogind::stop()
     releaseLocks();
 }
 
+void ZELKLogind::setBus(const QDBusConnection &systemBus)
+{
+    const bool runs = std::exchange(m_running, false);
+    if (runs)
+        connectSignals(false);
+    m_isThere = false;
+    m_bus = systemBus;
+    m_service.setConnection(systemBus);
+    m_sleepLock.setBus(systemBus);
+    m_shutdownLock.setBus(systemBus);
+    if (runs)
+        start();
+}
+
 void ZELKLogind::connectSignals(bool connects)
 {
     const auto follow = [&](const QString &interface, const char *signal, const char *slot) {

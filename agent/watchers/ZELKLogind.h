@@ -24,6 +24,8 @@ public:
     /// Announces arrived() when the service is there or, later, each time it comes.
     void start();
     void stop();
+    /// Another connection, or the same without its bus. The locks are kept until there are new ones.
+    void setBus(const QDBusConnection &systemBus);
 
     /// Both locks, that on sleep and that on shut-down; see ZELKDelayLock.
     void takeLocks();

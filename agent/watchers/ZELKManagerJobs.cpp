@@ -74,6 +74,16 @@ void ZELKManagerJobs::stop()
     connectSignals(false);
 }
 
+void ZELKManagerJobs::setBus(const QDBusConnection &systemBus)
+{
+    const bool runs = m_running;
+    stop();
+    m_bus = systemBus;
+    m_service.setConnection(systemBus);
+    if (runs)
+        start();
+}
+
 /// One rule of the bus for each unit; the unit is the signals' third argument.
 void ZELKManagerJobs::connectSignals(bool connects)
 {

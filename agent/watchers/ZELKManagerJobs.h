@@ -22,6 +22,8 @@ public:
 
     void start();
     void stop();
+    /// Another connection, or the same without its bus.
+    void setBus(const QDBusConnection &systemBus);
     bool isThere() const { return m_isThere; }
 
     /// How long the answer about the jobs may take: a shut-down waits for it.

@@ -3,6 +3,17 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// By the clocks of two moments of one boot this is the same date, as long as nobody sets the wall clock.
+ZELKDate bootOf(const ZELKMoment &moment)
+{
+    return moment.date.addingTimeInterval(-moment.awake - moment.suspended);
+}
+
+} // namespace
 
 std::optional<ZELKShutdownKind> ZELKShutdownKindOfTarget(const QString &target)
 {
@@ -28,10 +39,23 @@ bool ZELKShutdownStates::isComing(const ZELKMoment &moment) const
     return m_phase != Phase::None && moment.awake - m_announced.awake <= announcementLasts;
 }
 
-ZELKLWAEvent ZELKPendingShutdown::event() const
+bool ZELKShutdownStates::resume(const ZELKAnnouncedShutdown &left, const ZELKMoment &moment)
+{
+    constexpr double mostDrift = 2.0;
+    const double awake = moment.awake - left.moment.awake;
+    const double drift = bootOf(moment).timeIntervalSinceDate(bootOf(left.moment));
+    if (awake < 0.0 || awake > announcementLasts || std::abs(drift) > mostDrift)
+        return false;
+    m_phase = left.isRecorded ? Phase::Recorded : Phase::Announced;
+    m_announced = left.moment;
+    return true;
+}
+
+ZELKLWAEvent ZELKAnnouncedShutdown::event() const
 {
     const bool restart = kind == ZELKShutdownKind::Restart;
-    return {date, restart ? ZELKEventSystemWillRestart : ZELKEventSystemWillPowerOff, ZELKMonitorPowerEvents};
+    return {moment.date, restart ? ZELKEventSystemWillRestart : ZELKEventSystemWillPowerOff,
+            ZELKMonitorPowerEvents};
 }
 
 ZELKShutdownStates::Events ZELKShutdownStates::decide(std::optional<ZELKShutdownKind> kind)
@@ -39,7 +63,7 @@ ZELKShutdownStates::Events ZELKShutdownStates::decide(std::optional<ZELKShutdown
     if (m_phase != Phase::Announced)
         return {};
     m_phase = Phase::Recorded;
-    return {ZELKPendingShutdown{m_announced.date, kind}.event()};
+    return {ZELKAnnouncedShutdown{m_announced, kind}.event()};
 }
 
 ZELKShutdownStates::Events ZELKShutdownStates::jobDidStart(ZELKShutdownKind kind, const ZELKMoment &moment)

@@ -113,6 +113,12 @@ void ZELKUPowerPort::stop()
     m_started = false;
 }
 
+void ZELKUPowerPort::setBus(const QDBusConnection &bus)
+{
+    stop();
+    m_bus = bus;
+}
+
 void ZELKUPowerPort::listenToDaemon(bool on)
 {
     const auto hook = [&](const char *signal, const char *slot) {

@@ -28,6 +28,8 @@ public:
     /// Asks for everything and listens from then on. Begins anew when it listens already.
     void start();
     void stop();
+    /// Stops, and is to be started anew on this one.
+    void setBus(const QDBusConnection &bus);
     /// Asks UPower to look at a device, then for all its properties. There are versions that can not be
     /// asked: then nothing happens.
     void refresh(const QString &path);

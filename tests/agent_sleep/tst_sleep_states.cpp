@@ -8,6 +8,7 @@
 #include <QMap>
 
 #include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -19,8 +20,8 @@ const QMap<QString, QString> shortNames{
     {ZELKEventSystemWillRestart, u"restart"_s},  {ZELKEventSystemWillNotPowerOff, u"stays"_s}};
 
 /// Plays a script on a machine that starts at second 0. Words: "+5" five seconds awake, "z60" a minute
-/// suspended, "c-9" the wall clock set back by nine; the rest names what is heard. Answers "sleep 0, wake
-/// 60", in tenths where they are not whole.
+/// suspended, "c-9" the wall clock set back by nine, "heir" another agent in this one's place; the rest names
+/// what is heard. Answers "sleep 0, wake 60", in tenths where they are not whole.
 class Machine
 {
 public:
@@ -61,6 +62,10 @@ private:
             return m_shutdown.jobDidStart(ZELKShutdownKind::PowerOff, m_now);
         if (word == u"cancel"_s)
             return m_shutdown.cancel(m_now);
+        if (word == u"heir"_s)
+            m_shutdown.resume(std::exchange(m_shutdown, {}).announced(), m_now);
+        if (word == u"boot"_s)
+            m_now.awake = m_now.suspended = 0.0;
         if (word == u"jobs"_s)
             m_sleep.setHearsJobs(true);
         return m_sleep.observe(m_now);
@@ -166,6 +171,13 @@ private Q_SLOTS:
         row("cancelled, never announced", "cancel", "");
         row("another, after one that came to nothing", "announce unknown +61 announce reboot",
             "off 0, restart 61");
+        row("recorded, then another agent", "announce reboot +9 heir announce reboot cancel",
+            "restart 0, stays 9");
+        row("not recorded, then another agent", "announce +9 heir announce +1 reboot", "restart 0");
+        row("another agent, too late", "announce reboot +61 heir announce reboot", "restart 0, restart 61");
+        row("in the next boot", "announce reboot +9 boot +20 heir announce unknown", "restart 0, off 29");
+        row("in the next boot, that was longer", "+9 boot +5 announce reboot boot +20 heir announce unknown",
+            "restart 14, off 34");
     }
     void shutDowns() { plays(); }
 

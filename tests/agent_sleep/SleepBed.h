@@ -1,0 +1,150 @@
+#pragma once
+
+#include "BusMock.h"
+#include "Rows.h"
+#include "ZELKEnvironment.h"
+#include "ZELKFileShutdownMemory.h"
+#include "ZELKLWASleepWatcher.h"
+
+#include <QDBusObjectPath>
+#include <QTemporaryDir>
+
+#include <memory>
+#include <optional>
+
+/// A machine whose sleep the test tells.
+class TestClock : public ZELKClock, public ZELKSuspendClock
+{
+public:
+    ZELKDate now() const override { return m_now.date; }
+    ZELKMoment read(ZELKDate date) const override { return {date, m_now.awake, m_now.suspended}; }
+    void pass(double awake, double suspended)
+    {
+        m_now.date = m_now.date.addingTimeInterval(awake + suspended);
+        m_now.awake += awake;
+        m_now.suspended += suspended;
+    }
+
+private:
+    ZELKMoment m_now{ZELKDate::fromSecondsSince1970(1700000000.0), 50.0, 5.0};
+};
+
+class Logind : public BusMock
+{
+public:
+    Logind()
+        : BusMock(u"org.freedesktop.login1"_s, u"/org/freedesktop/login1"_s,
+                  u"org.freedesktop.login1.Manager"_s, {u"--template"_s, u"logind"_s})
+    {
+    }
+    /// Pairs, of one on sleep and one on shut-down; -1 for half a pair.
+    int locks() const
+    {
+        const int count = BusMock::count(call(u"ListInhibitors"_s));
+        return count % 2 == 0 ? count / 2 : -1;
+    }
+    void prepareForSleep(bool begins) const { emitSignal(u"PrepareForSleep"_s, u"b"_s, {begins}); }
+    void prepareForShutdown(bool begins) const { emitSignal(u"PrepareForShutdown"_s, u"b"_s, {begins}); }
+};
+
+class Manager : public BusMock
+{
+public:
+    /// `jobs` as the mock's Python wants them.
+    explicit Manager(const QString &jobs = {})
+        : BusMock(u"org.freedesktop.systemd1"_s, u"/org/freedesktop/systemd1"_s,
+                  u"org.freedesktop.systemd1.Manager"_s,
+                  {u"org.freedesktop.systemd1"_s, u"/org/freedesktop/systemd1"_s,
+                   u"org.freedesktop.systemd1.Manager"_s})
+    {
+        setJobs(jobs);
+    }
+    void setJobs(const QString &jobs) const
+    {
+        tell(u"AddMethod"_s, {u"org.freedesktop.systemd1.Manager"_s, u"ListJobs"_s, QString(), u"a(usssoo)"_s,
+                              u"ret = dbus.Array([%1], signature='(usssoo)')"_s.arg(jobs)});
+    }
+    void jobNew(const QString &unit) const { emitSignal(u"JobNew"_s, u"uos"_s, {7u, path(), unit}); }
+    void jobRemoved(const QString &unit, const QString &result) const
+    {
+        emitSignal(u"JobRemoved"_s, u"uoss"_s, {7u, path(), unit, result});
+    }
+
+private:
+    static QVariant path() { return QVariant::fromValue(QDBusObjectPath(u"/job/7"_s)); }
+};
+
+inline constexpr const char *otherJob = "(1, 'a.service', 'stop', 'waiting', '/j/1', '/u/a')";
+inline constexpr const char *rebootJob = "(1, 'a.service', 'stop', 'waiting', '/j/1', '/u/a'),"
+                                         "(2, 'reboot.target', 'start', 'waiting', '/j/2', '/u/r')";
+
+/// A watcher beside logind, on a machine whose clock the test tells, and what it has told.
+class SleepBed : public QObject
+{
+    Q_OBJECT
+
+protected:
+    void setUp()
+    {
+        m_logind.emplace();
+        m_clock = std::make_shared<TestClock>();
+        ZELKEnvironment environment = ZELKEnvironment::system();
+        environment.clock = m_clock;
+        m_scope.emplace(environment);
+        m_seen.clear();
+        m_properties.clear();
+        m_dates.clear();
+        m_folder.emplace();
+        m_shutdowns = std::make_unique<ZELKFileShutdownMemory>(shutdownFile());
+        makeWatcher();
+    }
+    void tearDown()
+    {
+        m_watcher.reset();
+        m_manager.reset();
+        m_scope.reset();
+        m_logind.reset();
+    }
+    QString shutdownFile() const { return m_folder->filePath(u"a folder/shutdown"_s); }
+    /// Like another process, when there was one before: that is gone without a word.
+    void makeWatcher()
+    {
+        m_watcher.emplace(
+            QDBusConnection::systemBus(), [this](const auto &events) { see(events); }, m_clock, *m_shutdowns,
+            QDBusConnection::sessionBus());
+    }
+    void begin()
+    {
+        m_watcher->start();
+        QTRY_COMPARE(m_logind->locks(), 1);
+        QTRY_VERIFY(m_watcher->holdsLocks());
+    }
+    /// As the login manager tells it: 90 seconds and a half ago.
+    qulonglong idleSince() const
+    {
+        const double now = m_clock->now().timeIntervalSinceReferenceDate() + ZELKDate::secondsFrom1970;
+        return qulonglong((now - 90.5) * 1e6);
+    }
+    /// Whether the lock was held is told of what is about to happen.
+    void see(const std::vector<ZELKLWAEvent> &events)
+    {
+        for (const ZELKLWAEvent &event : events) {
+            const bool coming = event.event.contains(u"will"_s) && !event.event.contains(u"not sleep"_s);
+            const bool held = coming && m_logind && m_logind->locks() == 1;
+            m_seen.append(event.event + (held ? u", held"_s : QString()));
+            m_properties.append(event.properties);
+            m_dates.append(event.date);
+        }
+    }
+
+    std::optional<Logind> m_logind;
+    std::optional<Manager> m_manager;
+    std::shared_ptr<TestClock> m_clock;
+    std::optional<QTemporaryDir> m_folder;
+    std::unique_ptr<ZELKFileShutdownMemory> m_shutdowns;
+    std::optional<ZELKEnvironmentScope> m_scope;
+    std::optional<ZELKLWASleepWatcher> m_watcher;
+    QStringList m_seen;
+    QStringList m_properties;
+    QList<ZELKDate> m_dates;
+};
