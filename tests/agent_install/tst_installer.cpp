@@ -142,7 +142,7 @@ private Q_SLOTS:
         QVERIFY(removal->wait());
     }
 
-    void jobAloneIsRemovedAndTheFilesStay()
+    void jobAloneIsRemovedAndWhatOthersKeepThereStays()
     {
         World world;
         QVERIFY(!world.install());
@@ -151,17 +151,14 @@ private Q_SLOTS:
         QVERIFY(!world.install()); // over what is left
         QVERIFY(!world.installer.purge());
         QCOMPARE(world.files(), QStringList());
-    }
 
-    void whatOthersKeepThereStays()
-    {
-        World world;
-        writeFile(world.place.home() + u"/bin/tool"_s, "theirs");
-        writeFile(world.place.bundleFolder() + u"/other"_s, "theirs");
+        const QStringList theirs{world.place.home() + u"/bin/tool"_s,
+                                 world.place.bundleFolder() + u"/other"_s};
+        for (const QString &file : theirs)
+            writeFile(file, "theirs");
         QVERIFY(!world.install());
         QVERIFY(!world.installer.purge());
-        QVERIFY(QFile::exists(world.place.home() + u"/bin/tool"_s));
-        QVERIFY(QFile::exists(world.place.bundleFolder() + u"/other"_s));
+        QVERIFY(QFile::exists(theirs[0]) && QFile::exists(theirs[1]));
         QVERIFY(!QFile::exists(world.place.bundle()) && !QFile::exists(world.place.installer()));
     }
 

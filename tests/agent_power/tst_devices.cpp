@@ -106,7 +106,8 @@ private Q_SLOTS:
     {
         const Rows<QString, QStringList> row;
         row("the charger goes and comes",
-            "supply, dock, plugged, ps/AC/online=0, battery, dock, supply, supply, ps/AC/online=1, supply",
+            "supply, dock, plugged, ps/AC/online=0, battery, dock, ps/AC/online=1, supply, ps/AC/online=0, "
+            "supply, supply, ps/AC/online=1, supply",
             QStringList{u"Device powering off, AC, AC"_s, u"Device powered on, AC, AC"_s});
         row("supplies appear and leave",
             "ps/usb1/type=USB, ps/usb1/online=1, ps/usb1/model_name=Brick, ps/pad/type=USB, ps/pad/online=1, "
@@ -116,7 +117,8 @@ private Q_SLOTS:
         row("docked", "platform/dock.0/docked=1, platform/dock.1/docked=1, dock",
             QStringList{u"Device powered on, dock.0, dock.0"_s});
         row("displays, named while they are there",
-            "drm/card0-HDMI-A-1/edid=LCD, drm/card0-HDMI-A-1/status=connected, leased, plugged, "
+            "drm/card0-HDMI-A-1/status=connected, leased, drm/card0-HDMI-A-1/status=disconnected, plugged, "
+            "drm/card0-HDMI-A-1/edid=LCD, drm/card0-HDMI-A-1/status=connected, plugged, "
             "drm/card0-HDMI-A-1/edid=, drm/card0-HDMI-A-1/status=disconnected, "
             "drm/card0-eDP-1/status=unknown, "
             "plugged",
