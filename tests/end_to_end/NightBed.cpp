@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QTest>
 
+#include <cmath>
 #include <sqlite3.h>
 #include <utmpx.h>
 
@@ -68,7 +69,8 @@ NightAgent::~NightAgent()
         QDBusConnection::disconnectFromBus(QString::fromLatin1(name));
 }
 
-NightBed::NightBed()
+NightBed::NightBed(double day)
+    : m_clock(std::make_shared<NightClock>(day))
 {
     m_options.database = path("agent.db");
     m_options.settings = path("agent.ini");
@@ -78,6 +80,12 @@ NightBed::NightBed()
     m_machine.suspendClock = m_clock;
     m_machine.kernel = {path("boot_id"), path("stat"), path("utmp"), {}};
     addDevices();
+}
+
+void NightBed::addJournal(const QByteArray &bytes)
+{
+    writeFile(path("system.journal"), bytes);
+    m_options.pastJournals = QStringList(path("system.journal"));
 }
 
 ZELKEnvironment NightBed::environment() const
@@ -115,7 +123,7 @@ void NightBed::startAgent(const char *time)
     m_agent.emplace(m_options, m_machine);
     if (!(*m_agent)->start())
         qFatal("the agent does not start");
-    await([&] { return locks() > 0 && records(readings) > before; });
+    await([&] { return locks() > 0 && records(readings) > before && hasReadPast(); });
 }
 
 void NightBed::fallAsleep(const char *time)
@@ -160,6 +168,11 @@ void NightBed::plugIn(const char *time)
 QString NightBed::list() const
 {
     await([this] { return records("settled IS NULL") == 0; });
+    return run({u"list"_s});
+}
+
+QString NightBed::run(const QStringList &arguments) const
+{
     QProcess program;
     QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
     for (const char *folder : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
@@ -167,7 +180,7 @@ QString NightBed::list() const
     variables.insert(u"TZ"_s, u"Europe/Berlin"_s);
     program.setProcessEnvironment(variables);
     program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    program.start(QStringLiteral(LULLWATCH), {u"list"_s});
+    program.start(QStringLiteral(LULLWATCH), arguments);
     await([&] { return program.state() == QProcess::NotRunning; }); // meanwhile the agent serves it
     return QString::fromUtf8(program.readAllStandardOutput());
 }
@@ -211,12 +224,19 @@ void NightBed::setDevice(const char *name, const QVariantMap &properties) const
     m_upower.tell(u"UpdateProperties"_s, {deviceInterface(), properties}, QString::fromLatin1(name));
 }
 
-/// How many events the agent's file holds that are like that.
-int NightBed::records(const char *condition) const
+bool NightBed::hasReadPast() const
+{
+    const QByteArray start =
+        QByteArray::number(std::llround(m_clock->now().timeIntervalSinceReferenceDate() * 1e6));
+    return records("key = 'journal' AND value = '" + start + "'", "settings") > 0;
+}
+
+/// How much the agent's file holds that is like that.
+int NightBed::records(const QByteArray &condition, const char *table) const
 {
     sqlite3 *database = nullptr;
     sqlite3_stmt *statement = nullptr;
-    const QByteArray sql = QByteArray("SELECT COUNT(*) FROM events WHERE ") + condition;
+    const QByteArray sql = QByteArray("SELECT COUNT(*) FROM ") + table + " WHERE " + condition;
     sqlite3_open(QFile::encodeName(m_options.database).constData(), &database);
     sqlite3_prepare_v2(database, sql.constData(), -1, &statement, nullptr);
     const int count = sqlite3_step(statement) == SQLITE_ROW ? sqlite3_column_int(statement, 0) : 0;

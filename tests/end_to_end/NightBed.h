@@ -10,10 +10,18 @@
 #include <memory>
 #include <optional>
 
+/// 11 March 2025, 17:00 in Berlin.
+inline constexpr double usualDay = 1741708800.0;
+
 /// A computer's wall clock in Berlin, and those by which its kernel tells sleep from waking.
 class NightClock final : public ZELKClock, public ZELKSuspendClock
 {
 public:
+    /// `seconds` since 1970.
+    explicit NightClock(double seconds)
+        : m_now{ZELKDate::fromSecondsSince1970(seconds)}
+    {
+    }
     ZELKDate now() const override { return m_now.date; }
     ZELKMoment read(ZELKDate date) const override { return {date, m_now.awake, m_now.suspended}; }
     QDateTime local() const;
@@ -22,7 +30,7 @@ public:
     void boot() { m_now.awake = m_now.suspended = 0.0; }
 
 private:
-    ZELKMoment m_now{ZELKDate::fromSecondsSince1970(1741708800.0)}; // 11 March 2025, 17:00
+    ZELKMoment m_now;
 };
 
 /// An agent's life, with connections that end with it as a process's do.
@@ -43,7 +51,11 @@ private:
 class NightBed
 {
 public:
-    NightBed();
+    /// `day`, in seconds since 1970, is at 17:00.
+    explicit NightBed(double day = usualDay);
+
+    /// What the system keeps of the sleeps.
+    void addJournal(const QByteArray &bytes);
 
     void boot(const char *time);
     /// Without an agent, nobody hears of it.
@@ -58,8 +70,10 @@ public:
     void batteryWas(const char *time, double percent);
     void plugIn(const char *time);
 
-    /// What the program, run for the first time, prints once everything has settled.
+    /// What the program prints once everything has settled. Its home stays from run to run.
     QString list() const;
+    QString run(const QStringList &arguments) const;
+    QString database() const { return m_options.database; }
 
 private:
     ZELKEnvironment environment() const;
@@ -69,11 +83,12 @@ private:
     void addDevices() const;
     void setDevice(const char *name, const QVariantMap &properties) const;
     int locks() const { return BusMock::count(m_logind.call(u"ListInhibitors"_s)); }
-    int records(const char *condition) const;
+    int records(const QByteArray &condition, const char *table = "events") const;
+    bool hasReadPast() const;
     void isRecorded(const std::function<void()> &what) const;
 
     QTemporaryDir m_folder;
-    std::shared_ptr<NightClock> m_clock = std::make_shared<NightClock>();
+    std::shared_ptr<NightClock> m_clock;
     ZELKEnvironmentScope m_scope{environment()};
     BusMock m_logind{u"org.freedesktop.login1"_s,
                      u"/org/freedesktop/login1"_s,

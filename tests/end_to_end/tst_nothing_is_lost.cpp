@@ -148,7 +148,7 @@ public:
         case 2:
             return startApplication();
         case 3:
-            return setClock(uniform(-4000, 4000));
+            return setClock(m_random.bounded(3) == 0 ? uniform(-4e7, 4e7) : uniform(-4000, 4000));
         case 4:
             return pass(uniform(0, 3000));
         case 5:
