@@ -1,7 +1,9 @@
 #include "BackfillFixture.h"
 #include "ZELKAccountingHistory.h"
 #include "ZELKPropertyList.h"
+#include "ZELKSettingsPowerSourceNames.h"
 #include "ZELKUPowerFolder.h"
+#include "ZELKUserDefaults.h"
 
 #include <random>
 
@@ -174,7 +176,7 @@ private Q_SLOTS:
                 QVERIFY(std::find(all.begin(), all.end(), reading) != all.end());
     }
 
-    /// Batteries of the folder, what they are called where the kernel shows PRB-1 and "LNV 45N1", and what
+    /// Batteries of the folder, what they are called where the kernel shows two of model "LNV 45N1", and what
     /// is left out.
     void namesBatteries()
     {
@@ -202,6 +204,15 @@ private Q_SLOTS:
                                    u"LNV_45N1-47-1 = LNV_45N1"_s, u"LNV_45N1-47-38109 = LNV 45N1"_s,
                                    u"PRB-1-80-00042 = PRB-1"_s,   u"X-Y-50 = X-Y"_s};
         QCOMPARE(names, expected);
+
+        // As the watchers have named them: they met the other one first.
+        ZELKUserDefaults settings(folder.filePath(u"settings.ini"_s));
+        ZELKSettingsPowerSourceNames memory(settings);
+        memory.remember({{u"BAT1"_s, {u"LNV 45N1"_s, u"LNV 45N1"_s}}});
+        const ZELKUPowerFolder same(folder.path(), folder.filePath(u"sys"_s), &memory);
+        QCOMPARE(same.nameOf(u"LNV_45N1-45-38110"_s), u"LNV 45N1"_s);
+        QCOMPARE(same.nameOf(u"LNV_45N1-47-38109"_s), u"LNV 45N1 (BAT0)"_s);
+        QCOMPARE(memory.recall().at(u"BAT0"_s).name, u"LNV 45N1 (BAT0)"_s);
         QCOMPARE(textOf(history.readings(u"PRB-1-80-00042"_s)), u"197 75 resting Battery"_s);
     }
 };

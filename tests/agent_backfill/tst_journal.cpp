@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <random>
+#include <unistd.h>
 
 namespace {
 
@@ -123,6 +124,57 @@ private Q_SLOTS:
         QCOMPARE(both.events, longSleep + threeSleeps);
         QVERIFY(both.complete);
         QCOMPARE(both.console, QStringList());
+    }
+
+    /// What is before need not be told; a file that was last written before is not read.
+    void readsWhatIsNeeded()
+    {
+        const QTemporaryDir folder;
+        const auto told = [&](double since) {
+            ZELKJournalReading reading(QCoreApplication::applicationFilePath());
+            QSignalSpy finished(&reading, &ZELKJournalReading::finished);
+            QStringList lines;
+            connect(&reading, &ZELKJournalReading::finished, &reading,
+                    [&](const auto &marks) { lines = linesOf(ZELKSleepHistory::events(marks)); });
+            reading.start(ZELKJournalReading::files({folder.path()}), ZELKDate::fromSecondsSince1970(since));
+            (void)QTest::qWaitFor([&] { return !finished.isEmpty(); }, 60000);
+            return lines;
+        };
+        writeFile(folder.filePath(u"a.journal"_s), journal("three-sleeps-one-failed"));
+        QFile file(folder.filePath(u"a.journal"_s));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(
+            file.setFileTime(QDateTime::fromSecsSinceEpoch(1795378900), QFileDevice::FileModificationTime));
+        file.close();
+        QCOMPARE(told(1795378000), threeSleeps);
+        QCOMPARE(told(1795378836), threeSleeps.mid(3));
+        QCOMPARE(told(1795378890), QStringList());
+        QVERIFY(file.resize(0)); // now an empty file, which would be complained of
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(
+            file.setFileTime(QDateTime::fromSecsSinceEpoch(1795378900), QFileDevice::FileModificationTime));
+        const ConsoleLines console;
+        QCOMPARE(told(1795378901), QStringList());
+        QCOMPARE(console.size(), 0);
+    }
+
+    /// Others may give the right later.
+    void isNotThroughWhileItMayReadNothing()
+    {
+        const QTemporaryDir folder;
+        writeFile(folder.filePath(u"a.journal"_s), journal("sleep-2h"));
+        QVERIFY(QFile::setPermissions(folder.filePath(u"a.journal"_s), QFile::WriteOwner));
+        QFile::setPermissions(folder.path(),
+                              QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther | QFile::ExeOther);
+        const uid_t self = ::getuid();
+        if (self == 0)
+            QCOMPARE(::setresuid(65534, 65534, 0), 0); // root may read everything
+        const Read found = read({folder.path()});
+        if (self == 0)
+            QCOMPARE(::setresuid(0, 0, 0), 0);
+        QVERIFY(!found.complete);
+        QCOMPARE(found.console.size(), 1);
+        QCOMPARE(found.events, QStringList());
     }
 
     /// The kernel's own sleeps, a line that came in late, and what is none of theirs: a user's lines, other
