@@ -20,6 +20,12 @@
 
 namespace {
 
+/// The loader tells places as numbers.
+void *placeOf(std::uintptr_t address)
+{
+    return reinterpret_cast<void *>(address); // NOLINT(performance-no-int-to-ptr)
+}
+
 /// Its code was changed when it was loaded, so that the file does not have it.
 bool isRelocatedInPlace(const dl_phdr_info &object)
 {
@@ -27,7 +33,7 @@ bool isRelocatedInPlace(const dl_phdr_info &object)
         if (object.dlpi_phdr[i].p_type != PT_DYNAMIC)
             continue;
         const auto *entry =
-            reinterpret_cast<const ElfW(Dyn) *>(object.dlpi_addr + object.dlpi_phdr[i].p_vaddr);
+            static_cast<const ElfW(Dyn) *>(placeOf(object.dlpi_addr + object.dlpi_phdr[i].p_vaddr));
         for (; entry->d_tag != DT_NULL; ++entry)
             if (entry->d_tag == DT_TEXTREL || (entry->d_tag == DT_FLAGS && (entry->d_un.d_val & DF_TEXTREL)))
                 return true;
@@ -45,7 +51,7 @@ void dropCleanPages(const dl_phdr_info &object)
             continue;
         const std::uintptr_t first = (object.dlpi_addr + segment.p_vaddr) & ~(page - 1);
         const std::uintptr_t end = object.dlpi_addr + segment.p_vaddr + segment.p_memsz;
-        madvise(reinterpret_cast<void *>(first), end - first, MADV_DONTNEED); // to the end of the last page
+        madvise(placeOf(first), end - first, MADV_DONTNEED); // to the end of the last page
     }
 }
 

@@ -43,6 +43,8 @@ private Q_SLOTS:
         m_logind.reset();
         m_uPower.reset();
         for (std::optional<QProcess> *process : {&m_agent, &m_bus}) {
+            if (!*process)
+                continue;
             (*process)->kill();
             (*process)->waitForFinished();
             process->reset();
@@ -58,13 +60,13 @@ private Q_SLOTS:
     }
     void findsItAgain()
     {
-        const auto [wasThere, loosesFolder] = Rows<bool, bool>::fetch();
+        const auto [wasThere, losesFolder] = Rows<bool, bool>::fetch();
         if (wasThere)
             startBus();
         startAgent();
         if (wasThere) {
             QTRY_COMPARE(m_logind->asked("Inhibit"), 2);
-            endBus(loosesFolder);
+            endBus(losesFolder);
             QTRY_VERIFY(words().contains("went away"));
         } else {
             QTRY_VERIFY(recorded(u"Starting monitor"_s) == 1);
