@@ -1,9 +1,10 @@
 #include "ZELKLWCLogTableModel.h"
 
 #include "ZELKAssertion.h"
+#include "ZELKEntryKeyPath.h"
 #include "ZELKEnvironment.h"
-#include "ZELKFormatter.h"
 #include "ZELKLWCLog.h"
+#include "ZELKLWCLogEntryFormatter.h"
 #include "ZELKShortDate.h"
 
 namespace {
@@ -30,9 +31,10 @@ ZELKLWCLogTableModel::ZELKLWCLogTableModel(ZELKLWCLog &log, QObject *parent)
     prepareWhenIdle();
 }
 
-void ZELKLWCLogTableModel::setFormatters(const ZELKFormatter *date, const ZELKFormatter *summary)
+void ZELKLWCLogTableModel::setFormatters(const ZELKFormatter *date, const ZELKLWCLogEntryFormatter *summary)
 {
-    m_formatters = {date, summary};
+    m_dateFormatter = date;
+    m_summaryFormatter = summary;
     if (rowCount() > 0)
         Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, ColumnCount - 1));
 }
@@ -46,7 +48,12 @@ QString ZELKLWCLogTableModel::identifier(Column column)
 
 QVariant ZELKLWCLogTableModel::value(ZELKLWCLogEntry *entry, Column column)
 {
-    return column == DateColumn ? QVariant::fromValue(entry->date()) : QVariant::fromValue(entry->events());
+    return ZELKEntryKeyPath::value(*entry, identifier(column));
+}
+
+const ZELKFormatter *ZELKLWCLogTableModel::formatter(Column column) const
+{
+    return column == DateColumn ? m_dateFormatter : m_summaryFormatter;
 }
 
 int ZELKLWCLogTableModel::rowCount(const QModelIndex &parent) const
@@ -61,9 +68,18 @@ int ZELKLWCLogTableModel::columnCount(const QModelIndex &parent) const
 
 QString ZELKLWCLogTableModel::text(ZELKLWCLogEntry *entry, Column column) const
 {
-    if (m_formatters[column])
-        return m_formatters[column]->stringForObjectValue(value(entry, column));
+    if (const ZELKFormatter *known = formatter(column))
+        return known->stringForObjectValue(value(entry, column));
     return column == DateColumn ? ZELKShortDate::text(entry->date()) : entry->summary();
+}
+
+ZELKAttributedString ZELKLWCLogTableModel::attributedText(ZELKLWCLogEntry *entry, Column column) const
+{
+    if (column == SummaryColumn && m_summaryFormatter)
+        return m_summaryFormatter->attributedStringForRow(*entry);
+    if (const ZELKFormatter *known = formatter(column))
+        return known->attributedStringForObjectValue(value(entry, column));
+    return ZELKAttributedString(text(entry, column));
 }
 
 QVariant ZELKLWCLogTableModel::data(const QModelIndex &index, int role) const
@@ -75,6 +91,8 @@ QVariant ZELKLWCLogTableModel::data(const QModelIndex &index, int role) const
             return;
         if (role == Qt::DisplayRole)
             value = text(entry, Column(index.column()));
+        else if (role == attributedTextRole)
+            value = QVariant::fromValue(attributedText(entry, Column(index.column())));
         // Whichever cell is current, a screen reader says the row.
         else if (role == Qt::AccessibleTextRole)
             value = QString(text(entry, DateColumn) + QLatin1String(", ") + entry->summary());

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "ZELKAttributedString.h"
 #include "ZELKEntryArrangement.h"
 
 #include <QAbstractTableModel>
 #include <QTimer>
 
-#include <array>
-
 class ZELKFormatter;
 class ZELKLWCLog;
 class ZELKLWCLogEntry;
+class ZELKLWCLogEntryFormatter;
 
 /// The log's visible entries as rows, date and summary: those that pass the filter, in the order of the sort,
 /// without one oldest first. Rows come and go as the visible range does; what stays visible stays the same
@@ -20,14 +20,17 @@ class ZELKLWCLogTableModel : public QAbstractTableModel
 
 public:
     enum Column { DateColumn, SummaryColumn, ColumnCount };
+    /// A cell's text with its attributes, safe for one row: a ZELKAttributedString.
+    static constexpr int attributedTextRole = Qt::UserRole;
 
     /// `log` must outlive the model.
     explicit ZELKLWCLogTableModel(ZELKLWCLog &log, QObject *parent = nullptr);
 
     /// What the cells' texts are made by, from the entry's value for the column's identifier; without them,
     /// dates are short and summaries plain. Not owned.
-    void setFormatters(const ZELKFormatter *date, const ZELKFormatter *summary);
-    const ZELKFormatter *formatter(Column column) const { return m_formatters[column]; }
+    void setFormatters(const ZELKFormatter *date, const ZELKLWCLogEntryFormatter *summary);
+    /// Null where there is none.
+    const ZELKFormatter *formatter(Column column) const;
     /// The key of the entry's value that a column shows: "date", and "events", which is the entry itself.
     static QString identifier(Column column);
     /// The value for that key, as formatters take it.
@@ -64,11 +67,13 @@ private:
     void putIn(const ZELKEntryArrangement::Insertion &insertion);
     void prepareWhenIdle();
     QString text(ZELKLWCLogEntry *entry, Column column) const;
+    ZELKAttributedString attributedText(ZELKLWCLogEntry *entry, Column column) const;
 
     ZELKLWCLog &m_log;
     ZELKEntryArrangement m_arrangement;
     QString m_filterString;
     ZELKSortDescriptors m_sortDescriptors;
-    std::array<const ZELKFormatter *, ColumnCount> m_formatters{};
+    const ZELKFormatter *m_dateFormatter = nullptr;
+    const ZELKLWCLogEntryFormatter *m_summaryFormatter = nullptr;
     QTimer m_idle;
 };

@@ -1,0 +1,201 @@
+#include "ZELKLWCLogTableView.h"
+
+#include "ZELKAssertion.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDrag>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QMouseEvent>
+
+#include <algorithm>
+
+namespace {
+
+constexpr QChar lineFeed(0x0A);
+
+} // namespace
+
+ZELKLWCLogTableView::ZELKLWCLogTableView(QWidget *parent)
+    : ZELKUniformTableView(parent)
+    , m_dragRunner([](QDrag &drag, Qt::DropActions actions) { drag.exec(actions); })
+{
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setTabKeyNavigation(false);
+    setWordWrap(false);
+    setShowGrid(false);
+    setDragEnabled(true);
+    setDragDropMode(DragOnly);
+    horizontalHeader()->setHighlightSections(false);
+    connect(this, &QTableView::doubleClicked, this, &ZELKLWCLogTableView::doubleAction);
+}
+
+// MARK: menu
+
+bool ZELKLWCLogTableView::validateMenuItem(MenuItem item) const
+{
+    return item != MenuItem::Copy ||
+           (dynamic_cast<const ZELKLWCLogTableViewCopy *>(m_delegate) && hasSelectedRows());
+}
+
+void ZELKLWCLogTableView::copy()
+{
+    if (hasSelectedRows()) {
+        QMimeData pasteboard;
+        tableViewWriteRowsToPasteboard(selectedRows(), pasteboard);
+    }
+}
+
+bool ZELKLWCLogTableView::tableViewWriteRowsToPasteboard(const ZELKRowRanges &, QMimeData &)
+{
+    return false;
+}
+
+void ZELKLWCLogTableView::cancelOperation()
+{
+    if (m_delegate)
+        m_delegate->tableViewCancel(*this);
+}
+
+// MARK: keys
+
+/// Copying belongs to the menu; a view would put one cell on the clipboard.
+bool ZELKLWCLogTableView::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent *>(event)->matches(QKeySequence::Copy)) {
+        event->ignore();
+        return false;
+    }
+    return ZELKUniformTableView::event(event);
+}
+
+void ZELKLWCLogTableView::keyPressEvent(QKeyEvent *event)
+{
+    bool isDone = false;
+    zelkGuard([&] { isDone = keyDown(*event); });
+    if (isDone)
+        event->accept();
+    else if (event->matches(QKeySequence::Copy))
+        event->ignore();
+    else
+        ZELKUniformTableView::keyPressEvent(event);
+}
+
+bool ZELKLWCLogTableView::keyDown(const QKeyEvent &event)
+{
+    switch (event.key()) {
+    case Qt::Key_Home:
+        moveToBeginningOfDocument();
+        return true;
+    case Qt::Key_End:
+        moveToEndOfDocument();
+        return true;
+    case Qt::Key_Enter:
+    case Qt::Key_Return:
+        Q_EMIT doubleAction();
+        return true;
+    case Qt::Key_Escape:
+        cancelOperation();
+        return true;
+    default:
+        // A line feed without the key of a letter that makes one.
+        if (event.key() < Qt::Key_Space || event.key() > Qt::Key_ydiaeresis)
+            if (event.text() == lineFeed) {
+                Q_EMIT doubleAction();
+                return true;
+            }
+        return false;
+    }
+}
+
+void ZELKLWCLogTableView::moveToBeginningOfDocument()
+{
+    scrollToTop();
+}
+
+void ZELKLWCLogTableView::moveToEndOfDocument()
+{
+    scrollToBottom();
+}
+
+// MARK: rows
+
+bool ZELKLWCLogTableView::hasSelectedRows() const
+{
+    return selectionModel() && selectionModel()->hasSelection();
+}
+
+ZELKRowRanges ZELKLWCLogTableView::selectedRows() const
+{
+    ZELKRowRanges rows;
+    if (!selectionModel())
+        return rows;
+    for (const QItemSelectionRange &range : selectionModel()->selection())
+        if (range.isValid())
+            rows.push_back({range.top(), range.bottom()});
+    std::sort(rows.begin(), rows.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    ZELKRowRanges joined;
+    for (const ZELKRowRange &range : rows) {
+        if (!joined.empty() && range.first <= joined.back().last + 1)
+            joined.back().last = std::max(joined.back().last, range.last);
+        else
+            joined.push_back(range);
+    }
+    return joined;
+}
+
+// MARK: dragging
+
+Qt::DropActions ZELKLWCLogTableView::draggingSourceOperationMaskForLocal(bool isLocal) const
+{
+    if (isLocal && model())
+        return model()->supportedDragActions();
+    return Qt::CopyAction;
+}
+
+void ZELKLWCLogTableView::mousePressEvent(QMouseEvent *event)
+{
+    m_pressedAt = event->position().toPoint();
+    m_isMotionUndecided = event->button() == Qt::LeftButton;
+    setDragEnabled(true);
+    ZELKUniformTableView::mousePressEvent(event);
+}
+
+/// Only a motion along the row takes rows with it; one across rows selects them.
+void ZELKLWCLogTableView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (m_isMotionUndecided && event->buttons().testFlag(Qt::LeftButton)) {
+        const QPoint way = event->position().toPoint() - m_pressedAt;
+        if (way.manhattanLength() < QApplication::startDragDistance())
+            return;
+        m_isMotionUndecided = false;
+        setDragEnabled(std::abs(way.x()) > std::abs(way.y()));
+        ZELKUniformTableView::mouseMoveEvent(event); // says that this is a drag; the next one begins it
+    }
+    ZELKUniformTableView::mouseMoveEvent(event);
+}
+
+void ZELKLWCLogTableView::mouseReleaseEvent(QMouseEvent *event)
+{
+    m_isMotionUndecided = false;
+    ZELKUniformTableView::mouseReleaseEvent(event);
+    setDragEnabled(true);
+}
+
+void ZELKLWCLogTableView::startDrag(Qt::DropActions)
+{
+    zelkGuard([this] {
+        auto pasteboard = std::make_unique<QMimeData>();
+        if (!m_delegate || !m_delegate->tableViewWriteRowsToPasteboard(selectedRows(), *pasteboard))
+            return;
+        auto *drag = new QDrag(this); // goes by itself once it has ended
+        drag->setMimeData(pasteboard.release());
+        m_dragRunner(*drag, draggingSourceOperationMaskForLocal(false));
+    });
+}
