@@ -27,7 +27,7 @@ QByteArray bytesOf(const ZELKRawEventView &event)
                            {ZELKEventKeyDescription, text(event.description)},
                            {ZELKEventKeyMonitor, text(event.monitor)},
                            {ZELKEventKeyProperties, text(event.properties)}};
-    return ZELKSerialisedRawEvent(raw).bytes;
+    return ZELKRawEventWriter::write(raw).bytes;
 }
 
 } // namespace

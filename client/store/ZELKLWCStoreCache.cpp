@@ -136,7 +136,7 @@ void ZELKLWCStoreCache::recover(bool raised)
 
 ZELKLWCStoreCache::CacheRow ZELKLWCStoreCache::serialised(const ZELKRawEvent &event) const
 {
-    const ZELKPropertyList::Written written = ZELKSerialisedRawEvent(event);
+    const ZELKPropertyList::Written written = ZELKRawEventWriter::write(event);
     if (!written.error.isEmpty() || written.bytes.isEmpty())
         fail(ZELKFormat("%@ serialization of '%@' failed %@.",
                         {className(), QVariant::fromValue(event),

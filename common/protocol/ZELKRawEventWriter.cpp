@@ -141,7 +141,7 @@ private:
 
 } // namespace
 
-ZELKPropertyList::Written ZELKSerialisedRawEvent(const ZELKRawEvent &event)
+ZELKPropertyList::Written ZELKRawEventWriter::write(const ZELKRawEvent &event)
 {
     const QByteArray bytes = FlatWriter().write(event);
     return bytes.isEmpty() ? ZELKPropertyList::writeBinary(QVariant::fromValue(event))

@@ -4,6 +4,7 @@
 #include "ZELKEventStream.h"
 #include "ZELKPropertyList.h"
 #include "ZELKRawEvent.h"
+#include "ZELKRawEventWriter.h"
 #include "ZELKValue.h"
 
 #include <random>
@@ -108,7 +109,7 @@ public:
             << QString(300, u'x') << QString(300, u'é');
         return texts.at(upTo(unsigned(texts.size() - 1)));
     }
-    QByteArray event()
+    ZELKRawEvent event()
     {
         ZELKRawEvent event;
         QStringList keys{u"date"_s, u"description"_s, u"monitor"_s, u"properties"_s};
@@ -119,7 +120,7 @@ public:
             event.insert(anyText(), anyText());
         if (upTo(9) == 0)
             event.insert(u"date"_s, 1.5);
-        return blobOf(event);
+        return event;
     }
     QByteArray mutated(QByteArray blob)
     {
@@ -258,7 +259,9 @@ private Q_SLOTS:
             QVERIFY2(difference(reader, changed).isEmpty(), changed.toHex());
         }
         for (int i = 0; i < 10000; ++i) {
-            const QByteArray blob = mutator.event();
+            const ZELKRawEvent event = mutator.event();
+            const QByteArray blob = blobOf(event);
+            QCOMPARE(ZELKRawEventWriter::write(event).bytes, blob); // what the library writes
             QVERIFY2(difference(reader, blob).isEmpty(), blob.toHex());
             const QByteArray changed = mutator.mutated(blob);
             const QString fault = difference(reader, changed);
