@@ -32,6 +32,7 @@ ZELKLWCLogTableView::ZELKLWCLogTableView(QWidget *parent)
     setDragEnabled(true);
     setDragDropMode(DragOnly);
     horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setStretchLastSection(true);
     connect(this, &QTableView::doubleClicked, this, &ZELKLWCLogTableView::doubleAction);
 }
 

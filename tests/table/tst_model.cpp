@@ -1,82 +1,12 @@
 #include "NamedRows.h"
-#include "ZELKBundle.h"
-#include "ZELKEnvironment.h"
-#include "ZELKLWCDateRangeController.h"
-#include "ZELKLWCLog.h"
+#include "TableFixture.h"
 #include "ZELKLWCLogTableModel.h"
 #include "ZELKShortDate.h"
-#include "ZELKUserDefaults.h"
 
 #include <QAbstractItemModelTester>
-#include <QRandomGenerator>
 #include <QSignalSpy>
-#include <QTemporaryDir>
-
-using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr double day = 86400.0;
-// 2024-03-05 00:00:00 UTC
-constexpr double start = 731289600.0;
-
-ZELKEnvironment environment()
-{
-    ZELKEnvironment environment = ZELKEnvironment::system();
-    environment.clock = std::make_shared<ZELKFixedClock>(ZELKDate(start + 50.5 * day));
-    environment.zone = QTimeZone::utc();
-    environment.locale = QLocale(QLocale::English, QLocale::UnitedKingdom);
-    environment.mainBundle = std::make_shared<ZELKBundle>(ZELKBundle::mainBundlePath({}), u"en"_s);
-    return environment;
-}
-
-/// A log on a date range, shown whole.
-struct Fixture
-{
-    ZELKEnvironmentScope scope{environment()};
-    QTemporaryDir folder;
-    ZELKUserDefaults defaults{folder.filePath(u"defaults.ini"_s)};
-    ZELKLWCDateRangeController range{defaults};
-    ZELKLWCLog log;
-    double next = start;
-    int monitor = 0;
-
-    Fixture()
-    {
-        range.awakeFromNib();
-        log.setDateRange(&range);
-        log.awakeFromNib();
-        range.setSelectionTag(8);
-    }
-    /// Four events a day.
-    void grow(int count)
-    {
-        QList<ZELKRawEvent> events;
-        for (int i = 0; i < count; ++i, next += day / 4)
-            events.append(ZELKMakeRawEvent(ZELKDate(next), u"event %1"_s.arg(next), u"org.example"_s));
-        log.addExternalEntries(events);
-    }
-    /// Alike summaries, some dates that are the same, and once that is allowed some that are late.
-    void growUnevenly(int count, QRandomGenerator &random, bool isLateAllowed)
-    {
-        QList<ZELKRawEvent> events;
-        for (int i = 0; i < count; ++i) {
-            next += random.bounded(3) > 0 ? day / 4 : 0.0;
-            const double late = isLateAllowed && random.bounded(20) == 0 ? 3 * day : 0.0;
-            const QString word =
-                QStringList{u"Power"_s, u"power"_s, u"Sleep"_s, u"Zürich"_s}[random.bounded(4)];
-            // Monitors keep events of one name from being merged.
-            events.append(ZELKMakeRawEvent(ZELKDate(next - late), word + QString::number(random.bounded(3)),
-                                           u"org.example.%1"_s.arg(++monitor)));
-        }
-        log.addExternalEntries(events);
-    }
-    void show(int firstDay, int days)
-    {
-        range.setAbsoluteDuration(
-            std::make_shared<ZELKLWCAbsoluteDuration>(ZELKDate(start + firstDay * day), days * day - 1.0));
-    }
-};
 
 /// The rows' entries as a view keeps them, by the model's signals alone, and the story of those signals.
 class Mirror : public QObject
@@ -170,7 +100,7 @@ private Q_SLOTS:
         QFETCH(QString, sort);
         QFETCH(QString, filter);
         QFETCH(bool, isLateAllowed);
-        Fixture fixture;
+        TableFixture fixture;
         QRandomGenerator random(20240305);
         fixture.growUnevenly(3000, random, isLateAllowed); // more than what is sorted one by one
         ZELKLWCLogTableModel model(fixture.log);
@@ -197,7 +127,7 @@ private Q_SLOTS:
 
     void rowsOfEntriesThatAreNotShown()
     {
-        Fixture fixture;
+        TableFixture fixture;
         fixture.grow(40);
         fixture.show(2, 5);
         ZELKLWCLogTableModel model(fixture.log);
@@ -226,7 +156,7 @@ private Q_SLOTS:
     {
         QFETCH(int, firstDay);
         QFETCH(int, days);
-        Fixture fixture;
+        TableFixture fixture;
         fixture.grow(160);
         fixture.show(10, 5);
         ZELKLWCLogTableModel model(fixture.log);
@@ -240,7 +170,7 @@ private Q_SLOTS:
 
     void cells()
     {
-        Fixture fixture;
+        TableFixture fixture;
         fixture.grow(2);
         const ZELKLWCLogTableModel model(fixture.log);
         QCOMPARE(model.index(1, ZELKLWCLogTableModel::DateColumn).data(), QVariant(u"05/03/2024 06:00:00"_s));

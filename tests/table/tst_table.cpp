@@ -1,0 +1,576 @@
+#include "NamedRows.h"
+#include "TableFixture.h"
+#include "ZELKArchive.h"
+#include "ZELKCapsule.h"
+#include "ZELKLWCLogEntryFormatter.h"
+#include "ZELKLWCLogTableController.h"
+#include "ZELKLWCRelativeDateFormatter.h"
+#include "ZELKNotificationQueue.h"
+#include "ZELKRtfReader.h"
+
+#include <QAbstractItemModelTester>
+#include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
+#include <QDrag>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QPainter>
+#include <QScrollBar>
+#include <QSignalSpy>
+
+namespace {
+
+using MenuItem = ZELKLWCLogTableController::MenuItem;
+using Model = ZELKLWCLogTableModel;
+
+/// A table of 400 entries in a window, with its search field.
+struct Table : TableFixture
+{
+    QLineEdit field;
+    ZELKLWCLogTableView view;
+    ZELKLWCRelativeDateFormatter dates{defaults};
+    ZELKLWCLogEntryFormatter summaries;
+    ZELKNotificationQueue queue;
+    ZELKLWCLogTableController controller{{log, view, field, dates, summaries, defaults, queue}};
+
+    explicit Table(int count = 400)
+    {
+        defaults.setValue(u"highlight"_s, true);
+        defaults.setValue(u"highlightColour"_s, ZELKArchive::archivedColour(Qt::red));
+        grow(count);
+        controller.awakeFromNib();
+        view.resize(600, 400);
+        view.show();
+        if (!QTest::qWaitForWindowExposed(&view))
+            qFatal("no window");
+        view.setFocus();
+    }
+    Model &model() { return controller.model(); }
+    void select(int first, int last)
+    {
+        view.selectionModel()->select({model().index(first, 0), model().index(last, 1)},
+                                      QItemSelectionModel::ClearAndSelect);
+    }
+    QList<int> selected() const
+    {
+        QList<int> rows;
+        for (const ZELKRowRange &span : controller.selectedRows())
+            for (int row = span.first; row <= span.last; ++row)
+                rows.append(row);
+        return rows;
+    }
+    QString summaryAt(int row) { return model().entryAtRow(row)->summary(); }
+    QPoint centreOf(int row, int column = 1) { return view.visualRect(model().index(row, column)).center(); }
+    int topRow() { return view.indexAt({1, 1}).row(); }
+    int rowOf(int logIndex) { return model().rowOfEntry(log.objectAtIndex(logIndex)).value_or(-1); }
+    void pair(int later, int earlier) { log.objectAtIndex(later)->setPair(log.objectAtIndex(earlier)); }
+    void clickHeader(int column)
+    {
+        QHeaderView *header = view.horizontalHeader();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                          {header->sectionViewportPosition(column) + 20, header->height() / 2});
+    }
+};
+
+/// Whoever chooses a date.
+class Chooser : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QVariant selection MEMBER m_selection)
+
+public:
+    explicit Chooser(const QVariant &selection = {})
+        : m_selection(selection)
+    {
+    }
+    QVariant m_selection;
+};
+
+/// Counts the times that a view is painted.
+class Paintings : public QObject
+{
+public:
+    explicit Paintings(QAbstractItemView &view)
+    {
+        settle();
+        view.viewport()->installEventFilter(this);
+    }
+    int take()
+    {
+        settle();
+        return std::exchange(m_count, 0);
+    }
+
+private:
+    static void settle()
+    {
+        for (int i = 0; i < 5; ++i)
+            QCoreApplication::processEvents();
+    }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        m_count += event->type() == QEvent::Paint;
+        return false;
+    }
+    int m_count = 0;
+};
+
+} // namespace
+
+class TableTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void filters()
+    {
+        Table table(0);
+        QList<ZELKRawEvent> events;
+        for (const char *name : {"Power on", "power off", "Mains Power", "sleep"})
+            events.append(ZELKMakeRawEvent(ZELKDate(table.next += day), QString::fromLatin1(name), u"m"_s));
+        table.log.addExternalEntries(events);
+        QVERIFY(!table.controller.validateMenuItem(MenuItem::CancelFilter));
+        QTest::keyClicks(&table.field, u"Power"_s);
+        QCOMPARE(table.model().rowCount(), 2);
+        QCOMPARE(table.summaryAt(1), u"Mains Power"_s);
+        QCOMPARE(table.controller.filterString(), u"Power"_s);
+        QVERIFY(table.controller.validateMenuItem(MenuItem::CancelFilter));
+        QTest::keyClick(&table.view, Qt::Key_Escape);
+        QCOMPARE(table.field.text(), QString());
+        QCOMPARE(table.model().rowCount(), 4);
+    }
+
+    void keys_data()
+    {
+        const NamedRows<Qt::Key, Qt::KeyboardModifier, int, int> row("key", "modifier", "opens", "top");
+        row("Home", Qt::Key_Home, Qt::NoModifier, 0, 0);
+        row("Shift Home", Qt::Key_Home, Qt::ShiftModifier, 0, 0);
+        row("End", Qt::Key_End, Qt::NoModifier, 0, -1);
+        row("Return", Qt::Key_Return, Qt::NoModifier, 1, 100);
+        row("Enter", Qt::Key_Enter, Qt::KeypadModifier, 1, 100);
+        row("a letter", Qt::Key_E, Qt::NoModifier, 0, 100);
+    }
+
+    void keys()
+    {
+        QFETCH(Qt::Key, key);
+        QFETCH(Qt::KeyboardModifier, modifier);
+        QFETCH(int, opens);
+        QFETCH(int, top);
+        Table table;
+        table.select(103, 104);
+        table.view.verticalScrollBar()->setValue(100);
+        const QSignalSpy opened(&table.controller, &ZELKLWCLogTableController::showInformationPanel);
+        QTest::keyClick(&table.view, key, modifier);
+        QCOMPARE(opened.count(), opens);
+        QCOMPARE(table.topRow(), top < 0 ? table.view.verticalScrollBar()->maximum() : top);
+        QCOMPARE(table.selected(), QList({103, 104}));
+    }
+
+    void keysBesides()
+    {
+        Table table;
+        const QSignalSpy opened(&table.controller, &ZELKLWCLogTableController::showInformationPanel);
+        QKeyEvent lineFeed(QEvent::KeyPress, 0, Qt::NoModifier, u"\n"_s);
+        QCoreApplication::sendEvent(&table.view, &lineFeed);
+        QCOMPARE(opened.count(), 1);
+        QTest::mouseClick(table.view.viewport(), Qt::LeftButton, {}, table.centreOf(2));
+        QTest::mouseDClick(table.view.viewport(), Qt::LeftButton, {}, table.centreOf(2));
+        QCOMPARE(opened.count(), 2);
+        table.view.setCurrentIndex(table.model().index(3, 0));
+        QTest::keyClick(&table.view, Qt::Key_Down, Qt::ShiftModifier);
+        QTest::keyClick(&table.view, Qt::Key_Down, Qt::ShiftModifier);
+        QCOMPARE(table.selected(), QList({3, 4, 5}));
+        const int page = table.view.verticalScrollBar()->pageStep();
+        QTest::keyClick(&table.view, Qt::Key_PageDown);
+        QCOMPARE(table.selected(), QList({5 + page}));
+        QVERIFY(table.view.viewport()->rect().contains(table.centreOf(5 + page)));
+    }
+
+    void sortsByHeader()
+    {
+        Table table(12);
+        QAbstractItemModelTester tester(&table.model(),
+                                        QAbstractItemModelTester::FailureReportingMode::Fatal);
+        QVERIFY(table.controller.sortDescriptors().isEmpty());
+        table.clickHeader(Model::DateColumn);
+        QCOMPARE(table.rowOf(11), 0);
+        table.clickHeader(Model::SummaryColumn);
+        const ZELKSortDescriptors expected{{u"summary"_s, true}, {u"date"_s, false}};
+        QCOMPARE(table.controller.sortDescriptors(), expected);
+        QCOMPARE(table.view.horizontalHeader()->sortIndicatorSection(), int(Model::SummaryColumn));
+        table.grow(1);
+        QCOMPARE(table.model().rowCount(), 13);
+
+        ZELKLWCLogTableView view;
+        QLineEdit field;
+        ZELKLWCLogTableController other(
+            {table.log, view, field, table.dates, table.summaries, table.defaults, table.queue});
+        other.awakeFromNib();
+        other.restoreSortDescriptors();
+        QCOMPARE(other.sortDescriptors(), expected);
+        table.defaults.setValue(u"columnSortDescriptors"_s, QByteArray("damaged"));
+        other.setSortDescriptors({});
+        table.defaults.setValue(u"columnSortDescriptors"_s, QByteArray("damaged"));
+        other.restoreSortDescriptors();
+        QVERIFY(other.sortDescriptors().isEmpty());
+    }
+
+    void selectionStaysWithEntries()
+    {
+        Table table;
+        const auto selectedEntries = [&] {
+            QList<ZELKLWCLogEntry *> entries = table.controller.selectedObjects();
+            std::sort(entries.begin(), entries.end(),
+                      [](const auto *a, const auto *b) { return a->date() < b->date(); });
+            return entries;
+        };
+        table.select(10, 29);
+        const QList<ZELKLWCLogEntry *> before = selectedEntries();
+        table.view.selectionModel()->setCurrentIndex(table.model().index(12, 0),
+                                                     QItemSelectionModel::NoUpdate);
+        table.controller.setSortDescriptors({{u"date"_s, false}});
+        QCOMPARE(selectedEntries(), before);
+        QCOMPARE(table.view.currentIndex().row(), table.rowOf(12));
+        QVERIFY(table.view.viewport()->rect().intersects(table.view.visualRect(table.view.currentIndex())));
+        table.grow(5);
+        QCOMPARE(selectedEntries(), before);
+        table.field.setText(before.at(7)->summary());
+        QCOMPARE(selectedEntries(), QList{before.at(7)});
+        table.field.clear();
+        QCOMPARE(selectedEntries(), QList{before.at(7)});
+        // The newest entries stay in view, wherever they go.
+        table.view.clearSelection();
+        table.view.setCurrentIndex({});
+        table.view.scrollToTop();
+        table.controller.setSortDescriptors({});
+        QCOMPARE(table.view.verticalScrollBar()->value(), table.view.verticalScrollBar()->maximum());
+    }
+
+    void highlightsThePartner()
+    {
+        Table table;
+        table.pair(9, 4);
+        Paintings paintings(table.view);
+        const auto settled = [&] {
+            paintings.take();
+            return table.controller.highlightEntries();
+        };
+        for (const int row : {2, 5, 9}) // a burst
+            table.select(row, row);
+        QVERIFY(table.controller.highlightEntries().isEmpty());
+        QCOMPARE(settled(), QList{4});
+        QCOMPARE(table.controller.tableViewWillDisplayCell(Model::SummaryColumn, 4),
+                 std::optional<QColor>(Qt::red));
+        QVERIFY(!table.controller.tableViewWillDisplayCell(Model::DateColumn, 4));
+        QVERIFY(!table.controller.tableViewWillDisplayCell(Model::SummaryColumn, 9));
+        const QRect cell = table.view.visualRect(table.model().index(4, 1));
+        const QImage picture = table.view.viewport()->grab().toImage();
+        QCOMPARE(picture.pixelColor(cell.center().x() + 100, cell.top() + 2), QColor(Qt::red));
+        QVERIFY(picture.pixelColor(cell.left(), cell.top() + 1) != QColor(Qt::red)); // round
+
+        table.grow(1);
+        QCOMPARE(settled(), QList{4});
+        table.select(9, 10);
+        QVERIFY(settled().isEmpty());
+        table.select(9, 9);
+        table.field.setText(table.summaryAt(9));
+        QVERIFY(settled().isEmpty()); // its partner is not listed
+        table.field.clear();
+        QCOMPARE(settled(), QList{4});
+        table.defaults.setValue(u"highlight"_s, false);
+        settled();
+        QVERIFY(!table.controller.tableViewWillDisplayCell(Model::SummaryColumn, 4));
+    }
+
+    void redisplaysWhatChanged()
+    {
+        Table table;
+        table.pair(9, 4);
+        Paintings paintings(table.view);
+        const auto setColour = [&](const QColor &colour) {
+            table.defaults.setValue(u"highlightColour"_s, ZELKArchive::archivedColour(colour));
+        };
+        setColour(Qt::green);
+        QCOMPARE(paintings.take(), 0);
+        QCOMPARE(table.controller.highlightColour(), QColor(Qt::green));
+        table.select(9, 9);
+        paintings.take();
+        setColour(Qt::blue);
+        QVERIFY(paintings.take() > 0);
+        table.defaults.setValue(u"highlightColour"_s, QByteArray("damaged"));
+        QCOMPARE(table.controller.highlightColour(), QColor(Qt::blue));
+        table.defaults.setValue(u"relativeDates"_s, true);
+        QVERIFY(paintings.take() > 0);
+        const int height = table.view.uniformRowHeight();
+        table.defaults.setValue(u"eventDetail"_s, true);
+        QVERIFY(paintings.take() > 0);
+        QVERIFY(table.summaries.showDetail());
+        QVERIFY(table.view.uniformRowHeight() > height);
+        QCOMPARE(table.view.visualRect(table.model().index(3, 0)).top(), 3 * table.view.uniformRowHeight());
+    }
+
+    void partners_data()
+    {
+        const NamedRows<int, int, bool, bool, QList<int>, QList<int>> row("first", "last", "isFiltered",
+                                                                          "isValid", "pair", "extended");
+        row("partner above", 7, 7, false, true, {3}, {3, 4, 5, 6, 7});
+        row("partner below", 2, 2, false, true, {6}, {2, 3, 4, 5, 6});
+        row("of the first of several", 7, 9, false, false, {3}, {3, 4, 5, 6, 7, 8, 9});
+        row("none", 5, 5, false, false, {5}, {5});
+        row("not listed", 0, 0, true, false, {0}, {0});
+    }
+
+    void partners()
+    {
+        QFETCH(int, first);
+        QFETCH(int, last);
+        QFETCH(bool, isFiltered);
+        QFETCH(bool, isValid);
+        Table table(20);
+        table.pair(7, 3);
+        table.pair(2, 6);
+        table.field.setText(isFiltered ? table.summaryAt(7) : QString());
+        table.select(first, last);
+        QCOMPARE(table.controller.validateMenuItem(MenuItem::SelectPair), isValid);
+        QCOMPARE(table.controller.validateMenuItem(MenuItem::ExtendSelectionToPair), isValid);
+        table.controller.extendSelectionToPair();
+        QTEST(table.selected(), "extended");
+        table.select(first, last);
+        table.controller.selectPair();
+        QTEST(table.selected(), "pair");
+    }
+
+    void nearestEntry_data()
+    {
+        const NamedRows<double, int> row("hours", "index");
+        row("before all", -100.0, 0);
+        row("after all", 1000.0, 9);
+        row("nearer to the earlier", 6.0 * 3 + 2.0, 3);
+        row("nearer to the later", 6.0 * 3 + 4.0, 4);
+        row("midway", 6.0 * 3 + 3.0, 4);
+        row("at an entry", 6.0 * 5, 5);
+        row("at the first", 0.0, 0);
+        row("at the last, which none is after", 6.0 * 9, -1);
+    }
+
+    void nearestEntry()
+    {
+        QFETCH(double, hours);
+        QFETCH(int, index);
+        Table table(10);
+        for (const ZELKSortDescriptors &order :
+             {ZELKSortDescriptors(), {{u"date"_s, false}}, {{u"summary"_s, false}}}) {
+            table.controller.setSortDescriptors(order);
+            const std::optional<int> row =
+                table.controller.nearestVisibleEntryToDate(ZELKDate(start + hours * 3600.0));
+            QCOMPARE(row.value_or(-1), index < 0 ? -1 : table.rowOf(index));
+        }
+        table.field.setText(u"nothing has this"_s);
+        QVERIFY(!table.controller.nearestVisibleEntryToDate(ZELKDate(start)));
+    }
+
+    void selectsByDate()
+    {
+        Table table;
+        const auto at = [](int entry) {
+            return QVariant::fromValue(ZELKDate(start + entry * day / 4 + 1.0));
+        };
+        const QSignalSpy changes(table.view.selectionModel(), &QItemSelectionModel::selectionChanged);
+        Chooser early(at(5));
+        Chooser late(at(300));
+        table.controller.selectEntryByDate(&early);
+        table.controller.selectEntryByDate(&late);
+        QVERIFY(table.selected().isEmpty());
+        late.m_selection = at(301);
+        QTRY_COMPARE(table.selected(), QList{301});
+        QCOMPARE(changes.count(), 1);
+        QVERIFY(table.view.viewport()->rect().contains(table.centreOf(301)));
+        QObject nobody;
+        Chooser none(u"no date"_s);
+        auto gone = std::make_unique<Chooser>(at(9));
+        for (QObject *sender : {&nobody, static_cast<QObject *>(&none), static_cast<QObject *>(gone.get())})
+            table.controller.selectEntryByDate(sender);
+        gone.reset();
+        Paintings(table.view).take();
+        QCOMPARE(table.selected(), QList{301});
+    }
+
+    void carriesRowsElsewhere()
+    {
+        Table table(3);
+        table.controller.setSortDescriptors({{u"date"_s, false}});
+        table.select(0, 1);
+        QMimeData pasteboard;
+        QVERIFY(!table.controller.tableViewWriteRowsToPasteboard({}, pasteboard));
+        QVERIFY(pasteboard.formats().isEmpty());
+        QVERIFY(table.controller.copySelection());
+        const QMimeData &copied = *QGuiApplication::clipboard()->mimeData();
+        const QString expected =
+            u"05/03/2024, 12:00\t%1\n05/03/2024, 06:00\t%2"_s.arg(table.summaryAt(0), table.summaryAt(1));
+        QCOMPARE(copied.text(), expected);
+        QCOMPARE(QString::fromUtf8(copied.data(u"text/tab-separated-values"_s)), expected);
+        QCOMPARE(copied.data(u"text/rtf"_s), copied.data(u"application/rtf"_s));
+        const ZELKRtfReader::Result rich = ZELKRtfReader::read(copied.data(u"text/rtf"_s));
+        QVERIFY(rich.text && !rich.error);
+        QCOMPARE(rich.text->string(), expected);
+        QVERIFY(table.controller.tableViewWriteRowsToPasteboard({{2, 2}, {0, 0}}, pasteboard));
+        QVERIFY(pasteboard.text().endsWith(table.summaryAt(0)));
+        QVERIFY(pasteboard.text().startsWith(u"05/03/2024, 00:00\t"_s));
+    }
+
+    void copyingIsTheMenus()
+    {
+        using Item = ZELKLWCLogTableView::MenuItem;
+        Table table;
+        QGuiApplication::clipboard()->setText(u"before"_s);
+        QVERIFY(!table.view.validateMenuItem(Item::Copy));
+        table.select(0, 1);
+        QVERIFY(table.view.validateMenuItem(Item::Copy));
+        table.view.copy();
+        QTest::keySequence(&table.view, QKeySequence::Copy);
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"before"_s);
+        table.view.setTableDelegate(nullptr);
+        QVERIFY(!table.view.validateMenuItem(Item::Copy));
+        QVERIFY(table.view.validateMenuItem(Item::Other));
+    }
+
+    void drags_data()
+    {
+        const NamedRows<QPoint, int, int> row("way", "drags", "selected");
+        row("along the row", QPoint(60, 4), 1, 1);
+        row("across rows", QPoint(4, 60), 0, 4);
+    }
+
+    void drags()
+    {
+        QFETCH(QPoint, way);
+        QFETCH(int, drags);
+        QFETCH(int, selected);
+        Table table;
+        table.view.setUniformRowHeight(20);
+        int count = 0;
+        table.view.setDragRunner([&](const QDrag &drag, Qt::DropActions actions) {
+            ++count;
+            QCOMPARE(actions, Qt::CopyAction);
+            QVERIFY(drag.mimeData()->text().endsWith(table.summaryAt(2)));
+        });
+        QWidget *viewport = table.view.viewport();
+        const QPoint from = table.centreOf(2);
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        for (int step = 1; step <= 4; ++step) {
+            const QPoint place = from + way * step / 4;
+            QMouseEvent move(QEvent::MouseMove, place, viewport->mapToGlobal(place), Qt::NoButton,
+                             Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(viewport, &move);
+        }
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, from + way);
+        QCOMPARE(count, drags);
+        QCOMPARE(table.selected().size(), selected);
+    }
+
+    void showsAnyTextOnOneRow()
+    {
+        Table table(0);
+        table.defaults.setValue(u"eventDetail"_s, true);
+        QList<ZELKRawEvent> events;
+        for (const QString &name :
+             {u"one"_s, QString(), u"two\nlines\r\nor\u2028three"_s, QString(100'000, u'w'),
+              QString(100'000, u'\n'), u"\u202Eturned\u2066"_s, u"\u05D0\u05D1\u05D2 12"_s,
+              QString(QChar(u'\0')) + u"\a\t\x1b[31m"_s, QString(QChar(0xD800))})
+            events.append(ZELKMakeRawEvent(ZELKDate(table.next += day), name, u"m"_s));
+        events.append(ZELKMakeRawEvent(ZELKDate(1e300), u"late"_s, u"m2"_s));
+        table.log.addExternalEntries(events);
+        QVERIFY(table.model().rowCount() >= 9);
+        table.view.resize(600, 800);
+        table.view.grab();
+        for (int row = 0; row < table.model().rowCount(); ++row) {
+            const QModelIndex cell = table.model().index(row, Model::SummaryColumn);
+            QCOMPARE(table.view.visualRect(cell).height(), table.view.uniformRowHeight());
+            const auto text = cell.data(Model::attributedTextRole).value<ZELKAttributedString>();
+            QCOMPARE(text.string().count(u'\n'),
+                     table.summaries.templateEntryWithDetail().string().count(u'\n'));
+            QVERIFY(text.length() < 10'000);
+        }
+    }
+
+    void damagedArchives()
+    {
+        const QByteArray bytes = ZELKArchive::archivedColour(QColor(255, 230, 100, 128));
+        QCOMPARE(ZELKArchive::unarchivedColour(bytes), std::optional(QColor(255, 230, 100, 128)));
+        QVERIFY(!ZELKArchive::unarchivedColour({}));
+        QVERIFY(!ZELKArchive::unarchivedColour(bytes + 'x'));
+        QVERIFY(!ZELKArchive::unarchivedSortDescriptors(bytes));
+        for (qsizetype i = 0; i < bytes.size(); ++i) {
+            QByteArray damaged = bytes;
+            damaged[i] = char(damaged[i] ^ 0x40);
+            QVERIFY(!ZELKArchive::unarchivedColour(damaged));
+            QVERIFY(!ZELKArchive::unarchivedColour(bytes.first(i)));
+        }
+    }
+
+    void capsule_data()
+    {
+        const NamedRows<QRectF, float, QPointF, bool> row("frame", "radius", "point", "isInside");
+        const QRectF frame(10, 20, 100, 21);
+        row("left tip", frame, 10.5F, {10.3, 30.5}, true);
+        row("beyond the left tip", frame, 10.5F, {9.9, 30.5}, false);
+        row("corner", frame, 10.5F, {11.5, 21.5}, false);
+        row("right tip", frame, 10.5F, {109.7, 30.5}, true);
+        row("right corner", frame, 10.5F, {108.5, 39.5}, false);
+        row("middle, top edge", frame, 10.5F, {60.0, 20.2}, true);
+    }
+
+    void capsule()
+    {
+        QFETCH(QRectF, frame);
+        QFETCH(QPointF, point);
+        const ZELKCapsule capsule = ZELKCapsule::inFrame(frame);
+        QTEST(capsule.radius, "radius");
+        QTEST(capsule.path().contains(point), "isInside");
+        QCOMPARE(ZELKCapsule::textFrame(frame), QRectF(15, 20, 95, 21));
+    }
+
+    void isReadAloud()
+    {
+        Table table(3);
+        const QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&table.view);
+        QVERIFY(accessible && const_cast<QAccessibleInterface *>(accessible)->tableInterface());
+        QAccessibleTableInterface &rows = *const_cast<QAccessibleInterface *>(accessible)->tableInterface();
+        QCOMPARE(rows.rowCount(), 3);
+        const QAccessibleInterface *cell = rows.cellAt(1, 0);
+        QCOMPARE(cell->text(QAccessible::Name), u"05/03/2024, 06:00, "_s + table.summaryAt(1));
+        QVERIFY(cell->rect().isValid());
+        QCOMPARE(rows.columnDescription(1), u"Summary"_s);
+    }
+
+    /// A table of a million rows keeps nothing for each, nor does it walk them.
+    void rowsCostNothing()
+    {
+        Table table;
+        QCOMPARE(table.view.verticalHeader()->count(), 0);
+        QCOMPARE(table.view.indexAt({1, 1}).row(), 0);
+        table.view.scrollToBottom();
+        QCOMPARE(table.view.indexAt(table.centreOf(399)).row(), 399);
+        table.view.selectAll();
+        QCOMPARE(table.controller.selectedRows(), ZELKRowRanges({{0, 399}}));
+        QCOMPARE(table.controller.lastSelectedEntry(), table.log.objectAtIndex(399));
+    }
+
+    void listsTheWholeLog()
+    {
+        Table table(10);
+        table.field.setText(table.summaryAt(3));
+        QCOMPARE(table.controller.numberOfRowsInTableView(), 10);
+        ZELKLWCLogEntry *entry = table.log.objectAtIndex(7);
+        QCOMPARE(table.controller.tableViewObjectValueForTableColumn(Model::DateColumn, 7),
+                 QVariant::fromValue(entry->date()));
+        QCOMPARE(table.controller.tableViewObjectValueForTableColumn(Model::SummaryColumn, 7),
+                 QVariant::fromValue(entry));
+    }
+};
+
+QTEST_MAIN(TableTest)
+#include "tst_table.moc"
