@@ -58,7 +58,8 @@ void ZELKAttributedString::replaceCharacters(qsizetype position, qsizetype lengt
     }
     const ZELKTextAttributes attributes = attributesAt(end > from ? from : std::max(from - 1, qsizetype(0)));
     const std::size_t first = splitAt(from);
-    m_runs.erase(m_runs.begin() + std::ptrdiff_t(first), m_runs.begin() + std::ptrdiff_t(splitAt(end)));
+    const std::size_t last = splitAt(end);
+    m_runs.erase(m_runs.begin() + std::ptrdiff_t(first), m_runs.begin() + std::ptrdiff_t(last));
     if (!text.isEmpty())
         m_runs.insert(m_runs.begin() + std::ptrdiff_t(first), {text.size(), attributes});
     m_text.replace(from, end - from, text);

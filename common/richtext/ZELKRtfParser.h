@@ -1,9 +1,10 @@
 #pragma once
 
+#include "ZELKRtfColourTable.h"
+#include "ZELKRtfFontTable.h"
 #include "ZELKRtfGroup.h"
 #include "ZELKRtfReader.h"
 #include "ZELKRtfScanner.h"
-#include "ZELKRtfTables.h"
 
 #include <vector>
 

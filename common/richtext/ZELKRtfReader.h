@@ -15,7 +15,7 @@
 /// words that are not known are ignored, table cells are divided by tabs.
 namespace ZELKRtfReader {
 
-constexpr qsizetype mostBytes = 16 * 1024 * 1024;
+constexpr qsizetype mostBytes = 16'777'216;
 constexpr int deepestGroup = 500;
 
 /// Damaged text may still be read in part; then there are a text and an error.

@@ -1,9 +1,9 @@
 #include "ZELKRtfWords.h"
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 
 namespace {
 
@@ -129,6 +129,15 @@ const std::unordered_map<std::string_view, ZELKRtfWords::Change> &changes()
     return table;
 }
 
+/// Each between blanks.
+constexpr std::string_view skippedDestinations =
+    " annotation atnauthor atnid author bkmkend bkmkstart buptim category colorschememapping comment "
+    "company creatim datafield datastore doccomm fchars ffname filetbl fldinst footer footerf footerl "
+    "footerr footnote ftncn ftnsep ftnsepc generator header headerf headerl headerr hlinkbase info "
+    "keywords latentstyles lchars listoverridetable listtable manager nonshppict objdata object "
+    "operator pgdsctbl pict printim private revtbl revtim rsidtbl rxe shpinst stylesheet subject tc "
+    "themedata title txe xe xmlnstbl ";
+
 } // namespace
 
 ZELKRtfWords::Change ZELKRtfWords::change(QByteArrayView word)
@@ -175,66 +184,6 @@ char16_t ZELKRtfWords::characterOfSymbol(char symbol)
 
 bool ZELKRtfWords::isSkippedDestination(QByteArrayView word)
 {
-    static const std::unordered_set<std::string_view> table{"annotation",
-                                                            "atnauthor",
-                                                            "atnid",
-                                                            "author",
-                                                            "bkmkend",
-                                                            "bkmkstart",
-                                                            "buptim",
-                                                            "category",
-                                                            "colorschememapping",
-                                                            "comment",
-                                                            "company",
-                                                            "creatim",
-                                                            "datafield",
-                                                            "datastore",
-                                                            "doccomm",
-                                                            "fchars",
-                                                            "ffname",
-                                                            "filetbl",
-                                                            "fldinst",
-                                                            "footer",
-                                                            "footerf",
-                                                            "footerl",
-                                                            "footerr",
-                                                            "footnote",
-                                                            "ftncn",
-                                                            "ftnsep",
-                                                            "ftnsepc",
-                                                            "generator",
-                                                            "header",
-                                                            "headerf",
-                                                            "headerl",
-                                                            "headerr",
-                                                            "hlinkbase",
-                                                            "info",
-                                                            "keywords",
-                                                            "latentstyles",
-                                                            "lchars",
-                                                            "listoverridetable",
-                                                            "listtable",
-                                                            "manager",
-                                                            "nonshppict",
-                                                            "object",
-                                                            "objdata",
-                                                            "operator",
-                                                            "pgdsctbl",
-                                                            "pict",
-                                                            "printim",
-                                                            "private",
-                                                            "revtbl",
-                                                            "revtim",
-                                                            "rsidtbl",
-                                                            "rxe",
-                                                            "shpinst",
-                                                            "stylesheet",
-                                                            "subject",
-                                                            "tc",
-                                                            "themedata",
-                                                            "title",
-                                                            "txe",
-                                                            "xe",
-                                                            "xmlnstbl"};
-    return table.contains(view(word));
+    const std::string padded = ' ' + std::string(view(word)) + ' ';
+    return skippedDestinations.find(padded) != std::string_view::npos;
 }

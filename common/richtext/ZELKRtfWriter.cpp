@@ -19,7 +19,7 @@ QByteArray word(const char *name, int number)
 
 int twips(double points)
 {
-    constexpr double most = 5669.0; // two metres
+    constexpr double most = 5669.3; // two metres
     return int(std::lround(std::clamp(points, -most, most) * 20.0));
 }
 
@@ -148,7 +148,7 @@ QByteArray lineSpacing(const Paragraph &style)
     constexpr double unitsInLine = 240.0;
     switch (style.lineSpacingKind) {
     case Paragraph::LineSpacing::Multiple:
-        return word("sl", int(std::lround(std::clamp(style.lineSpacing, 0.0, 400.0) * unitsInLine))) +
+        return word("sl", int(std::lround(std::clamp(style.lineSpacing, 0.0, 472.5) * unitsInLine))) +
                "\\slmult1";
     case Paragraph::LineSpacing::AtLeast:
         return word("sl", twips(style.lineSpacing));

@@ -2,11 +2,10 @@
 
 #include "ZELKCodePage.h"
 #include "ZELKRtfScanner.h"
-#include "ZELKTextAttributes.h"
 
 #include <QByteArray>
 #include <QHash>
-#include <QList>
+#include <QString>
 
 /// The fonts that rich text names at its beginning.
 class ZELKRtfFontTable
@@ -39,24 +38,4 @@ private:
     int m_number = 0;
     Font m_current;
     QByteArray m_nameBytes;
-};
-
-/// The colours that rich text numbers at its beginning. A colour of the theme's text is the palette's text;
-/// tinted, it is the dimmer one.
-class ZELKRtfColourTable
-{
-public:
-    void take(const ZELKRtfToken &token);
-    /// No colour of its own for numbers that are not there.
-    ZELKTextColour colour(int number) const;
-
-private:
-    void finish();
-
-    QList<ZELKTextColour> m_colours;
-    int m_red = -1; ///< -1 while none is given
-    int m_green = -1;
-    int m_blue = -1;
-    bool m_isText = false;
-    bool m_isTinted = false;
 };
