@@ -96,6 +96,9 @@ void ZELKSystemBus::await()
 {
     if (!m_socket.isEmpty())
         m_watcher.addPath(folderTowards(m_socket));
+    m_next.stop();
+    if (!m_socket.isEmpty() && !QFileInfo::exists(m_socket))
+        return; // its coming will be a sign
     m_attemptsLeft = attemptsASign;
     m_next.start(millisecondsToTheFirst);
 }
@@ -110,8 +113,6 @@ void ZELKSystemBus::socketMayHaveChanged()
 
 void ZELKSystemBus::attempt()
 {
-    if (!m_socket.isEmpty() && !QFileInfo::exists(m_socket))
-        return; // its coming will be a sign
     const QDBusConnection bus = connectAnew();
     if (!bus.isConnected()) {
         QDBusConnection::disconnectFromBus(bus.name());
