@@ -3,6 +3,7 @@
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
 #include "ZELKInterfaceLoader.h"
+#include "ZELKSymbolIcon.h"
 
 #include <QAction>
 #include <QMainWindow>
@@ -25,6 +26,9 @@ ZELKAgentControls::ZELKAgentControls(QMainWindow &window, ZELKApplicationWiring 
     , m_button(outlet<QPushButton>(window, "startStopButton"))
     , m_startStop(outlet<QAction>(window, "actionStartStop"))
     , m_update(outlet<QAction>(window, "actionUpdateAgent"))
+    , m_fetch(outlet<QAction>(window, "actionFetch"))
+    , m_recordSymbol(ZELKSymbolIcon::icon(*wiring.settings().bundle, QStringLiteral("record")))
+    , m_stopSymbol(ZELKSymbolIcon::icon(*wiring.settings().bundle, QStringLiteral("stop")))
 {
     wiring.agentController().setAlerts(&m_sheet);
     connect(&m_sheet, &ZELKAgentAlertSheet::helpRequested, this,
@@ -47,6 +51,7 @@ void ZELKAgentControls::connectActions()
     // Chosen from the menu it needs no further question; offers are made once for each launch.
     connect(m_update, &QAction::triggered, this,
             [this] { zelkGuard([this] { m_wiring.agentController().updateAgent(); }); });
+    connect(m_fetch, &QAction::triggered, this, [this] { zelkGuard([this] { m_wiring.store().sync(); }); });
 }
 
 void ZELKAgentControls::follow()
@@ -64,8 +69,10 @@ void ZELKAgentControls::update()
     const bool can = m_wiring.settings().knowsAgent() && agent.enabled();
     const QString label = agent.localisedStartStopLabel();
     m_button->setText(label);
+    m_button->setIcon(agent.installed() ? m_stopSymbol : m_recordSymbol);
     m_button->setEnabled(can);
-    m_startStop->setText(label);
+    m_startStop->setText(QLatin1Char('&') + label);
     m_startStop->setEnabled(can);
+    m_fetch->setEnabled(m_wiring.settings().knowsAgent() && agent.installed());
     m_update->setEnabled(can && agent.canUpdate());
 }

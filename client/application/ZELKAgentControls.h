@@ -2,6 +2,7 @@
 
 #include "ZELKAgentAlertSheet.h"
 
+#include <QIcon>
 #include <QObject>
 
 class QAction;
@@ -9,8 +10,8 @@ class QMainWindow;
 class QPushButton;
 class ZELKApplicationWiring;
 
-/// What starts, stops and updates the agent in the main window: the button, the menu's items, and the sheets
-/// on which the agent controller asks.
+/// What starts, stops, updates and asks the agent in the main window: the button, the menu's items, and the
+/// sheets on which the agent controller asks.
 class ZELKAgentControls : public QObject
 {
     Q_OBJECT
@@ -31,4 +32,7 @@ private:
     QPushButton *m_button;
     QAction *m_startStop;
     QAction *m_update;
+    QAction *m_fetch;
+    QIcon m_recordSymbol;
+    QIcon m_stopSymbol;
 };

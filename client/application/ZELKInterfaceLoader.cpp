@@ -1,17 +1,24 @@
 #include "ZELKInterfaceLoader.h"
 
+#include "ZELKColourButton.h"
 #include "ZELKElidedLabel.h"
 #include "ZELKEnvironment.h"
+#include "ZELKLWCLogTableView.h"
+#include "ZELKSearchField.h"
+#include "ZELKSymbolIcon.h"
+#include "ZELKSymbolLabel.h"
 
+#include <QAction>
 #include <QFile>
 
 #include <array>
+#include <utility>
 
 namespace {
 
 constexpr std::array localisedProperties = {
-    "text",    "title",     "windowTitle",    "iconText",
-    "toolTip", "statusTip", "accessibleName", "accessibleDescription"};
+    "text",      "title",          "windowTitle",           "iconText",       "toolTip",
+    "statusTip", "accessibleName", "accessibleDescription", "placeholderText"};
 
 void localiseObject(QObject &object, const QString &className)
 {
@@ -21,6 +28,32 @@ void localiseObject(QObject &object, const QString &className)
             object.setProperty(property, ZELKInterfaceLoader::text(className, key));
     }
 }
+
+/// Symbols are for buttons; a menu reads better without.
+void giveSymbols(const QWidget &root, const ZELKBundle &bundle)
+{
+    for (QAction *action : root.findChildren<QAction *>()) {
+        const QString symbol = action->property(ZELKInterfaceLoader::symbolProperty).toString();
+        if (symbol.isEmpty())
+            continue;
+        action->setIcon(ZELKSymbolIcon::icon(bundle, symbol));
+        action->setIconVisibleInMenu(false);
+    }
+}
+
+template <typename Type>
+QWidget *makeWidget(QWidget *parent)
+{
+    return new Type(parent);
+}
+
+/// Our own classes that interface files name.
+constexpr std::pair<const char *, QWidget *(*)(QWidget *)> ourWidgets[] = {
+    {"ZELKLWCLogTableView", makeWidget<ZELKLWCLogTableView>},
+    {"ZELKElidedLabel", makeWidget<ZELKElidedLabel>},
+    {"ZELKSymbolLabel", makeWidget<ZELKSymbolLabel>},
+    {"ZELKSearchField", makeWidget<ZELKSearchField>},
+    {"ZELKColourButton", makeWidget<ZELKColourButton>}};
 
 } // namespace
 
@@ -44,8 +77,10 @@ std::unique_ptr<QWidget> ZELKInterfaceLoader::loadIfSound(const ZELKBundle &main
     std::unique_ptr<QWidget> root;
     if (!path.isEmpty() && file.open(QIODevice::ReadOnly))
         root.reset(loader.load(&file));
-    if (root)
+    if (root) {
         localise(*root, className);
+        giveSymbols(*root, mainBundle);
+    }
     return root;
 }
 
@@ -63,9 +98,12 @@ void ZELKInterfaceLoader::localise(QObject &root, const QString &className)
 
 QWidget *ZELKInterfaceLoader::createWidget(const QString &className, QWidget *parent, const QString &name)
 {
-    if (className != QLatin1String("ZELKElidedLabel"))
-        return QUiLoader::createWidget(className, parent, name);
-    auto *label = new ZELKElidedLabel(parent);
-    label->setObjectName(name);
-    return label;
+    for (const auto &[ourName, make] : ourWidgets) {
+        if (className != QLatin1String(ourName))
+            continue;
+        QWidget *widget = make(parent);
+        widget->setObjectName(name);
+        return widget;
+    }
+    return QUiLoader::createWidget(className, parent, name);
 }

@@ -11,12 +11,14 @@
 class ZELKBundle;
 
 /// Loads an interface file of the main bundle, named after the class that it belongs to. Its texts are keys
-/// of the string table of that name.
+/// of the string table of that name. An action's property "symbol" names its symbol.
 class ZELKInterfaceLoader : public QUiLoader
 {
     Q_OBJECT
 
 public:
+    static constexpr char symbolProperty[] = "symbol";
+
     /// A missing or malformed file raises "%@ interface file is missing or malformed".
     static std::unique_ptr<QWidget> loadInterface(const ZELKBundle &mainBundle, const QString &className);
     /// The same for a class that reports such a file in its own words: null.

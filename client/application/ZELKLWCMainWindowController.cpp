@@ -3,29 +3,26 @@
 #include "ZELKAgentControls.h"
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
+#include "ZELKEmptyPage.h"
 #include "ZELKEnvironment.h"
 #include "ZELKInterfaceLoader.h"
+#include "ZELKMainMenu.h"
+#include "ZELKMessage.h"
 #include "ZELKRangeControls.h"
-#include "ZELKShortDate.h"
+#include "ZELKSearchControls.h"
 #include "ZELKStatusLine.h"
-#include "ZELKTailFollower.h"
+#include "ZELKTableActions.h"
+#include "ZELKToolBar.h"
+#include "ZELKWindowLook.h"
+#include "ZELKWindowState.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QEvent>
 #include <QHeaderView>
-#include <QIcon>
-#include <QLabel>
 #include <QMainWindow>
-#include <QMessageBox>
-#include <QPalette>
 #include <QStackedWidget>
-#include <QTableView>
 
 namespace {
-
-constexpr int defaultWidthInCharacters = 120;
-constexpr int defaultHeightInLines = 38;
 
 QString className()
 {
@@ -35,11 +32,6 @@ QString className()
 QString text(const char *topic)
 {
     return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
-}
-
-QString geometryKey()
-{
-    return className() + QStringLiteral(".geometry");
 }
 
 std::unique_ptr<QMainWindow> loadWindow(const ZELKBundle &bundle)
@@ -53,15 +45,12 @@ std::unique_ptr<QMainWindow> loadWindow(const ZELKBundle &bundle)
     return std::unique_ptr<QMainWindow>(window);
 }
 
-void openMessage(QWidget *window, QMessageBox::Icon icon, const QString &message, const QString &informative)
+/// As much of it as fits into a headline.
+QString searchedText(const ZELKLWCLogTableController &table)
 {
-    auto *box =
-        new QMessageBox(icon, QApplication::applicationDisplayName(), message, QMessageBox::Ok, window);
-    box->setTextFormat(Qt::PlainText);
-    box->setInformativeText(informative);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setWindowModality(Qt::WindowModal);
-    box->open();
+    constexpr int longest = 40;
+    const QString text = table.filterString().simplified();
+    return text.size() > longest ? text.first(longest) + QChar(0x2026) : text;
 }
 
 } // namespace
@@ -76,19 +65,15 @@ ZELKLWCMainWindowController::ZELKLWCMainWindowController(ZELKApplicationWiring &
     : QObject(parent)
     , m_wiring(wiring)
     , m_window(loadWindow(*wiring.settings().bundle))
-    , m_model(wiring.log())
-    , m_table(outlet<QTableView>("table"))
-    , m_pages(outlet<QStackedWidget>("pages"))
-    , m_emptyLabel(outlet<QLabel>("emptyLabel"))
-    , m_statusLine(new ZELKStatusLine(*m_window, wiring))
+    , m_table(*m_window, wiring)
+    , m_emptyPage(new ZELKEmptyPage(*m_window))
+    , m_state(new ZELKWindowState(*m_window, *m_table.view().horizontalHeader(), wiring.defaults()))
 {
-    new ZELKRangeControls(*m_window, wiring.dateRange(), wiring.log());
-    new ZELKAgentControls(*m_window, wiring);
-    setUpTable();
-    setUpActions();
-    setUpAgent();
-    setUpUserGuide();
-    restoreGeometry();
+    makeParts();
+    follow();
+    fitFont();
+    updatePage();
+    m_state->restore();
     m_window->installEventFilter(this);
     wiring.delegate().setWindow(m_window.get());
     zelkSetFailureObserver(
@@ -101,120 +86,103 @@ ZELKLWCMainWindowController::~ZELKLWCMainWindowController()
     m_wiring.delegate().setWindow(nullptr);
 }
 
-void ZELKLWCMainWindowController::setUpTable()
+/// The window owns them all.
+void ZELKLWCMainWindowController::makeParts()
 {
-    new ZELKTailFollower(*m_table, m_model);
-    m_table->setModel(&m_model);
-    m_table->horizontalHeader()->setSectionResizeMode(ZELKLWCLogTableModel::DateColumn, QHeaderView::Fixed);
-    m_table->horizontalHeader()->setStretchLastSection(true);
-    m_table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    fitDateColumn();
-    const auto update = [this] { zelkGuard([this] { updateEmptyText(); }); };
-    connect(&m_wiring.log(), &ZELKLWCLog::visibleEntriesDidChange, this, update);
-    connect(&m_wiring.store(), &ZELKLWCStore::logIsBehindChanged, this, update);
-    // An empty list looks like a list.
-    outlet<QWidget>("emptyPage")->setBackgroundRole(QPalette::Base);
-    outlet<QWidget>("emptyPage")->setAutoFillBackground(true);
-    m_emptyLabel->setForegroundRole(QPalette::Text);
-    updateEmptyText();
+    const ZELKBundle &bundle = *m_wiring.settings().bundle;
+    auto *toolBar = new ZELKToolBar(*m_window, bundle);
+    new ZELKRangeControls(*m_window, bundle, m_wiring.dateRange(), m_wiring.log());
+    new ZELKAgentControls(*m_window, m_wiring);
+    new ZELKMainMenu(*m_window, m_wiring);
+    toolBar->fill();
+    orderTabs(toolBar->controls());
+    new ZELKTableActions(*m_window, m_table.controller(), m_table.view(), m_wiring.dateRange());
+    new ZELKSearchControls(*m_window, m_table.controller(), m_table.view(), m_wiring.log());
+    m_statusLine = new ZELKStatusLine(*m_window, m_wiring);
+    const auto *look = new ZELKWindowLook(*m_window);
+    connect(look, &ZELKWindowLook::measured, this, [this] { zelkGuard([this] { fitFont(); }); });
 }
 
-/// Rows as high and the date column as wide as the font asks for. Dates of one format differ little; the
-/// widest of some that have two digits everywhere, in both halves of the day and all months, leaves room for
-/// all.
-void ZELKLWCMainWindowController::fitDateColumn()
+/// As they stand: the tool bar, then what is below it.
+void ZELKLWCMainWindowController::orderTabs(QList<QWidget *> controls) const
 {
-    const QFontMetrics metrics = m_table->fontMetrics();
-    m_table->verticalHeader()->setDefaultSectionSize(metrics.height() + metrics.height() / 3);
-    int widest = metrics.horizontalAdvance(
-        m_model.headerData(ZELKLWCLogTableModel::DateColumn, Qt::Horizontal, Qt::DisplayRole).toString());
-    constexpr double late = 28.0 * 86400.0 - 1.0; // 28 January 2001, 23:59:59 UTC
-    for (int month = 0; month < 12; ++month)
-        for (const double halfDay : {0.0, 43200.0})
-            widest = std::max(widest, metrics.horizontalAdvance(ZELKShortDate::text(
-                                          ZELKDate(late + month * 30.0 * 86400.0 - halfDay))));
-    m_table->setColumnWidth(ZELKLWCLogTableModel::DateColumn, widest + 3 * metrics.averageCharWidth());
+    for (const char *name : {"filterField", "table", "emptyButton", "failureLine"})
+        controls.append(outlet<QWidget>(name));
+    for (qsizetype i = 1; i < controls.size(); ++i)
+        QWidget::setTabOrder(controls.at(i - 1), controls.at(i));
 }
 
-void ZELKLWCMainWindowController::setUpActions()
+void ZELKLWCMainWindowController::fitFont()
 {
-    connect(outlet<QAction>("actionQuit"), &QAction::triggered, m_window.get(), &QWidget::close);
-    connect(outlet<QAction>("actionAbout"), &QAction::triggered, this,
-            [this] { zelkGuard([this] { showAbout(); }); });
+    m_table.fitFont(*m_state);
 }
 
-void ZELKLWCMainWindowController::setUpAgent()
+void ZELKLWCMainWindowController::follow()
 {
+    const auto update = [this] { zelkGuard([this] { updatePage(); }); };
     const ZELKAgentController &agent = m_wiring.agentController();
-    connect(&agent, &ZELKAgentController::installedChanged, this,
-            [this] { zelkGuard([this] { updateEmptyText(); }); });
+    connect(&m_wiring.log(), &ZELKLWCLog::visibleEntriesDidChange, this, update);
+    connect(&m_table.controller().model(), &ZELKLWCLogTableModel::didRearrange, this, update);
+    connect(&m_wiring.defaults(), &ZELKUserDefaults::valueChanged, this, [this](const QString &key) {
+        zelkGuard([&] {
+            if (key == QLatin1String("relativeDates"))
+                fitFont();
+        });
+    });
+    connect(&m_wiring.store(), &ZELKLWCStore::logIsBehindChanged, this, update);
+    connect(&agent, &ZELKAgentController::installedChanged, this, update);
     connect(&agent, &ZELKAgentController::errorPresented, this,
             [this](const ZELKAgentError &error) { zelkGuard([&] { presentError(error); }); });
 }
 
-void ZELKLWCMainWindowController::setUpUserGuide()
+void ZELKLWCMainWindowController::updatePage()
 {
-    auto *open = outlet<QAction>("actionUserGuide");
-    ZELKLWClientAppDelegate &delegate = m_wiring.delegate();
-    open->setEnabled(delegate.canOpenUserGuide());
-    connect(&delegate, &ZELKLWClientAppDelegate::canOpenUserGuideChanged, open, &QAction::setEnabled);
-    connect(open, &QAction::triggered, this,
-            [this] { zelkGuard([this] { m_wiring.delegate().openUserGuide(); }); });
+    const bool isEmpty = m_table.controller().model().rowCount() == 0;
+    if (isEmpty)
+        showEmptyPage();
+    outlet<QStackedWidget>("pages")->setCurrentIndex(isEmpty ? 1 : 0);
 }
 
-void ZELKLWCMainWindowController::updateEmptyText()
+void ZELKLWCMainWindowController::showEmptyPage()
 {
     const ZELKLWCLog &log = m_wiring.log();
-    m_pages->setCurrentIndex(log.countOfVisibleEntries() > 0 ? 0 : 1);
-    if (log.count() > 0)
-        m_emptyLabel->setText(text("empty.range"));
+    if (log.countOfVisibleEntries() > 0)
+        m_emptyPage->show({QStringLiteral("unmatched"),
+                           ZELKFormat(text("empty.search"), {searchedText(m_table.controller())}),
+                           text("empty.search.hint"), outlet<QAction>("actionClearSearch")});
+    else if (log.count() > 0)
+        m_emptyPage->show({QStringLiteral("no-entries"), text("empty.range"), text("empty.range.hint"),
+                           outlet<QAction>("actionRange8")});
     else if (m_wiring.store().isLogBehind())
-        m_emptyLabel->setText(text("empty.unreadable"));
+        m_emptyPage->show({QStringLiteral("warning"), text("empty.unreadable"), {}});
     else if (!m_wiring.settings().knowsAgent())
-        m_emptyLabel->setText(text("empty.profile"));
+        m_emptyPage->show({QStringLiteral("asleep"), text("empty.profile"), text("empty.profile.hint")});
+    else if (m_wiring.agentController().installed())
+        m_emptyPage->show({QStringLiteral("asleep"), text("empty.recording"), text("empty.recording.hint")});
     else
-        m_emptyLabel->setText(text(m_wiring.agentController().installed() ? "empty.recording" : "empty"));
+        m_emptyPage->show({QStringLiteral("asleep"), text("empty"), text("empty.hint"),
+                           outlet<QAction>("actionStartStop")});
 }
 
 void ZELKLWCMainWindowController::presentError(const ZELKAgentError &error)
 {
-    openMessage(m_window.get(), QMessageBox::Warning, error.localisedDescription(), error.underlyingText());
-}
-
-void ZELKLWCMainWindowController::showAbout()
-{
-    const ZELKBundle &bundle = *m_wiring.settings().bundle;
-    const QString version = bundle.infoDictionary().string(QStringLiteral("CFBundleVersion"));
-    openMessage(m_window.get(), QMessageBox::Information, ZELKFormat(text("about"), {version}),
-                text("about.informative"));
+    ZELKMessage::open(*m_window, QMessageBox::Warning, error.localisedDescription(), error.underlyingText());
 }
 
 void ZELKLWCMainWindowController::showWindow()
 {
     m_window->show();
-    m_table->setFocus();
+    m_table.view().setFocus();
 }
 
 bool ZELKLWCMainWindowController::eventFilter(QObject *watched, QEvent *event)
 {
-    zelkGuard([&] {
-        if (event->type() == QEvent::Close)
-            saveGeometry();
-        if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
-            fitDateColumn();
-    });
+    if (event->type() == QEvent::Close)
+        zelkGuard([this] { saveState(); });
     return QObject::eventFilter(watched, event);
 }
 
-void ZELKLWCMainWindowController::restoreGeometry()
+void ZELKLWCMainWindowController::saveState()
 {
-    const QFontMetrics metrics = m_window->fontMetrics();
-    m_window->resize(defaultWidthInCharacters * metrics.averageCharWidth(),
-                     defaultHeightInLines * metrics.lineSpacing());
-    m_window->restoreGeometry(m_wiring.defaults().value(geometryKey()).toByteArray());
-}
-
-void ZELKLWCMainWindowController::saveGeometry()
-{
-    m_wiring.defaults().setValue(geometryKey(), m_window->saveGeometry());
+    m_state->save();
 }

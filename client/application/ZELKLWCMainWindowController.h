@@ -1,22 +1,21 @@
 #pragma once
 
 #include "ZELKAgentError.h"
-#include "ZELKLWCLogTableModel.h"
+#include "ZELKLogTable.h"
 
 #include <QObject>
 
 #include <memory>
 
-class QLabel;
 class QMainWindow;
-class QStackedWidget;
-class QTableView;
-class QWidget;
 class ZELKApplicationWiring;
+class ZELKEmptyPage;
 class ZELKStatusLine;
+class ZELKWindowState;
 
 /// The main window: the visible entries, the date range that chooses them, and the agent's state with what
-/// starts, stops and updates it. While it lives it also shows what guards catch.
+/// starts, stops and updates it. The controller puts its parts together; each looks after itself. While it
+/// lives it also shows what guards catch.
 class ZELKLWCMainWindowController : public QObject
 {
     Q_OBJECT
@@ -28,29 +27,30 @@ public:
 
     QMainWindow *window() const { return m_window.get(); }
     void showWindow();
-    void saveGeometry();
+    /// Remembers how the user arranged the window.
+    void saveState();
     /// Window-modal; does not wait.
     void presentError(const ZELKAgentError &error);
+
+    ZELKLogTable &table() { return m_table; }
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void setUpTable();
-    void fitDateColumn();
-    void setUpActions();
-    void setUpAgent();
-    void setUpUserGuide();
-    void updateEmptyText();
-    void showAbout();
-    void restoreGeometry();
+    void makeParts();
+    void orderTabs(QList<QWidget *> controls) const;
+    void fitFont();
+    void follow();
+    void updatePage();
+    void showEmptyPage();
     template <typename Type>
     Type *outlet(const char *name) const;
 
     ZELKApplicationWiring &m_wiring;
     std::unique_ptr<QMainWindow> m_window;
-    ZELKLWCLogTableModel m_model;
-    QTableView *m_table;
-    QStackedWidget *m_pages;
-    QLabel *m_emptyLabel;
-    ZELKStatusLine *m_statusLine; // owned by the window
+    ZELKLogTable m_table;
+    // Owned by the window.
+    ZELKEmptyPage *m_emptyPage;
+    ZELKStatusLine *m_statusLine = nullptr;
+    ZELKWindowState *m_state;
 };

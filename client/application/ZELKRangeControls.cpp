@@ -1,6 +1,7 @@
 #include "ZELKRangeControls.h"
 
 #include "ZELKAssertion.h"
+#include "ZELKCustomRange.h"
 #include "ZELKElidedLabel.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCLog.h"
@@ -11,7 +12,6 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QStandardItemModel>
-#include <QToolButton>
 
 #include <utility>
 
@@ -28,6 +28,21 @@ Type *outlet(const QMainWindow &window, const char *name)
     return ZELKInterfaceLoader::outlet<Type>(window, className(), name);
 }
 
+/// Keys of the presets that are wanted most, by tag.
+QKeySequence shortcutOf(int tag)
+{
+    switch (tag) {
+    case 1:
+        return Qt::CTRL | Qt::Key_T;
+    case 8:
+        return Qt::CTRL | Qt::Key_0;
+    case ZELKLWCDateRangeController::customTag:
+        return Qt::CTRL | Qt::Key_G;
+    default:
+        return {};
+    }
+}
+
 QString withoutMnemonic(QString text)
 {
     return text.remove(QLatin1Char('&'));
@@ -35,10 +50,12 @@ QString withoutMnemonic(QString text)
 
 } // namespace
 
-ZELKRangeControls::ZELKRangeControls(QMainWindow &window, ZELKLWCDateRangeController &dateRange,
-                                     ZELKLWCLog &log)
+ZELKRangeControls::ZELKRangeControls(QMainWindow &window, const ZELKBundle &bundle,
+                                     ZELKLWCDateRangeController &dateRange, ZELKLWCLog &log)
     : QObject(&window)
     , m_dateRange(dateRange)
+    , m_log(log)
+    , m_customRange(new ZELKCustomRange(window, bundle, dateRange))
     , m_filterPopUpButton(outlet<QComboBox>(window, "filterPopUpButton"))
     , m_rangeMenu(outlet<QMenu>(window, "rangeMenu"))
     , m_presets(new QActionGroup(this))
@@ -55,21 +72,35 @@ void ZELKRangeControls::fillPresets()
 {
     QAction *before = m_rangeMenu->actions().value(0);
     for (int tag = 1; tag <= ZELKLWCDateRangeController::customTag; ++tag) {
-        const QString title =
-            ZELKInterfaceLoader::text(className(), ZELKFormat("%@.range.%d", {className(), tag}));
-        m_filterPopUpButton->addItem(withoutMnemonic(title), tag);
-        auto *action = new QAction(title, m_presets);
-        action->setCheckable(true);
-        action->setData(tag);
+        QAction *action = makePreset(tag);
+        m_filterPopUpButton->addItem(withoutMnemonic(action->text()), tag);
         m_rangeMenu->insertAction(before, action);
     }
     m_rangeMenu->insertSeparator(before);
-    connect(m_filterPopUpButton, &QComboBox::activated, this, [this](int index) {
-        zelkGuard([&] { m_dateRange.takeSelectionTagFrom(m_filterPopUpButton->itemData(index).toInt()); });
-    });
-    connect(m_presets, &QActionGroup::triggered, this, [this](const QAction *action) {
-        zelkGuard([&] { m_dateRange.takeSelectionTagFrom(action->data().toInt()); });
-    });
+    connect(m_filterPopUpButton, &QComboBox::activated, this,
+            [this](int index) { zelkGuard([&] { take(m_filterPopUpButton->itemData(index).toInt()); }); });
+    connect(m_presets, &QActionGroup::triggered, this,
+            [this](const QAction *action) { zelkGuard([&] { take(action->data().toInt()); }); });
+}
+
+QAction *ZELKRangeControls::makePreset(int tag)
+{
+    auto *action = new QAction(
+        ZELKInterfaceLoader::text(className(), ZELKFormat("%@.range.%d", {className(), tag})), m_presets);
+    action->setObjectName(QStringLiteral("actionRange%1").arg(tag));
+    action->setCheckable(true);
+    action->setData(tag);
+    action->setShortcut(shortcutOf(tag));
+    return action;
+}
+
+/// Custom days are asked for; until they are given, everything stays as it is, the pop-up as well.
+void ZELKRangeControls::take(int tag)
+{
+    if (tag != ZELKLWCDateRangeController::customTag)
+        return m_dateRange.takeSelectionTagFrom(tag);
+    selectTag(m_dateRange.selectionTag());
+    m_customRange->open();
 }
 
 void ZELKRangeControls::connectMoves(QMainWindow &window)
@@ -83,15 +114,9 @@ void ZELKRangeControls::connectMoves(QMainWindow &window)
     for (const auto &[name, kind] : moves) {
         auto *action = outlet<QAction>(window, name);
         m_moves.append({action, kind});
+        if (kind == Action::ZoomIn) // the plus of many keyboards takes another key
+            action->setShortcuts({Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal});
         connect(action, &QAction::triggered, this, [this, kind = kind] { zelkGuard([&] { move(kind); }); });
-    }
-    // Buttons follow their action in all but the texts, which would not fit.
-    for (const auto &[button, action] :
-         {std::pair(outlet<QToolButton>(window, "backwardButton"), m_moves.at(0).action),
-          std::pair(outlet<QToolButton>(window, "forwardButton"), m_moves.at(1).action)}) {
-        connect(button, &QToolButton::clicked, action, &QAction::trigger);
-        connect(action, &QAction::changed, button,
-                [button = button, action = action] { button->setEnabled(action->isEnabled()); });
     }
 }
 
@@ -139,9 +164,9 @@ void ZELKRangeControls::validate()
     auto *items = qobject_cast<QStandardItemModel *>(m_filterPopUpButton->model());
     for (QAction *action : m_presets->actions()) {
         const int tag = action->data().toInt();
-        // A custom range comes about by moving; choosing "Custom" would leave everything as it is.
-        const bool can = tag != ZELKLWCDateRangeController::customTag &&
-                         m_dateRange.validateMenuItem(Action::TakeSelectionTagFrom, tag);
+        // Without entries there are no other days to choose from.
+        const bool can = m_dateRange.validateMenuItem(Action::TakeSelectionTagFrom, tag) &&
+                         (tag != ZELKLWCDateRangeController::customTag || m_log.count() > 0);
         action->setEnabled(can);
         if (QStandardItem *item = items ? items->item(m_filterPopUpButton->findData(tag)) : nullptr)
             item->setEnabled(can);

@@ -2,14 +2,17 @@
 
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
+#include "ZELKElidedLabel.h"
 #include "ZELKEnvironment.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKShortDate.h"
+#include "ZELKSymbolLabel.h"
 
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
-#include <QStyle>
+#include <QStatusBar>
 #include <QTextDocument>
 
 #include <utility>
@@ -37,28 +40,60 @@ Type *outlet(const QMainWindow &window, const char *name)
     return ZELKInterfaceLoader::outlet<Type>(window, className(), name);
 }
 
+template <typename Type>
+Type *make(QWidget *parent, const char *name)
+{
+    auto *widget = new Type(parent);
+    widget->setObjectName(QString::fromLatin1(name));
+    return widget;
+}
+
+QString symbolOf(const ZELKAgentController &agent)
+{
+    if (!agent.enabled() || agent.state() == ZELKAgentController::Inconsistent)
+        return QStringLiteral("state-broken");
+    return agent.installed() ? QStringLiteral("state-recording") : QStringLiteral("state-idle");
+}
+
 } // namespace
 
 ZELKStatusLine::ZELKStatusLine(QMainWindow &window, ZELKApplicationWiring &wiring)
     : QObject(&window)
     , m_wiring(wiring)
-    , m_stateLabel(outlet<QLabel>(window, "stateLabel"))
-    , m_countLabel(outlet<QLabel>(window, "countLabel"))
-    , m_synchronisationLabel(outlet<QLabel>(window, "synchronisationLabel"))
-    , m_failureIcon(outlet<QLabel>(window, "failureIcon"))
+    , m_dates(wiring.defaults())
+    , m_stateIcon(make<ZELKSymbolLabel>(&window, "stateIcon"))
+    , m_stateLabel(make<QLabel>(&window, "stateLabel"))
+    , m_countLabel(make<QLabel>(&window, "countLabel"))
+    , m_synchronisationLabel(make<ZELKElidedLabel>(&window, "synchronisationLabel"))
+    , m_failure(outlet<QWidget>(window, "failure"))
     , m_failureLine(outlet<QLineEdit>(window, "failureLine"))
 {
-    const int size = window.style()->pixelMetric(QStyle::PM_SmallIconSize);
-    m_failureIcon->setPixmap(window.style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
-    QPalette plain = m_failureLine->palette();
+    QPalette plain; // all else is the application's, light or dark
     plain.setBrush(QPalette::Base, Qt::transparent);
     m_failureLine->setPalette(plain);
-    m_synchronisationLabel->setVisible(wiring.settings().knowsAgent());
+    m_dates.awakeFromNib();
+    fillStatusBar(window);
     clearFailure();
     updateState();
     updateCount();
-    m_synchronisationLabel->setText(text("synchronised.never"));
+    m_synchronisationLabel->setFullText(text("synchronised.never")); // the cache is not open yet
     follow();
+}
+
+/// What the agent does makes room for the hints of menus; the rest stays.
+void ZELKStatusLine::fillStatusBar(QMainWindow &window)
+{
+    auto *state = make<QWidget>(&window, "state");
+    auto *layout = new QHBoxLayout(state);
+    layout->setContentsMargins({});
+    layout->addWidget(m_stateIcon);
+    layout->addWidget(m_stateLabel);
+    for (QLabel *label : {m_stateLabel, m_countLabel})
+        label->setTextFormat(Qt::PlainText);
+    window.statusBar()->addWidget(state);
+    window.statusBar()->addPermanentWidget(m_countLabel);
+    window.statusBar()->addPermanentWidget(m_synchronisationLabel);
+    m_synchronisationLabel->setVisible(m_wiring.settings().knowsAgent());
 }
 
 void ZELKStatusLine::follow()
@@ -70,12 +105,16 @@ void ZELKStatusLine::follow()
             [this] { zelkGuard([this] { updateCount(); }); });
     connect(&m_wiring.store(), &ZELKLWCStore::fetchFinished, this,
             [this](bool complete) { zelkGuard([&] { fetchFinished(complete); }); });
+    const auto datesChanged = [this] { zelkGuard([this] { updateSynchronisation(); }); };
+    connect(&m_dates, &ZELKLWCRelativeDateFormatter::relativeDatesChanged, this, datesChanged);
+    connect(&m_wiring.dateRange().passingMidnightTimer(), &ZELKWallClockTimer::fired, this, datesChanged);
 }
 
 void ZELKStatusLine::updateState()
 {
     const ZELKApplicationSettings &settings = m_wiring.settings();
     const ZELKAgentController &agent = m_wiring.agentController();
+    m_stateIcon->setSymbol(settings.knowsAgent() ? symbolOf(agent) : QStringLiteral("state-idle"));
     m_stateLabel->setText(settings.knowsAgent() ? agent.localisedState()
                                                 : ZELKFormat(text("profile"), {settings.profile}));
     const QString version = agent.agentVersion();
@@ -99,12 +138,14 @@ void ZELKStatusLine::updateCount()
     m_countLabel->setText(words);
 }
 
+/// Until the agent was asked in this run, what the store remembers is the best that is known.
 void ZELKStatusLine::updateSynchronisation()
 {
-    const ZELKDate date = m_wiring.store().lastSyncDate();
-    m_synchronisationLabel->setText(date > ZELKDate::distantPast()
-                                        ? ZELKFormat(text("synchronised"), {ZELKShortDate::text(date)})
-                                        : text("synchronised.never"));
+    const ZELKDate date = qMax(m_synchronised, m_wiring.store().lastSyncDate());
+    const bool isKnown = date > ZELKDate::distantPast();
+    m_synchronisationLabel->setFullText(
+        isKnown ? ZELKFormat(text("synchronised"), {m_dates.stringForObjectValue(QVariant::fromValue(date))})
+                : text("synchronised.never"));
 }
 
 void ZELKStatusLine::fetchFinished(bool complete)
@@ -112,10 +153,12 @@ void ZELKStatusLine::fetchFinished(bool complete)
     const QString failure = complete ? QString() : fetchFailure();
     // What was raised on the way says more than that it failed.
     const bool isTold = std::exchange(m_failureIsNew, false);
-    if (complete)
+    if (complete) {
+        m_synchronised = ZELKEnvironment::current().clock->now();
         clearFailure();
-    else if (!failure.isEmpty() && !isTold)
+    } else if (!failure.isEmpty() && !isTold) {
         showFailure(failure);
+    }
     m_failureIsNew = false;
     updateSynchronisation();
 }
@@ -136,15 +179,13 @@ void ZELKStatusLine::showFailure(const QString &message)
     m_failureIsNew = true;
     const QString now = ZELKShortDate::text(ZELKEnvironment::current().clock->now());
     setFailureText(ZELKFormat(text("failure"), {now, message}).simplified());
-    m_failureIcon->show();
-    m_failureLine->show();
+    m_failure->show();
 }
 
 void ZELKStatusLine::clearFailure()
 {
     setFailureText({});
-    m_failureIcon->hide();
-    m_failureLine->hide();
+    m_failure->hide();
 }
 
 void ZELKStatusLine::setFailureText(const QString &text)

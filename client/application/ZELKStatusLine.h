@@ -1,15 +1,21 @@
 #pragma once
 
+#include "ZELKDate.h"
+#include "ZELKLWCRelativeDateFormatter.h"
+
 #include <QObject>
 #include <QString>
 
 class QLabel;
 class QLineEdit;
 class QMainWindow;
+class QWidget;
 class ZELKApplicationWiring;
+class ZELKElidedLabel;
+class ZELKSymbolLabel;
 
-/// The main window's last line: what the agent does, how many entries there are, when they were brought, and
-/// what went wrong last.
+/// The main window's status bar: what the agent does, how many entries there are, and when the agent was last
+/// asked for new ones; above it, what went wrong last.
 class ZELKStatusLine : public QObject
 {
     Q_OBJECT
@@ -22,6 +28,7 @@ public:
     void showFailure(const QString &message);
 
 private:
+    void fillStatusBar(QMainWindow &window);
     void follow();
     void updateState();
     void updateCount();
@@ -32,10 +39,13 @@ private:
     void setFailureText(const QString &text);
 
     ZELKApplicationWiring &m_wiring;
+    ZELKLWCRelativeDateFormatter m_dates;
+    ZELKDate m_synchronised = ZELKDate::distantPast(); // in this run
+    ZELKSymbolLabel *m_stateIcon;
     QLabel *m_stateLabel;
     QLabel *m_countLabel;
-    QLabel *m_synchronisationLabel;
-    QLabel *m_failureIcon;
+    ZELKElidedLabel *m_synchronisationLabel;
+    QWidget *m_failure;
     QLineEdit *m_failureLine;    // whose keys reach all of a long text
     bool m_failureIsNew = false; // since the last fetch ended
 };

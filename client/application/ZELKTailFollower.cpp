@@ -18,13 +18,27 @@ ZELKTailFollower::ZELKTailFollower(QAbstractItemView &view, const QAbstractItemM
     connect(&model, &QAbstractItemModel::rowsAboutToBeRemoved, this, will);
     connect(&model, &QAbstractItemModel::rowsInserted, this, did);
     connect(&model, &QAbstractItemModel::rowsRemoved, this, did);
-    connect(view.verticalScrollBar(), &QScrollBar::valueChanged, this, [this](int value) {
-        zelkGuard([&] {
+    connect(view.verticalScrollBar(), &QScrollBar::valueChanged, this, [this] {
+        zelkGuard([this] {
             if (!m_changing)
-                m_atTail = value >= m_view.verticalScrollBar()->maximum();
+                m_atTail = isAtNewestEnd();
         });
     });
     view.viewport()->installEventFilter(this);
+}
+
+void ZELKTailFollower::setNewestEnd(NewestEnd end)
+{
+    m_newestEnd = end;
+    m_atTail = isAtNewestEnd();
+}
+
+bool ZELKTailFollower::isAtNewestEnd() const
+{
+    const QScrollBar &bar = *m_view.verticalScrollBar();
+    if (m_newestEnd == NewestEnd::None)
+        return false;
+    return m_newestEnd == NewestEnd::Top ? bar.value() <= bar.minimum() : bar.value() >= bar.maximum();
 }
 
 bool ZELKTailFollower::eventFilter(QObject *watched, QEvent *event)
@@ -56,12 +70,22 @@ void ZELKTailFollower::settle()
     if (m_top.isValid()) {
         m_view.scrollTo(m_top, QAbstractItemView::PositionAtTop);
     } else {
-        moveCurrentToTail();
-        m_view.scrollToBottom();
-        m_atTail = true;
+        moveToTail();
     }
     m_top = QModelIndex();
     m_changing = false;
+}
+
+void ZELKTailFollower::moveToTail()
+{
+    if (m_newestEnd == NewestEnd::None)
+        return;
+    moveCurrentToTail();
+    if (m_newestEnd == NewestEnd::Top)
+        m_view.scrollToTop();
+    else
+        m_view.scrollToBottom();
+    m_atTail = true;
 }
 
 /// So that the arrow keys go on from what is seen. A selection is the user's and stays.
@@ -70,5 +94,6 @@ void ZELKTailFollower::moveCurrentToTail()
     QItemSelectionModel *selection = m_view.selectionModel();
     const int rows = m_view.model()->rowCount();
     if (rows > 0 && !selection->hasSelection())
-        selection->setCurrentIndex(m_view.model()->index(rows - 1, 0), QItemSelectionModel::NoUpdate);
+        selection->setCurrentIndex(m_view.model()->index(m_newestEnd == NewestEnd::Top ? 0 : rows - 1, 0),
+                                   QItemSelectionModel::NoUpdate);
 }

@@ -44,7 +44,7 @@ void ZELKWindowSession::start(bool startsAgent)
 void ZELKWindowSession::applicationWillTerminate()
 {
     m_cacheWatcher.reset();
-    zelkGuard([this] { m_mainWindow.saveGeometry(); });
+    zelkGuard([this] { m_mainWindow.saveState(); });
     m_wiring.applicationWillTerminate();
 }
 

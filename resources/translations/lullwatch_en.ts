@@ -1031,47 +1031,39 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCMainWindowController.range.9</source>
-        <translation>&amp;Custom</translation>
+        <translation>&amp;Custom…</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.dayBackward</source>
-        <translation>Day &amp;Back</translation>
+        <translation>&amp;Previous Day</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.dayForward</source>
-        <translation>Day &amp;Forward</translation>
+        <translation>&amp;Next Day</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.monthBackward</source>
-        <translation>Month Bac&amp;k</translation>
+        <translation>P&amp;revious Month</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.monthForward</source>
-        <translation>Month Forwa&amp;rd</translation>
+        <translation>Ne&amp;xt Month</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.zoomIn</source>
-        <translation>Fewer Days (Zoom &amp;In)</translation>
+        <translation>&amp;Fewer Days</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.zoomOut</source>
-        <translation>More Days (&amp;Zoom Out)</translation>
+        <translation>More &amp;Days</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.dayBackward.toolTip</source>
-        <translation>One day back (Alt+Left)</translation>
-    </message>
-    <message>
-        <source>ZELKLWCMainWindowController.dayBackward.accessibleName</source>
-        <translation>One day back</translation>
+        <translation>The days before, moved by one day</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.dayForward.toolTip</source>
-        <translation>One day forward (Alt+Right)</translation>
-    </message>
-    <message>
-        <source>ZELKLWCMainWindowController.dayForward.accessibleName</source>
-        <translation>One day forward</translation>
+        <translation>The days after, moved by one day</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.startStop</source>
@@ -1079,7 +1071,7 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCMainWindowController.startStop.toolTip</source>
-        <translation>Starts or stops recording this computer’s power events (Ctrl+R)</translation>
+        <translation>Starts or stops recording this computer’s power events</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.updateAgent</source>
@@ -1114,14 +1106,6 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>&amp;About Lullwatch</translation>
     </message>
     <message>
-        <source>ZELKLWCMainWindowController.menu.recording</source>
-        <translation>&amp;Recording</translation>
-    </message>
-    <message>
-        <source>ZELKLWCMainWindowController.menu.range</source>
-        <translation>&amp;Days</translation>
-    </message>
-    <message>
         <source>ZELKLWCMainWindowController.menu.help</source>
         <translation>&amp;Help</translation>
     </message>
@@ -1147,11 +1131,11 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCMainWindowController.synchronised</source>
-        <translation>Last new entries fetched %@</translation>
+        <translation>Synchronised: %@</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.synchronised.never</source>
-        <translation>No entries fetched yet</translation>
+        <translation>Not synchronised yet</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.failure.accessibleName</source>
@@ -1187,7 +1171,7 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty</source>
-        <translation>Nothing has been recorded yet. Choose “Start Recording…” to record when this computer sleeps, wakes, starts and changes its power.</translation>
+        <translation>Nothing has been recorded yet</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.unreadable</source>
@@ -1195,15 +1179,15 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.recording</source>
-        <translation>Recording has begun. What happens to this computer appears here.</translation>
+        <translation>Recording has begun</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.profile</source>
-        <translation>This profile is empty. Fill it with “lullwatch --profile NAME import FILE”.</translation>
+        <translation>This profile is empty</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.range</source>
-        <translation>Nothing was recorded on these days.</translation>
+        <translation>No entries in this range</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.about</source>
@@ -1213,12 +1197,309 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <source>ZELKLWCMainWindowController.about.informative</source>
         <translation>Shows when this computer slept, woke, started and changed its power.</translation>
     </message>
+    <message>
+        <source>ZELKLWCMainWindowController.monthBackward.toolTip</source>
+        <translation>The days before, moved by one month</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.monthForward.toolTip</source>
+        <translation>The days after, moved by one month</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.zoomIn.toolTip</source>
+        <translation>Fewer days: one less at each end</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.zoomOut.toolTip</source>
+        <translation>More days: one more at each end</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.showSelectedDays</source>
+        <translation>Show Se&amp;lected Days Only</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.showSelectedDays.toolTip</source>
+        <translation>Shows the days of the selected entries and no others</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.menu.file</source>
+        <translation>&amp;File</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.menu.edit</source>
+        <translation>&amp;Edit</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.menu.view</source>
+        <translation>&amp;View</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.menu.go</source>
+        <translation>&amp;Go</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.menu.agent</source>
+        <translation>&amp;Agent</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.menu.sort</source>
+        <translation>&amp;Sort</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.fetch</source>
+        <translation>&amp;Fetch New Entries</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.fetch.toolTip</source>
+        <translation>Asks the recording agent for what it recorded since it was last asked</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.close</source>
+        <translation>&amp;Close Window</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.copy</source>
+        <translation>&amp;Copy</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.copy.toolTip</source>
+        <translation>Copies the selected entries as text and as a table</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.selectAll</source>
+        <translation>Select &amp;All</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.find</source>
+        <translation>&amp;Find</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.find.toolTip</source>
+        <translation>Shows only the entries that contain a text</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.clearSearch</source>
+        <translation>C&amp;lear Search</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.clearSearch.toolTip</source>
+        <translation>Shows the entries again that the search left out</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.selectPair</source>
+        <translation>Select &amp;Partner</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.selectPair.toolTip</source>
+        <translation>Selects the other end of what the selected entry began or ended</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.extendToPair</source>
+        <translation>&amp;Extend Selection to Partner</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.extendToPair.toolTip</source>
+        <translation>Selects everything from the selected entry to the other end of what it began or ended</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.preferences</source>
+        <translation>Prefere&amp;nces…</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.detail</source>
+        <translation>Show &amp;Details</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.detail.toolTip</source>
+        <translation>Shows a second line with an entry’s details</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.relativeDates</source>
+        <translation>&amp;Relative Dates</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.relativeDates.toolTip</source>
+        <translation>Names today, tomorrow and yesterday instead of their dates</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.highlight</source>
+        <translation>&amp;Highlight Partner</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.highlight.toolTip</source>
+        <translation>Colours the other end of what the selected entry began or ended</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.sortByDate</source>
+        <translation>By &amp;Date</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.sortBySummary</source>
+        <translation>By &amp;Event</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.sortAscending</source>
+        <translation>&amp;Ascending</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.sortDescending</source>
+        <translation>De&amp;scending</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.showToolBar</source>
+        <translation>Show &amp;Toolbar</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.fullScreen</source>
+        <translation>&amp;Full Screen</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.toolBar</source>
+        <translation>Toolbar</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.aboutQt</source>
+        <translation>About &amp;Qt</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.search.placeholder</source>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.search.toolTip</source>
+        <translation>Shows only the entries that contain this text, with the same capitals (Ctrl+F)</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.search.accessibleName</source>
+        <translation>Search</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.hint</source>
+        <translation>While it is recording, Lullwatch notes when this computer sleeps, wakes, starts and changes its power.</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.recording.hint</source>
+        <translation>What happens to this computer appears here.</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.profile.hint</source>
+        <translation>Fill it with “lullwatch --profile NAME import FILE”.</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.range.hint</source>
+        <translation>Nothing was recorded on these days. Choose others, or look at everything.</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.search.of</source>
+        <translation>%@ of %@ match</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.search.ofOne</source>
+        <translation>%@ of 1 matches</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.search</source>
+        <translation>No entry contains “%@”</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.search.hint</source>
+        <translation>Only summaries are searched, and capitals count.</translation>
+    </message>
 </context>
 <context>
     <name>ZELKNoAgent</name>
     <message>
         <source>ZELKNoAgent.refusal</source>
         <translation>A profile has no recording agent.</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKSearchField</name>
+    <message>
+        <source>ZELKSearchField.clear</source>
+        <translation>Clear Search</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKCustomRange</name>
+    <message>
+        <source>ZELKCustomRange.title</source>
+        <translation>Choose Days</translation>
+    </message>
+    <message>
+        <source>ZELKCustomRange.explanation</source>
+        <translation>Show the entries of these days:</translation>
+    </message>
+    <message>
+        <source>ZELKCustomRange.from</source>
+        <translation>&amp;From:</translation>
+    </message>
+    <message>
+        <source>ZELKCustomRange.from.accessibleName</source>
+        <translation>First day</translation>
+    </message>
+    <message>
+        <source>ZELKCustomRange.to</source>
+        <translation>&amp;To:</translation>
+    </message>
+    <message>
+        <source>ZELKCustomRange.to.accessibleName</source>
+        <translation>Last day</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKPreferences</name>
+    <message>
+        <source>ZELKPreferences.title</source>
+        <translation>Preferences</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.dates</source>
+        <translation>Dates</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.entries</source>
+        <translation>Entries</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.relativeDates</source>
+        <translation>Name &amp;today, tomorrow and yesterday</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.relativeDates.toolTip</source>
+        <translation>“Today” instead of the date, wherever dates are shown</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.eventDetail</source>
+        <translation>Show a second line with &amp;details</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.eventDetail.toolTip</source>
+        <translation>What was recorded along with the event, below its summary</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.highlight</source>
+        <translation>&amp;Highlight the partner of the selected entry</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.highlight.toolTip</source>
+        <translation>The other end of what the selected entry began or ended, such as the sleep before a wake</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.colour</source>
+        <translation>&amp;Colour:</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.colour.accessibleName</source>
+        <translation>Colour of the highlight</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.colour.toolTip</source>
+        <translation>The colour behind the partner of the selected entry</translation>
+    </message>
+    <message>
+        <source>ZELKPreferences.revert</source>
+        <translation>Restore &amp;Initial Values</translation>
     </message>
 </context>
 </TS>

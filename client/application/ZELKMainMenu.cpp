@@ -1,0 +1,126 @@
+#include "ZELKMainMenu.h"
+
+#include "ZELKApplicationWiring.h"
+#include "ZELKAssertion.h"
+#include "ZELKDefaultBinding.h"
+#include "ZELKInterfaceLoader.h"
+#include "ZELKMessage.h"
+#include "ZELKPreferences.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QEvent>
+#include <QMainWindow>
+#include <QMenu>
+#include <QToolBar>
+
+#include <utility>
+
+namespace {
+
+QString className()
+{
+    return QStringLiteral("ZELKLWCMainWindowController");
+}
+
+QString text(const char *topic)
+{
+    return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
+}
+
+template <typename Type>
+Type *outlet(const QMainWindow &window, const char *name)
+{
+    return ZELKInterfaceLoader::outlet<Type>(window, className(), name);
+}
+
+} // namespace
+
+ZELKMainMenu::ZELKMainMenu(QMainWindow &window, ZELKApplicationWiring &wiring)
+    : QObject(&window)
+    , m_window(window)
+    , m_wiring(wiring)
+    , m_fullScreen(outlet<QAction>(window, "actionFullScreen"))
+    , m_preferences(new ZELKPreferences(window, *wiring.settings().bundle, wiring.defaults()))
+{
+    connectWindow();
+    connectSettings();
+    connectHelp();
+    showHintsInStatusBar();
+}
+
+template <typename Receiver, typename Function>
+void ZELKMainMenu::onTriggered(const char *action, Receiver *receiver, Function function)
+{
+    connect(outlet<QAction>(m_window, action), &QAction::triggered, receiver,
+            [receiver, function](bool isOn) {
+                zelkGuard([&] {
+                    if constexpr (std::is_invocable_v<Function, Receiver *, bool>)
+                        std::invoke(function, receiver, isOn);
+                    else
+                        std::invoke(function, receiver);
+                });
+            });
+}
+
+void ZELKMainMenu::connectWindow()
+{
+    onTriggered("actionClose", &m_window, &QWidget::close);
+    onTriggered("actionQuit", &m_window, &QWidget::close);
+    onTriggered("actionFullScreen", this, &ZELKMainMenu::setFullScreen);
+    onTriggered("actionPreferences", m_preferences, &ZELKPreferences::show);
+    m_window.installEventFilter(this);
+    QAction *toolBar = outlet<QToolBar>(m_window, "toolBar")->toggleViewAction();
+    toolBar->setText(text("showToolBar"));
+    outlet<QMenu>(m_window, "viewMenu")->insertAction(m_fullScreen, toolBar);
+}
+
+void ZELKMainMenu::connectSettings()
+{
+    for (const auto &[action, key] :
+         {std::pair("actionDetail", "eventDetail"), std::pair("actionRelativeDates", "relativeDates"),
+          std::pair("actionHighlight", "highlight")})
+        ZELKDefaultBinding::bind(*outlet<QAction>(m_window, action), m_wiring.defaults(),
+                                 QString::fromLatin1(key));
+}
+
+void ZELKMainMenu::connectHelp()
+{
+    auto *guide = outlet<QAction>(m_window, "actionUserGuide");
+    ZELKLWClientAppDelegate &delegate = m_wiring.delegate();
+    guide->setEnabled(delegate.canOpenUserGuide());
+    connect(&delegate, &ZELKLWClientAppDelegate::canOpenUserGuideChanged, guide, &QAction::setEnabled);
+    onTriggered("actionUserGuide", &delegate, &ZELKLWClientAppDelegate::openUserGuide);
+    onTriggered("actionAbout", this, &ZELKMainMenu::showAbout);
+    connect(outlet<QAction>(m_window, "actionAboutQt"), &QAction::triggered, qApp, &QApplication::aboutQt);
+}
+
+/// A hint that was given; without one, an item's own text stands in its place.
+void ZELKMainMenu::showHintsInStatusBar()
+{
+    const auto withoutEnd = [](QString text) { return text.remove(QChar(0x2026)); };
+    for (QAction *action : m_window.findChildren<QAction *>())
+        if (withoutEnd(action->toolTip()) != withoutEnd(action->text().remove(QLatin1Char('&'))))
+            action->setStatusTip(action->toolTip());
+}
+
+/// The window manager may do it as well.
+bool ZELKMainMenu::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::WindowStateChange)
+        m_fullScreen->setChecked(m_window.isFullScreen());
+    return QObject::eventFilter(watched, event);
+}
+
+void ZELKMainMenu::setFullScreen(bool isFull)
+{
+    m_window.setWindowState(m_window.windowState().setFlag(Qt::WindowFullScreen, isFull));
+}
+
+void ZELKMainMenu::showAbout()
+{
+    const QString version =
+        m_wiring.settings().bundle->infoDictionary().string(QStringLiteral("CFBundleVersion"));
+    ZELKMessage::open(m_window, QMessageBox::Information, ZELKFormat(text("about"), {version}),
+                      text("about.informative"));
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "ZELKLWCLogTableController.h"
+
+class QAction;
+class QActionGroup;
+class QMainWindow;
+class QMenu;
+class QPoint;
+class ZELKLWCDateRangeController;
+
+/// What menus do with the table's rows: copy and select them, find their partners, show their days alone,
+/// sort them. Some of it also stands in the context menu of rows.
+class ZELKTableActions : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Outlets are looked up by name; those that are missing raise. `window` owns the actions; the others
+    /// outlive it.
+    ZELKTableActions(QMainWindow &window, ZELKLWCLogTableController &table, ZELKLWCLogTableView &view,
+                     ZELKLWCDateRangeController &dateRange);
+
+private:
+    QAction *connectAction(const char *name, void (ZELKTableActions::*function)());
+    void makeContextMenu();
+    void connectSorting();
+    void follow();
+    void validate();
+    void copy();
+    void selectAll();
+    void selectPair();
+    void extendToPair();
+    void showSelectedDays();
+    void sort();
+    void showSorting();
+
+    QMainWindow &m_window;
+    ZELKLWCLogTableController &m_table;
+    ZELKLWCLogTableView &m_view;
+    ZELKLWCDateRangeController &m_dateRange;
+    QAction *m_copy;
+    QAction *m_selectAll;
+    QAction *m_selectPair;
+    QAction *m_extendToPair;
+    QAction *m_showSelectedDays;
+    QActionGroup *m_columns; // in the order of the columns
+    QActionGroup *m_directions;
+    QMenu *m_contextMenu;
+};
