@@ -94,6 +94,8 @@ void ZELKLWCLogTableController::setUpView()
         Column::SummaryColumn,
         new BLRoundedTableCell(ZELKLWCLogTableModel::attributedTextRole, background, this));
     m_keeper = std::make_unique<ZELKSelectionKeeper>(m_view, m_model);
+    connect(&m_view, &ZELKLWCLogTableView::fontChanged, this,
+            [this] { zelkGuard([this] { adjustRowHeight(); }); });
     connect(&m_view, &ZELKLWCLogTableView::doubleAction, this,
             &ZELKLWCLogTableController::doubleClickShowInformationPanel);
     const auto selectionDid = [this] {
@@ -106,7 +108,13 @@ void ZELKLWCLogTableController::setUpView()
     connect(&m_model, &QAbstractItemModel::rowsInserted, this, rowsDid);
     connect(&m_model, &QAbstractItemModel::rowsRemoved, this, rowsDid);
     connect(&m_model, &ZELKLWCLogTableModel::didRearrange, this, selectionDid);
+    setUpHeader();
+}
+
+void ZELKLWCLogTableController::setUpHeader()
+{
     QHeaderView *header = m_view.horizontalHeader();
+    header->setAccessibleName(m_view.accessibleName());
     header->setSectionsClickable(true);
     header->setSortIndicatorShown(true);
     showSortIndicator();
@@ -153,6 +161,7 @@ void ZELKLWCLogTableController::setHighlightColour(const QColor &colour)
 void ZELKLWCLogTableController::adjustRowHeight()
 {
     m_summaryFormatter.setShowDetail(m_defaults.boolForKey(detailKey));
+    m_summaryFormatter.setFontScale(m_summaryFormatter.scaleForFont(m_view.font()));
     m_view.setUniformRowHeight(int(std::ceil(m_summaryFormatter.rowHeight())));
 }
 

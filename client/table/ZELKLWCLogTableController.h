@@ -68,8 +68,8 @@ public:
     /// The background of a cell; nothing for a cell that draws none.
     std::optional<QColor> tableViewWillDisplayCell(Column column, int row) const;
 
-    /// Chooses the template by the setting "eventDetail", and makes all rows as high as it asks for. Also to
-    /// be called when the view's font changed.
+    /// Chooses the template by the setting "eventDetail", scales it to the view's font, and makes all rows as
+    /// high as it asks for.
     void adjustRowHeight();
 
     /// Selects the row of the first selected entry's partner.
@@ -112,6 +112,7 @@ Q_SIGNALS:
 
 private:
     void setUpView();
+    void setUpHeader();
     void followSettings();
     void settingChanged(const QString &key);
     void showSortIndicator();

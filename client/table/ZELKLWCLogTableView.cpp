@@ -76,6 +76,13 @@ bool ZELKLWCLogTableView::event(QEvent *event)
     return ZELKUniformTableView::event(event);
 }
 
+void ZELKLWCLogTableView::changeEvent(QEvent *event)
+{
+    ZELKUniformTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        Q_EMIT fontChanged();
+}
+
 void ZELKLWCLogTableView::keyPressEvent(QKeyEvent *event)
 {
     bool isDone = false;

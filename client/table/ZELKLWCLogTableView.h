@@ -66,9 +66,12 @@ public:
 Q_SIGNALS:
     /// A double click on a row, Return or Enter.
     void doubleAction();
+    /// Of the view or of the whole program.
+    void fontChanged();
 
 protected:
     bool event(QEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;

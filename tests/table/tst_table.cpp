@@ -310,6 +310,11 @@ private Q_SLOTS:
         QVERIFY(table.summaries.showDetail());
         QVERIFY(table.view.uniformRowHeight() > height);
         QCOMPARE(table.view.visualRect(table.model().index(3, 0)).top(), 3 * table.view.uniformRowHeight());
+        const int detailHeight = table.view.uniformRowHeight();
+        QFont large = table.view.font();
+        large.setPointSizeF(2.0 * large.pointSizeF());
+        table.view.setFont(large);
+        QVERIFY(table.view.uniformRowHeight() > detailHeight * 3 / 2);
     }
 
     void partners_data()
