@@ -34,31 +34,33 @@ public:
 
 private:
     using Id = ZELKStringPool::Id;
+    using Word = ZELKLWCEntriesViewDisplayList::Word;
     using Battery = ZELKLWCEntriesViewBatteries::Battery;
     using Segment = ZELKLWCEntriesViewBatterySegment;
 
     void addVisibleEntries();
-    void noteLatestOfGroup(ZELKLWCLogEntry *entry);
-    void addPairBlock(const ZELKLWCLogEntry *pair, const ZELKLWCLogEntry *entry, ZELKDate to);
-    void addReading(const ZELKLWCLogEntryPowerStatus &entry);
-    void startCurve(Battery &battery, const ZELKLWCLogEntryPowerStatus &entry);
-    void startSegmentAfter(Battery &battery, const ZELKLWCLogEntryPowerStatus &entry, QPointF point);
+    void noteLatestOfGroup(const ZELKLWCLogEntry *entry);
+    Word wordFor(const ZELKLWCLogEntry &opening);
+    void addPairBlock(const ZELKLWCLogEntry &opening, const ZELKLWCLogEntry *entry, ZELKDate to);
     void addStatesEndingLater();
     void addStatesRunningAtEnd();
     std::size_t markGroupsSince(std::int64_t index, std::vector<bool> &groups) const;
-    void closeBatteries();
-    const ZELKLWCLogEntryPowerStatus *readingBefore(const QString &battery) const;
+    QString powerSourceOf(const ZELKLWCLogEntryPowerStatus &entry);
+    Segment segment(const QString &state, ZELKDate date, double percentage) const;
     Battery &batteryOf(const ZELKLWCLogEntryPowerStatus &entry, Id name);
-    Segment segment(const QString &state, QPointF start) const;
-    ZELKLWCEntriesViewDisplayList::Word wordFor(const ZELKLWCLogEntry &pair);
+    void addReading(const ZELKLWCLogEntryPowerStatus &entry);
+    void startCurve(Battery &battery, const ZELKLWCLogEntryPowerStatus &entry);
+    void closeBatteries();
 
     ZELKLWCEntriesViewDisplayList &m_list;
     const ZELKChartScale &m_scale;
     const ZELKLWCLog &m_log;
     ZELKDate m_start;
     ZELKDate m_end;
-    std::vector<ZELKLWCLogEntry *> m_latest;       // visible, by the group's index
+    std::vector<const ZELKLWCLogEntry *> m_latest; // visible, by the group's index
     std::vector<std::uint32_t> m_groups;           // of visible entries, as they are first seen
-    std::vector<std::pair<Id, Battery *>> m_known; // batteries by the number of their name
-    std::vector<std::pair<Id, ZELKLWCEntriesViewDisplayList::Word>> m_words;
+    // Few of each, by the number of their text: a walk finds them sooner than a hash.
+    std::vector<std::pair<Id, Word>> m_knownWords;
+    std::vector<std::pair<Id, Battery *>> m_knownBatteries;
+    std::vector<std::pair<Id, QString>> m_knownSources;
 };
