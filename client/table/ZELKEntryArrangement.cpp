@@ -131,6 +131,7 @@ void ZELKEntryArrangement::arrange(ZELKVisibleRange range, const QString &filter
     m_order = {};
     if (m_isPlain)
         return;
+    m_summaries.trim(); // the moment at which both columns are there
     m_order = passing(range);
     sort(m_order);
 }

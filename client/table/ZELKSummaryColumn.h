@@ -36,6 +36,14 @@ public:
     /// Composes up to `count` more; true when some are left.
     bool fillSome(std::size_t count) const;
     void fill() const { fillSome(m_ids.size()); }
+    /// The numbers from an entry of the range on, to the range's end, all of them composed.
+    const Id *filledFrom(std::uint32_t index) const
+    {
+        fill();
+        return m_ids.data() + (index - m_range.location);
+    }
+    /// Gives back the room for entries to come.
+    void trim() { m_ids.shrink_to_fit(); }
     std::size_t bytes() const { return m_ids.capacity() * sizeof(Id); }
 
 private:
