@@ -9,13 +9,16 @@ ZELKAttributedString::ZELKAttributedString(const QString &text, const ZELKTextAt
 
 ZELKTextAttributes ZELKAttributedString::attributesAt(qsizetype index) const
 {
-    if (index >= 0)
-        for (const Run &run : m_runs) {
-            if (index < run.length)
-                return run.attributes;
-            index -= run.length;
-        }
-    return {};
+    if (index < 0 || index >= length())
+        return {};
+    // Texts grow at their end, and who lets one grow often asks what it ends with.
+    const qsizetype lastStart = length() - m_runs.back().length;
+    if (index >= lastStart)
+        return m_runs.back().attributes;
+    auto run = m_runs.begin();
+    for (qsizetype end = run->length; index >= end; end += run->length)
+        ++run;
+    return run->attributes;
 }
 
 void ZELKAttributedString::append(const QString &text, const ZELKTextAttributes &attributes)

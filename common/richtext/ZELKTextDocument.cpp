@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QTextBlock>
 #include <QTextCursor>
 
 namespace {
@@ -141,5 +142,7 @@ double ZELKTextDocument::height(const ZELKAttributedString &text)
 {
     QTextDocument document;
     fill(document, text, ZELKTextColours::forPaper());
-    return document.size().height();
+    // A document has no spacing around it, but a text has.
+    return document.firstBlock().blockFormat().topMargin() + document.size().height() +
+           document.lastBlock().blockFormat().bottomMargin();
 }

@@ -23,7 +23,8 @@ QTextBlockFormat blockFormat(const ZELKParagraphStyle &style, double dotsPerInch
 /// Makes `text` all there is in the document, without a margin around it.
 void fill(QTextDocument &document, const ZELKAttributedString &text, const ZELKTextColours &colours,
           double dotsPerInch = screenDotsPerInch());
-/// Height on the screen, in the pixels that widgets reckon with, where lines may have any length.
+/// Height on the screen, in the pixels that widgets reckon with, where lines may have any length; with the
+/// spacing before the first paragraph and after the last.
 double height(const ZELKAttributedString &text);
 
 } // namespace ZELKTextDocument
