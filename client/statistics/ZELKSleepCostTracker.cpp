@@ -1,0 +1,208 @@
+#include "ZELKSleepCostTracker.h"
+
+#include "ZELKEventVocabulary.h"
+#include "ZELKLWCLogEntryPowerStatus.h"
+
+#include <algorithm>
+
+using Costs = ZELKSleepCosts;
+
+ZELKSleepCostTracker::ZELKSleepCostTracker(const ZELKStringPool &texts, ZELKDate from, ZELKDate to)
+    : m_texts(texts)
+    , m_from(from)
+    , m_to(to)
+    , m_batteryPower(texts.find({ZELKPowerSourceBattery.data(), std::size_t(ZELKPowerSourceBattery.size())}))
+{
+}
+
+void ZELKSleepCostTracker::addEntry(const ZELKLWCLogEntry &entry)
+{
+    if (entry.kind() == ZELKEntryKind::Daemon)
+        return addBreak(entry.date());
+    addState(entry.pairRepresentsId(), entry.date());
+    if (entry.kind() == ZELKEntryKind::PowerStatus)
+        addReading(ZELKBatteryReading(static_cast<const ZELKLWCLogEntryPowerStatus &>(entry)));
+}
+
+void ZELKSleepCostTracker::addReading(const ZELKBatteryReading &reading)
+{
+    if (reading.name == ZELKStringPool::nil)
+        return;
+    const std::size_t number = m_numbering.numberOf(reading.name);
+    if (number == m_batteries.size())
+        m_batteries.emplace_back();
+    Battery &battery = m_batteries[number];
+    settle(battery);
+    battery.waiting = reading.entry;
+    battery.waitingFinalDate = reading.finalDate;
+    battery.waitingCharge = {reading.date, reading.percentage,
+                             reading.source == m_batteryPower && m_batteryPower != ZELKStringPool::nil &&
+                                 !reading.entry->charging()};
+}
+
+// MARK: charges
+
+/// Counts the reading that waits, and its duplicates: where no mark came since, the last one says it all.
+void ZELKSleepCostTracker::settle(Battery &battery)
+{
+    if (!battery.waiting)
+        return;
+    const ZELKLWCLogEntryPowerStatus &entry = *battery.waiting;
+    Charge charge = battery.waitingCharge;
+    const bool isLate = charge.date < battery.last.date;
+    if (isLate || entry.change() == ZELKLWCLogEntryPowerStatus::PresenceChanged)
+        battery.isKnown = false;
+    confirm(battery, charge);
+    if (battery.mark == m_marks.last()) {
+        charge.date = std::max(charge.date, battery.waitingFinalDate);
+        confirm(battery, charge);
+    } else {
+        for (const ZELKLWCLogEntry *duplicate : entry.duplicates()) {
+            charge.date = std::max(charge.date, duplicate->date());
+            confirm(battery, charge);
+        }
+    }
+    battery.waiting = nullptr;
+}
+
+void ZELKSleepCostTracker::confirm(Battery &battery, const Charge &charge)
+{
+    const std::size_t mark = m_marks.lastMarkFor(charge.date, battery.mark);
+    if (m_marks.at(mark).isAsleep) {
+        battery.hadPower = battery.hadPower || !charge.isOnBattery || charge.percentage > battery.lowest;
+        battery.lowest = std::min(battery.lowest, charge.percentage);
+        return;
+    }
+    if (battery.isKnown)
+        conclude(battery, mark, charge);
+    battery.isKnown = true;
+    battery.last = charge;
+    battery.mark = mark;
+    battery.lowest = charge.percentage;
+    battery.hadPower = false;
+}
+
+void ZELKSleepCostTracker::conclude(Battery &battery, std::size_t mark, const Charge &charge)
+{
+    if (mark == battery.mark)
+        return countAwake(battery, charge);
+    const std::uint32_t first = m_marks.at(battery.mark).sleeps;
+    const std::uint32_t end = m_marks.at(mark).sleeps;
+    if (first == end)
+        return;
+    const Unknown unknown = doubt(battery, mark, charge);
+    if (unknown == Unknown::No)
+        count(battery, mark, charge);
+    else
+        setUnknown(unknown, first, end);
+}
+
+void ZELKSleepCostTracker::countAwake(Battery &battery, const Charge &charge) const
+{
+    const bool isCounted = battery.last.date >= m_from && charge.date <= m_to;
+    if (!isCounted || !battery.last.isOnBattery || !charge.isOnBattery ||
+        charge.percentage > battery.last.percentage)
+        return;
+    battery.awake.points += double(battery.last.percentage) - double(charge.percentage);
+    battery.awake.seconds += charge.date.timeIntervalSinceDate(battery.last.date);
+}
+
+ZELKSleepCosts::Unknown ZELKSleepCostTracker::doubt(const Battery &battery, std::size_t mark,
+                                                    const Charge &charge) const
+{
+    if (!battery.last.isOnBattery || !charge.isOnBattery || battery.hadPower ||
+        charge.percentage > battery.lowest)
+        return Unknown::Charger;
+    if (m_marks.at(mark).breaks != m_marks.at(battery.mark).breaks)
+        return Unknown::Unrecorded;
+    return isSilent(battery, mark, charge.date) ? Unknown::NoReading : Unknown::No;
+}
+
+/// For longer than can be relied on nothing was read while the computer was awake: before the sleeps, between
+/// or behind them.
+bool ZELKSleepCostTracker::isSilent(const Battery &battery, std::size_t mark, ZELKDate date) const
+{
+    const ZELKSleepMarks::Mark &before = m_marks.at(battery.mark);
+    const ZELKSleepMarks::Mark &after = m_marks.at(mark);
+    const ZELKDate start = m_marks.sleeps()[before.sleeps].start;
+    const ZELKDate end = m_marks.sleeps()[after.sleeps - 1].end;
+    const double between = end.timeIntervalSinceDate(start) - (after.secondsAsleep - before.secondsAsleep);
+    return start.timeIntervalSinceDate(battery.last.date) > longestSilence || between > longestSilence ||
+           date.timeIntervalSinceDate(end) > longestSilence;
+}
+
+/// Sleeps together with one out of the time that is counted say nothing of it.
+void ZELKSleepCostTracker::count(Battery &battery, std::size_t mark, const Charge &charge)
+{
+    const ZELKSleepMarks::Mark &before = m_marks.at(battery.mark);
+    const ZELKSleepMarks::Mark &after = m_marks.at(mark);
+    const ZELKSleepMarks::Sleep &first = m_marks.sleeps()[before.sleeps];
+    const ZELKSleepMarks::Sleep &last = m_marks.sleeps()[after.sleeps - 1];
+    const bool isOne = after.sleeps - before.sleeps == 1;
+    if (!isOne)
+        setUnknown(Unknown::SeveralSleeps, before.sleeps, after.sleeps);
+    if (first.end < m_from || last.end > m_to)
+        return;
+    const double points = double(battery.last.percentage) - double(charge.percentage);
+    battery.asleep.points += points;
+    battery.asleep.seconds +=
+        isOne ? first.end.timeIntervalSinceDate(first.start) : after.secondsAsleep - before.secondsAsleep;
+    if (isOne)
+        m_costs.push_back({before.sleeps, std::uint32_t(&battery - m_batteries.data()), points});
+}
+
+void ZELKSleepCostTracker::setUnknown(Unknown unknown, std::uint32_t first, std::uint32_t end)
+{
+    std::vector<int> &changes = m_unknown[std::size_t(unknown)];
+    if (changes.size() <= end)
+        changes.resize(std::size_t(end) + 1);
+    ++changes[first];
+    --changes[end];
+}
+
+// MARK: what was found
+
+std::uint32_t ZELKSleepCostTracker::firstCounted() const
+{
+    const auto isBefore = [this](const ZELKSleepMarks::Sleep &sleep) { return sleep.end < m_from; };
+    const auto &sleeps = m_marks.sleeps();
+    return std::uint32_t(std::partition_point(sleeps.begin(), sleeps.end(), isBefore) - sleeps.begin());
+}
+
+std::uint32_t ZELKSleepCostTracker::countedEnd() const
+{
+    const auto isCounted = [this](const ZELKSleepMarks::Sleep &sleep) { return sleep.end <= m_to; };
+    const auto &sleeps = m_marks.sleeps();
+    return std::uint32_t(std::partition_point(sleeps.begin(), sleeps.end(), isCounted) - sleeps.begin());
+}
+
+ZELKSleepCosts ZELKSleepCostTracker::costs()
+{
+    std::for_each(m_batteries.begin(), m_batteries.end(), [this](Battery &battery) { settle(battery); });
+    const std::uint32_t first = firstCounted();
+    const std::uint32_t end = countedEnd();
+    std::vector<Costs::Sleep> sleeps;
+    std::array<int, Costs::unknownCount> holding{};
+    for (std::uint32_t i = 0; i < end; ++i) {
+        const ZELKSleepMarks::Sleep &sleep = m_marks.sleeps()[i];
+        Costs::Sleep found{sleep.start, sleep.end, Unknown::NoReading};
+        for (std::size_t reason = 0; reason < holding.size(); ++reason) {
+            holding[reason] += i < m_unknown[reason].size() ? m_unknown[reason][i] : 0;
+            if (holding[reason] > 0)
+                found.unknown = Unknown(reason);
+        }
+        if (i >= first)
+            sleeps.push_back(found);
+    }
+    std::stable_sort(m_costs.begin(), m_costs.end(),
+                     [](const Costs::Cost &a, const Costs::Cost &b) { return a.sleep < b.sleep; });
+    for (Costs::Cost &cost : m_costs) {
+        cost.sleep -= first;
+        sleeps[cost.sleep].unknown = Unknown::No;
+    }
+    std::vector<Costs::Battery> batteries;
+    for (std::size_t i = 0; i < m_batteries.size(); ++i)
+        batteries.push_back(
+            {m_texts.string(m_numbering.texts()[i]), m_batteries[i].asleep, m_batteries[i].awake});
+    return {std::move(sleeps), std::move(m_costs), std::move(batteries)};
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "ZELKStringPool.h"
+
+#include <unordered_map>
+#include <vector>
+
+/// Numbers texts of a pool from 0, in the order in which they are first asked for. Quick where the same one
+/// is asked for again and again.
+class ZELKTextNumbering
+{
+public:
+    using Id = ZELKStringPool::Id;
+
+    std::size_t numberOf(Id text)
+    {
+        if (m_last >= m_texts.size() || m_texts[m_last] != text)
+            m_last = lookUp(text);
+        return m_last;
+    }
+    std::size_t size() const { return m_texts.size(); }
+    const std::vector<Id> &texts() const { return m_texts; }
+
+private:
+    std::size_t lookUp(Id text)
+    {
+        const auto [found, isNew] = m_numbers.try_emplace(text, m_texts.size());
+        if (isNew)
+            m_texts.push_back(text);
+        return found->second;
+    }
+
+    std::unordered_map<Id, std::size_t> m_numbers;
+    std::vector<Id> m_texts;
+    std::size_t m_last = 0;
+};
