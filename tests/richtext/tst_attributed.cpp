@@ -105,7 +105,7 @@ private Q_SLOTS:
             palette.setColor(QPalette::Disabled, QPalette::Text, QColor(QRgb(faint)));
             const QColor dimmed = ZELKTextColours::fromPalette(palette).dimmed;
             const auto [dark, light] =
-                std::minmax(luminance(dimmed), luminance(palette.color(QPalette::Base)));
+                std::minmax({luminance(dimmed), luminance(palette.color(QPalette::Base))});
             const double contrast = (light + 0.05) / (dark + 0.05);
             QVERIFY2(contrast >= 4.5, qPrintable(QString::number(contrast)));
             QVERIFY(dimmed != palette.color(QPalette::Text));
