@@ -2,6 +2,7 @@
 
 #include "ZELKAssertion.h"
 
+#include <QAbstractButton>
 #include <QHeaderView>
 #include <QPaintEvent>
 #include <QPainter>
@@ -15,6 +16,9 @@ ZELKUniformTableView::ZELKUniformTableView(QWidget *parent)
     , m_noRows(std::make_unique<QStandardItemModel>())
 {
     verticalHeader()->hide();
+    // The usual table lays its corner button out, and hides it; this one never gets there.
+    for (auto *corner : findChildren<QAbstractButton *>(QString(), Qt::FindDirectChildrenOnly))
+        corner->hide();
     setVerticalScrollMode(ScrollPerItem);
     setHorizontalScrollMode(ScrollPerPixel);
 }

@@ -556,6 +556,8 @@ private Q_SLOTS:
     {
         Table table;
         QCOMPARE(table.view.verticalHeader()->count(), 0);
+        const QWidget *corner = table.view.childAt(table.view.frameWidth() + 2, table.view.frameWidth() + 2);
+        QCOMPARE(corner, table.view.horizontalHeader()->viewport());
         QCOMPARE(table.view.indexAt({1, 1}).row(), 0);
         table.view.scrollToBottom();
         QCOMPARE(table.view.indexAt(table.centreOf(399)).row(), 399);
