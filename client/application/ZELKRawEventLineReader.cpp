@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr std::string_view noProperties(ZELKEventNoProperties.data(), 4);
+
 constexpr std::array fieldNames = {ZELKEventKeyDate, ZELKEventKeyDescription, ZELKEventKeyMonitor,
                                    ZELKEventKeyProperties};
 enum Field { DateField, DescriptionField, MonitorField, PropertiesField, FieldCount };
@@ -301,7 +303,7 @@ ZELKRawEventLineReader::Result ZELKRawEventLineReader::read(std::string_view lin
         const Fields fields = LineParser(line).parse();
         const ZELKDate date = checkedDate(fields);
         const std::string &properties = *fields.texts[PropertiesField];
-        if (properties != m_goodProperties) {
+        if (properties != noProperties && properties != m_goodProperties) {
             checkProperties(properties);
             m_goodProperties = properties;
         }
