@@ -98,5 +98,5 @@ void ZELKSearchField::placeSymbols()
     place(*m_glass, true);
     place(*m_clear, false);
     m_clear->setIconSize({side, side});
-    setTextMargins(side + gap / 2, 0, side + gap / 2, 0);
+    setTextMargins(side + gap, 0, side + gap, 0);
 }

@@ -78,16 +78,22 @@ void ZELKToolBar::fill()
 void ZELKToolBar::addPopUp()
 {
     auto *popUp = outlet<QComboBox>(m_window, "filterPopUpButton");
-    auto *both = make<QWidget>(m_bar, "rangeChoice");
-    auto *layout = new QHBoxLayout(both);
-    layout->setContentsMargins({});
-    auto *label = make<QLabel>(both, "rangeLabel");
+    auto *label = make<QLabel>(m_bar, "rangeLabel");
     label->setText(text("range"));
     label->setBuddy(popUp);
-    layout->addWidget(label);
-    layout->addWidget(popUp);
-    m_bar->addWidget(both);
+    addWidgets("rangeChoiceLayout", {label, popUp});
     m_controls.append(popUp);
+}
+
+/// In a box of their own, in which they keep their height.
+void ZELKToolBar::addWidgets(const char *layoutName, const QList<QWidget *> &widgets)
+{
+    auto *box = new QWidget(m_bar);
+    auto *layout = new QHBoxLayout(box);
+    layout->setObjectName(QString::fromLatin1(layoutName));
+    for (QWidget *widget : widgets)
+        layout->addWidget(widget);
+    m_bar->addWidget(box);
 }
 
 void ZELKToolBar::addButtons(const QList<const char *> &actions)
@@ -115,6 +121,6 @@ void ZELKToolBar::addAgentButton()
     auto *button = outlet<QPushButton>(m_window, "startStopButton");
     const auto *action = outlet<QAction>(m_window, "actionStartStop");
     button->setToolTip(withKey(action->toolTip(), action->shortcut()));
-    m_bar->addWidget(button);
+    addWidgets("agentChoiceLayout", {button});
     m_controls.append(button);
 }

@@ -28,6 +28,7 @@ public:
 
 private:
     void addPopUp();
+    void addWidgets(const char *layoutName, const QList<QWidget *> &widgets);
     void addButtons(const QList<const char *> &actions);
     void addButton(QAction &action);
     void addAgentButton();

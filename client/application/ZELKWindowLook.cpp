@@ -9,13 +9,15 @@
 #include <QMainWindow>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QStyle>
 #include <QToolBar>
 
 namespace {
 
-constexpr double edge = 0.6;         // lines at the left and at the right
-constexpr double periodSize = 1.2;   // of the window's font
-constexpr double headlineSize = 1.3; // of the window's font
+constexpr double edge = 0.6;          // lines at the left and at the right
+constexpr double toolBarHeight = 2.1; // lines
+constexpr double periodSize = 1.2;    // of the window's font
+constexpr double headlineSize = 1.3;  // of the window's font
 
 template <typename Type>
 Type *outlet(const QMainWindow &window, const char *name)
@@ -58,8 +60,16 @@ void ZELKWindowLook::measureToolBar() const
     const int line = m_window.fontMetrics().height();
     auto *bar = outlet<QToolBar>(m_window, "toolBar");
     bar->setIconSize(QSize(line, line) * 1.25);
-    bar->layout()->setContentsMargins(qRound(line * edge), line / 4, qRound(line * edge), line / 4);
-    m_window.statusBar()->setContentsMargins(line / 3, 0, line / 3, 0);
+    // A tool bar's own margins do not count in its height; the space in its middle does.
+    outlet<QWidget>(m_window, "toolBarSpace")->setMinimumHeight(qRound(line * toolBarHeight));
+    const QStyle &style = *bar->style();
+    const int own = style.pixelMetric(QStyle::PM_ToolBarFrameWidth, nullptr, bar) +
+                    style.pixelMetric(QStyle::PM_ToolBarItemMargin, nullptr, bar);
+    const int side = qMax(0, qRound(line * edge) - own);
+    outlet<QLayout>(m_window, "rangeChoiceLayout")->setContentsMargins(side, 0, line / 2, 0);
+    outlet<QLayout>(m_window, "agentChoiceLayout")->setContentsMargins(line / 2, 0, side, 0);
+    m_window.statusBar()->setContentsMargins(line / 3, line / 8, line / 3, line / 8);
+    outlet<QLabel>(m_window, "countLabel")->setContentsMargins(0, 0, line, 0);
     outlet<QPushButton>(m_window, "startStopButton")->setIconSize({line, line});
 }
 

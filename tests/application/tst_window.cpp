@@ -82,7 +82,7 @@ private Q_SLOTS:
         session.add(500);
         QCOMPARE(session.rows(), 577);
         auto &table = session.find<ZELKLWCLogTableView>("table");
-        QCOMPARE(table.indexAt({1, table.viewport()->height() - 2}).row(), 576);
+        QVERIFY(table.viewport()->rect().contains(table.visualRect(table.model()->index(576, 0)).center()));
         QCOMPARE(table.currentIndex().row(), 576);
         table.verticalScrollBar()->setValue(100);
         const auto lookedAt = [&] { return table.indexAt({0, 0}).data().toString(); };
