@@ -208,7 +208,7 @@ ZELKEntryArrangement::entering(ZELKVisibleRange range)
     entries.insert(entries.end(), later.begin(), later.end());
     if (!m_isPlain)
         sort(entries);
-    zelkFitTightly(m_order, m_order.size());
+    ZELKTightGrowth::fit(m_order, m_order.size());
     std::vector<Insertion> insertions = insertionsOf(entries);
     if (insertions.size() > mostInsertions)
         return std::nullopt;
@@ -241,7 +241,7 @@ void ZELKEntryArrangement::insert(const Insertion &insertion)
         m_plain.location = std::min<std::uint64_t>(m_plain.location, insertion.entries.front());
         return;
     }
-    zelkFitTightly(m_order, m_order.size() + insertion.entries.size());
+    ZELKTightGrowth::fit(m_order, m_order.size() + insertion.entries.size());
     m_order.insert(m_order.begin() + std::ptrdiff_t(insertion.position), insertion.entries.begin(),
                    insertion.entries.end());
 }

@@ -17,12 +17,12 @@ void ZELKSummaryColumn::setRange(ZELKVisibleRange range)
         const std::uint64_t gone = first - m_range.location;
         m_ids.resize(last - m_range.location);
         m_ids.erase(m_ids.begin(), m_ids.begin() + std::ptrdiff_t(gone));
-        zelkFitTightly(m_ids, range.length);
+        ZELKTightGrowth::fit(m_ids, range.length);
         m_ids.insert(m_ids.begin(), first - range.location, ZELKStringPool::nil);
         const bool isFilledFromStart = first == range.location && m_filled > gone;
         m_filled = isFilledFromStart ? std::min<std::uint64_t>(m_filled - gone, last - first) : 0;
     }
-    zelkFitTightly(m_ids, range.length);
+    ZELKTightGrowth::fit(m_ids, range.length);
     m_ids.resize(range.length, ZELKStringPool::nil);
     m_range = range;
 }

@@ -1,78 +1,15 @@
 #include "NamedRows.h"
-#include "TableFixture.h"
-#include "ZELKArchive.h"
-#include "ZELKCapsule.h"
-#include "ZELKLWCLogEntryFormatter.h"
-#include "ZELKLWCLogTableController.h"
-#include "ZELKLWCRelativeDateFormatter.h"
-#include "ZELKNotificationQueue.h"
+#include "TableWindow.h"
 #include "ZELKRtfReader.h"
 
 #include <QAbstractItemModelTester>
-#include <QAccessible>
-#include <QApplication>
 #include <QClipboard>
-#include <QDrag>
-#include <QHeaderView>
-#include <QLineEdit>
 #include <QMimeData>
-#include <QPainter>
-#include <QScrollBar>
 #include <QSignalSpy>
 
 namespace {
 
 using MenuItem = ZELKLWCLogTableController::MenuItem;
-using Model = ZELKLWCLogTableModel;
-
-/// A table of 400 entries in a window, with its search field.
-struct Table : TableFixture
-{
-    QLineEdit field;
-    ZELKLWCLogTableView view;
-    ZELKLWCRelativeDateFormatter dates{defaults};
-    ZELKLWCLogEntryFormatter summaries;
-    ZELKNotificationQueue queue;
-    ZELKLWCLogTableController controller{{log, view, field, dates, summaries, defaults, queue}};
-
-    explicit Table(int count = 400)
-    {
-        defaults.setValue(u"highlight"_s, true);
-        defaults.setValue(u"highlightColour"_s, ZELKArchive::archivedColour(Qt::red));
-        grow(count);
-        controller.awakeFromNib();
-        view.resize(600, 400);
-        view.show();
-        if (!QTest::qWaitForWindowExposed(&view))
-            qFatal("no window");
-        view.setFocus();
-    }
-    Model &model() { return controller.model(); }
-    void select(int first, int last)
-    {
-        view.selectionModel()->select({model().index(first, 0), model().index(last, 1)},
-                                      QItemSelectionModel::ClearAndSelect);
-    }
-    QList<int> selected() const
-    {
-        QList<int> rows;
-        for (const ZELKRowRange &span : controller.selectedRows())
-            for (int row = span.first; row <= span.last; ++row)
-                rows.append(row);
-        return rows;
-    }
-    QString summaryAt(int row) { return model().entryAtRow(row)->summary(); }
-    QPoint centreOf(int row, int column = 1) { return view.visualRect(model().index(row, column)).center(); }
-    int topRow() { return view.indexAt({1, 1}).row(); }
-    int rowOf(int logIndex) { return model().rowOfEntry(log.objectAtIndex(logIndex)).value_or(-1); }
-    void pair(int later, int earlier) { log.objectAtIndex(later)->setPair(log.objectAtIndex(earlier)); }
-    void clickHeader(int column)
-    {
-        QHeaderView *header = view.horizontalHeader();
-        QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
-                          {header->sectionViewportPosition(column) + 20, header->height() / 2});
-    }
-};
 
 /// Whoever chooses a date.
 class Chooser : public QObject
@@ -119,7 +56,7 @@ private:
 
 } // namespace
 
-class TableTest : public QObject
+class ControllerTest : public QObject
 {
     Q_OBJECT
 
@@ -140,53 +77,6 @@ private Q_SLOTS:
         QTest::keyClick(&table.view, Qt::Key_Escape);
         QCOMPARE(table.field.text(), QString());
         QCOMPARE(table.model().rowCount(), 4);
-    }
-
-    void keys_data()
-    {
-        const NamedRows<Qt::Key, Qt::KeyboardModifier, int, int> row("key", "modifier", "opens", "top");
-        row("Home", Qt::Key_Home, Qt::NoModifier, 0, 0);
-        row("Shift Home", Qt::Key_Home, Qt::ShiftModifier, 0, 0);
-        row("End", Qt::Key_End, Qt::NoModifier, 0, -1);
-        row("Return", Qt::Key_Return, Qt::NoModifier, 1, 100);
-        row("Enter", Qt::Key_Enter, Qt::KeypadModifier, 1, 100);
-        row("a letter", Qt::Key_E, Qt::NoModifier, 0, 100);
-    }
-
-    void keys()
-    {
-        QFETCH(Qt::Key, key);
-        QFETCH(Qt::KeyboardModifier, modifier);
-        QFETCH(int, opens);
-        QFETCH(int, top);
-        Table table;
-        table.select(103, 104);
-        table.view.verticalScrollBar()->setValue(100);
-        const QSignalSpy opened(&table.controller, &ZELKLWCLogTableController::showInformationPanel);
-        QTest::keyClick(&table.view, key, modifier);
-        QCOMPARE(opened.count(), opens);
-        QCOMPARE(table.topRow(), top < 0 ? table.view.verticalScrollBar()->maximum() : top);
-        QCOMPARE(table.selected(), QList({103, 104}));
-    }
-
-    void keysBesides()
-    {
-        Table table;
-        const QSignalSpy opened(&table.controller, &ZELKLWCLogTableController::showInformationPanel);
-        QKeyEvent lineFeed(QEvent::KeyPress, 0, Qt::NoModifier, u"\n"_s);
-        QCoreApplication::sendEvent(&table.view, &lineFeed);
-        QCOMPARE(opened.count(), 1);
-        QTest::mouseClick(table.view.viewport(), Qt::LeftButton, {}, table.centreOf(2));
-        QTest::mouseDClick(table.view.viewport(), Qt::LeftButton, {}, table.centreOf(2));
-        QCOMPARE(opened.count(), 2);
-        table.view.setCurrentIndex(table.model().index(3, 0));
-        QTest::keyClick(&table.view, Qt::Key_Down, Qt::ShiftModifier);
-        QTest::keyClick(&table.view, Qt::Key_Down, Qt::ShiftModifier);
-        QCOMPARE(table.selected(), QList({3, 4, 5}));
-        const int page = table.view.verticalScrollBar()->pageStep();
-        QTest::keyClick(&table.view, Qt::Key_PageDown);
-        QCOMPARE(table.selected(), QList({5 + page}));
-        QVERIFY(table.view.viewport()->rect().contains(table.centreOf(5 + page)));
     }
 
     void sortsByHeader()
@@ -426,146 +316,6 @@ private Q_SLOTS:
         QVERIFY(pasteboard.text().startsWith(u"05/03/2024, 00:00\t"_s));
     }
 
-    void copyingIsTheMenus()
-    {
-        using Item = ZELKLWCLogTableView::MenuItem;
-        Table table;
-        QGuiApplication::clipboard()->setText(u"before"_s);
-        QVERIFY(!table.view.validateMenuItem(Item::Copy));
-        table.select(0, 1);
-        QVERIFY(table.view.validateMenuItem(Item::Copy));
-        table.view.copy();
-        QTest::keySequence(&table.view, QKeySequence::Copy);
-        QCOMPARE(QGuiApplication::clipboard()->text(), u"before"_s);
-        table.view.setTableDelegate(nullptr);
-        QVERIFY(!table.view.validateMenuItem(Item::Copy));
-        QVERIFY(table.view.validateMenuItem(Item::Other));
-    }
-
-    void drags_data()
-    {
-        const NamedRows<QPoint, int, int> row("way", "drags", "selected");
-        row("along the row", QPoint(60, 4), 1, 1);
-        row("across rows", QPoint(4, 60), 0, 4);
-    }
-
-    void drags()
-    {
-        QFETCH(QPoint, way);
-        QFETCH(int, drags);
-        QFETCH(int, selected);
-        Table table;
-        table.view.setUniformRowHeight(20);
-        int count = 0;
-        table.view.setDragRunner([&](const QDrag &drag, Qt::DropActions actions) {
-            ++count;
-            QCOMPARE(actions, Qt::CopyAction);
-            QVERIFY(drag.mimeData()->text().endsWith(table.summaryAt(2)));
-        });
-        QWidget *viewport = table.view.viewport();
-        const QPoint from = table.centreOf(2);
-        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
-        for (int step = 1; step <= 4; ++step) {
-            const QPoint place = from + way * step / 4;
-            QMouseEvent move(QEvent::MouseMove, place, viewport->mapToGlobal(place), Qt::NoButton,
-                             Qt::LeftButton, Qt::NoModifier);
-            QCoreApplication::sendEvent(viewport, &move);
-        }
-        QTest::mouseRelease(viewport, Qt::LeftButton, {}, from + way);
-        QCOMPARE(count, drags);
-        QCOMPARE(table.selected().size(), selected);
-    }
-
-    void showsAnyTextOnOneRow()
-    {
-        Table table(0);
-        table.defaults.setValue(u"eventDetail"_s, true);
-        QList<ZELKRawEvent> events;
-        for (const QString &name :
-             {u"one"_s, QString(), u"two\nlines\r\nor\u2028three"_s, QString(100'000, u'w'),
-              QString(100'000, u'\n'), u"\u202Eturned\u2066"_s, u"\u05D0\u05D1\u05D2 12"_s,
-              QString(QChar(u'\0')) + u"\a\t\x1b[31m"_s, QString(QChar(0xD800))})
-            events.append(ZELKMakeRawEvent(ZELKDate(table.next += day), name, u"m"_s));
-        events.append(ZELKMakeRawEvent(ZELKDate(1e300), u"late"_s, u"m2"_s));
-        table.log.addExternalEntries(events);
-        QVERIFY(table.model().rowCount() >= 9);
-        table.view.resize(600, 800);
-        table.view.grab();
-        for (int row = 0; row < table.model().rowCount(); ++row) {
-            const QModelIndex cell = table.model().index(row, Model::SummaryColumn);
-            QCOMPARE(table.view.visualRect(cell).height(), table.view.uniformRowHeight());
-            const auto text = cell.data(Model::attributedTextRole).value<ZELKAttributedString>();
-            QCOMPARE(text.string().count(u'\n'),
-                     table.summaries.templateEntryWithDetail().string().count(u'\n'));
-            QVERIFY(text.length() < 10'000);
-        }
-    }
-
-    void damagedArchives()
-    {
-        const QByteArray bytes = ZELKArchive::archivedColour(QColor(255, 230, 100, 128));
-        QCOMPARE(ZELKArchive::unarchivedColour(bytes), std::optional(QColor(255, 230, 100, 128)));
-        QVERIFY(!ZELKArchive::unarchivedColour({}));
-        QVERIFY(!ZELKArchive::unarchivedColour(bytes + 'x'));
-        QVERIFY(!ZELKArchive::unarchivedSortDescriptors(bytes));
-        for (qsizetype i = 0; i < bytes.size(); ++i) {
-            QByteArray damaged = bytes;
-            damaged[i] = char(damaged[i] ^ 0x40);
-            QVERIFY(!ZELKArchive::unarchivedColour(damaged));
-            QVERIFY(!ZELKArchive::unarchivedColour(bytes.first(i)));
-        }
-    }
-
-    void capsule_data()
-    {
-        const NamedRows<QRectF, float, QPointF, bool> row("frame", "radius", "point", "isInside");
-        const QRectF frame(10, 20, 100, 21);
-        row("left tip", frame, 10.5F, {10.3, 30.5}, true);
-        row("beyond the left tip", frame, 10.5F, {9.9, 30.5}, false);
-        row("corner", frame, 10.5F, {11.5, 21.5}, false);
-        row("right tip", frame, 10.5F, {109.7, 30.5}, true);
-        row("right corner", frame, 10.5F, {108.5, 39.5}, false);
-        row("middle, top edge", frame, 10.5F, {60.0, 20.2}, true);
-    }
-
-    void capsule()
-    {
-        QFETCH(QRectF, frame);
-        QFETCH(QPointF, point);
-        const ZELKCapsule capsule = ZELKCapsule::inFrame(frame);
-        QTEST(capsule.radius, "radius");
-        QTEST(capsule.path().contains(point), "isInside");
-        QCOMPARE(ZELKCapsule::textFrame(frame), QRectF(15, 20, 95, 21));
-    }
-
-    void isReadAloud()
-    {
-        Table table(3);
-        const QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(&table.view);
-        QVERIFY(accessible && const_cast<QAccessibleInterface *>(accessible)->tableInterface());
-        QAccessibleTableInterface &rows = *const_cast<QAccessibleInterface *>(accessible)->tableInterface();
-        QCOMPARE(rows.rowCount(), 3);
-        const QAccessibleInterface *cell = rows.cellAt(1, 0);
-        QCOMPARE(cell->text(QAccessible::Name), u"05/03/2024, 06:00, "_s + table.summaryAt(1));
-        QVERIFY(cell->rect().isValid());
-        QCOMPARE(rows.columnDescription(1), u"Summary"_s);
-    }
-
-    /// A table of a million rows keeps nothing for each, nor does it walk them.
-    void rowsCostNothing()
-    {
-        Table table;
-        QCOMPARE(table.view.verticalHeader()->count(), 0);
-        const QWidget *corner = table.view.childAt(table.view.frameWidth() + 2, table.view.frameWidth() + 2);
-        QCOMPARE(corner, table.view.horizontalHeader()->viewport());
-        QCOMPARE(table.view.indexAt({1, 1}).row(), 0);
-        table.view.scrollToBottom();
-        QCOMPARE(table.view.indexAt(table.centreOf(399)).row(), 399);
-        table.view.selectAll();
-        QCOMPARE(table.controller.selectedRows(), ZELKRowRanges({{0, 399}}));
-        QCOMPARE(table.controller.lastSelectedEntry(), table.log.objectAtIndex(399));
-    }
-
     void listsTheWholeLog()
     {
         Table table(10);
@@ -579,5 +329,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TableTest)
-#include "tst_table.moc"
+QTEST_MAIN(ControllerTest)
+#include "tst_controller.moc"
