@@ -8,7 +8,6 @@
 #include "ZELKTailFollower.h"
 #include "ZELKWindowState.h"
 
-#include <QAbstractButton>
 #include <QHeaderView>
 #include <QMainWindow>
 
@@ -37,9 +36,6 @@ ZELKLogTable::ZELKLogTable(QMainWindow &window, ZELKApplicationWiring &wiring)
     m_controller.restoreSortDescriptors();
     m_controller.awakeFromNib();
     m_view.horizontalHeader()->setStretchLastSection(true);
-    // With one header shown there is no corner between two.
-    for (QAbstractButton *corner : m_view.findChildren<QAbstractButton *>(Qt::FindDirectChildrenOnly))
-        corner->hide();
     connect(&m_controller.model(), &ZELKLWCLogTableModel::didRearrange, this,
             [this] { zelkGuard([this] { chooseNewestEnd(); }); });
     chooseNewestEnd();
