@@ -23,6 +23,8 @@ public:
     static QString removalPathName() { return label() + QStringLiteral("-removal.path"); }
     static QString removalServiceName() { return label() + QStringLiteral("-removal.service"); }
 
+    /// What all of it stands below.
+    QString root() const { return m_root.isEmpty() ? QStringLiteral("/") : m_root; }
     QString home() const { return m_root + QStringLiteral("/opt/lullwatch"); }
     QString bundleFolder() const { return home() + QStringLiteral("/agents"); }
     QString bundle() const { return bundleFolder() + QLatin1Char('/') + label() + QStringLiteral(".app"); }

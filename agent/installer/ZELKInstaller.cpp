@@ -3,6 +3,7 @@
 #include "ZELKBundle.h"
 #include "ZELKEarlierAgent.h"
 #include "ZELKFileManager.h"
+#include "ZELKOwnership.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -10,6 +11,8 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QThread>
+
+#include <unistd.h>
 
 namespace {
 
@@ -76,6 +79,8 @@ std::optional<QString> ZELKInstaller::install(const QString &bundle, const QStri
 {
     if (const Problem problem = checkBundle(bundle))
         return problem;
+    if (const Problem problem = checkPlace())
+        return problem;
     ZELKEarlierAgent earlier(m_place);
     Problem problem = earlier.keep();
     if (!problem) {
@@ -124,6 +129,24 @@ std::optional<QString> ZELKInstaller::checkBundle(const QString &bundle) const
     if (isAgent && isProgram)
         return std::nullopt;
     return bundle + QStringLiteral(": not the recording agent");
+}
+
+/// What is written over a link goes where the link leads: in the case of a masked unit over /dev/null. And a
+/// folder that is there already may be somebody else's, who would exchange what the administrator runs.
+std::optional<QString> ZELKInstaller::checkPlace() const
+{
+    for (const QString &file : {m_place.unit(), m_place.removalPath(), m_place.removalService(),
+                                m_place.policy(), m_place.installer()}) {
+        if (QFileInfo(file).isSymLink())
+            return file + QStringLiteral(": a symbolic link, as that of a masked unit");
+    }
+    // On some systems "/opt" is a link of the administrator's.
+    const QString above = QFileInfo(m_place.home()).path();
+    const QString really = QFileInfo(above).canonicalFilePath();
+    if (really.isEmpty())
+        return std::nullopt;
+    return ZELKOwnership::problemOfFolder(really + m_place.bundleFolder().mid(above.size()), ::geteuid(),
+                                          QFileInfo(m_place.root()).canonicalFilePath());
 }
 
 std::optional<QString> ZELKInstaller::copyAgent(const QString &bundle, const QString &installer) const
@@ -187,12 +210,13 @@ std::optional<QString> ZELKInstaller::startJob() const
     return std::nullopt;
 }
 
-/// Else an agent that could not be started again and again keeps the next one from being started. It is no
-/// failure when there were none.
+/// Else an agent that could not be started again and again keeps the next one from being started, and the
+/// manager goes on naming units that have gone. It is no failure when there were none.
 void ZELKInstaller::forgetFailures() const
 {
     QString ignored;
-    m_runner({QStringLiteral("systemctl"), QStringLiteral("reset-failed"), ZELKInstalledAgent::unitName()},
+    m_runner({QStringLiteral("systemctl"), QStringLiteral("reset-failed"), ZELKInstalledAgent::unitName(),
+              ZELKInstalledAgent::removalPathName(), ZELKInstalledAgent::removalServiceName()},
              &ignored);
 }
 
@@ -244,13 +268,13 @@ std::optional<QString> ZELKInstaller::removeHome() const
 std::optional<QString> ZELKInstaller::removeFiles(int millisecondsToWait) const
 {
     // The units first: whoever waits for the bundle to go then finds all of it gone.
-    if (const Problem problem = removeAll(m_place.unitFiles() + QStringList{m_place.bundle()}))
-        return problem;
+    const Problem problem = removeAll(m_place.unitFiles() + QStringList{m_place.bundle()});
     waitUntilRequestIsGone(millisecondsToWait);
-    return std::nullopt;
+    return problem;
 }
 
-/// As long as the request stands, whoever watches it would run this again and again.
+/// As long as the request stands, whoever watches it would run this again and again, and after some times no
+/// more, whoever asks then.
 void ZELKInstaller::waitUntilRequestIsGone(int milliseconds) const
 {
     QElapsedTimer time;

@@ -27,7 +27,8 @@ public:
 
     /// Copies the bundle, which has to be the agent's, and the installer itself, writes the units and the bus
     /// policy, and starts the job. Replaces an older one, which it brings back when it fails; without one, a
-    /// failure leaves nothing behind.
+    /// failure leaves nothing behind. Touches nothing where the agent's folder could be changed by somebody
+    /// else, or where a link stands for one of the files.
     std::optional<QString> install(const QString &bundle, const QString &installer) const;
     /// Stops the job and waits until it has ended; then deletes the units and the bus policy, and when the
     /// bundle has gone the installer too. The agent's folder goes when nothing else is in it.
@@ -41,6 +42,7 @@ public:
 
 private:
     std::optional<QString> checkBundle(const QString &bundle) const;
+    std::optional<QString> checkPlace() const;
     std::optional<QString> replace(const QString &bundle, const QString &installer) const;
     QString bringBack(const ZELKEarlierAgent &earlier, const QString &failure) const;
     std::optional<QString> copyAgent(const QString &bundle, const QString &installer) const;

@@ -39,6 +39,17 @@ QStringList pathAndFoldersAbove(const QString &path, const QString &top)
 
 } // namespace
 
+std::optional<QString> ZELKOwnership::problemOfFolder(const QString &folder, uid_t owner, const QString &top)
+{
+    for (const QString &place : pathAndFoldersAbove(folder, top)) {
+        if (const QFileInfo found(place); !found.exists() && !found.isSymLink())
+            return std::nullopt;
+        if (const Problem found = problemOfOne(place, owner))
+            return found;
+    }
+    return std::nullopt;
+}
+
 std::optional<QString> ZELKOwnership::problem(const QString &path, uid_t owner, const QString &top)
 {
     if (!QFileInfo(path).isAbsolute())

@@ -15,4 +15,9 @@ namespace ZELKOwnership {
 std::optional<QString> problem(const QString &path, uid_t owner = 0,
                                const QString &top = QStringLiteral("/"));
 
+/// The same of a folder that something is to be put into, whatever is in it by now. What is not there yet is
+/// nobody's.
+std::optional<QString> problemOfFolder(const QString &folder, uid_t owner = 0,
+                                       const QString &top = QStringLiteral("/"));
+
 } // namespace ZELKOwnership

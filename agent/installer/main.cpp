@@ -4,9 +4,12 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 namespace {
@@ -39,6 +42,23 @@ std::optional<QString> install(const ZELKInstaller &installer)
     return problem ? problem : installer.install(bundle, QStringLiteral("/proc/self/exe"));
 }
 
+/// What is half installed is no agent, and nobody's to remove. A terminal would end this program with its
+/// own.
+void endOnlyWhenDone()
+{
+    for (const int signal : {SIGINT, SIGHUP, SIGPIPE})
+        std::signal(signal, SIG_IGN);
+}
+
+/// Of two that run together the one would take away what the other has just made. It holds as long as the
+/// program runs. The removal of files, which may write nowhere else, goes without: it only deletes.
+void waitForOthers()
+{
+    const int lock = ::open("/run/lullwatch-installer.lock", O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (lock >= 0)
+        ::flock(lock, LOCK_EX);
+}
+
 /// Nothing when the arguments are wrong.
 std::optional<std::function<std::optional<QString>(const ZELKInstaller &)>>
 operation(const QStringList &arguments)
@@ -69,6 +89,8 @@ int main(int argc, char **argv)
         std::fputs(usage, stderr);
         return wrongArguments;
     }
+    endOnlyWhenDone();
+    waitForOthers();
     const auto problem = (*perform)(ZELKInstaller(ZELKInstalledAgent(), &ZELKInstaller::run));
     if (problem)
         std::fprintf(stderr, "%s\n", qPrintable(*problem));

@@ -281,6 +281,14 @@ class RealSystemd(unittest.TestCase):
         self.succeed(1, "may", "remove")
         self.assert_nothing_is_left()
 
+    def test_two_at_once(self):
+        both = f"for n in 1 2; do {HOME}/lullwatch-installer %s & done; wait"
+        result = self.shell(both % "install")
+        self.assertEqual((result.stderr, self.status("may")), ("", 2), self.journal())
+        result = self.shell(both % "remove --purge")
+        self.assertEqual((result.stderr, self.status("may")), ("", 1), self.journal())
+        self.assert_nothing_is_left()
+
     def test_password_on_a_terminal(self):
         self.shell("useradd -m -G sudo asks; echo asks:secret | chpasswd")
         for words, state in ((("install", "--as", "system"), 2), (("remove",), 1)):

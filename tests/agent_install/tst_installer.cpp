@@ -31,6 +31,7 @@ struct World
             return failing.isEmpty() || !commands.last().contains(failing) ? 0 : status;
         })
     {
+        ::umask(022);
         const ZELKDictionary info{{u"CFBundleIdentifier"_s, identifier},
                                   {u"CFBundleExecutable"_s, executable}};
         writeFile(bundle + u"/Info.plist"_s, ZELKPropertyList::writeXml(QVariant::fromValue(info)).bytes);
@@ -75,6 +76,8 @@ struct World
     ZELKInstaller installer;
 };
 
+constexpr uid_t nobody = 65534;
+
 mode_t modeOf(const QString &path)
 {
     struct stat status = {};
@@ -83,7 +86,8 @@ mode_t modeOf(const QString &path)
 
 const QString restartAgent = u"systemctl restart agent.service"_s,
               stopAgent = u"systemctl stop agent.service"_s;
-const QString reloadUnits = u"systemctl daemon-reload"_s, forget = u"systemctl reset-failed agent.service"_s;
+const QString reloadUnits = u"systemctl daemon-reload"_s;
+const QString forget = u"systemctl reset-failed agent.service agent-removal.path agent-removal.service"_s;
 const QString reloadBus =
     u"busctl call org.freedesktop.DBus /org/freedesktop/DBus org.freedesktop.DBus ReloadConfig"_s;
 
@@ -129,17 +133,35 @@ private Q_SLOTS:
         QCOMPARE(world.files(), QStringList());
     }
 
+    void removalWaitsUntilTheRequestIsWithdrawn_data()
+    {
+        const Rows<bool> row; // may delete
+        row("done", true);
+        row("in vain", false);
+    }
     void removalWaitsUntilTheRequestIsWithdrawn()
     {
+        const auto [mayDelete] = Rows<bool>::fetch();
         World world;
         QVERIFY(!world.install());
         writeFile(world.place.request(), "");
-        std::unique_ptr<QThread> removal(QThread::create([&] { world.installer.removeFiles(20000); }));
+        // The administrator may delete everything, and so is somebody else for a moment.
+        ::chmod(qPrintable(world.folder.path()), 0755);
+        ::chmod(qPrintable(world.place.bundle()), mayDelete ? 0755 : 0555);
+        const uid_t user = ::geteuid();
+        QCOMPARE(::seteuid(mayDelete || user != 0 ? user : nobody), 0);
+        std::optional<QString> problem;
+        std::unique_ptr<QThread> removal(
+            QThread::create([&] { problem = world.installer.removeFiles(20000); }));
         removal->start();
-        QTRY_VERIFY(!QFile::exists(world.place.bundle()));
-        QVERIFY(!removal->wait(100));
+        const bool isOver = removal->wait(100);
+        QCOMPARE(::seteuid(user), 0);
+        QVERIFY(!isOver);
+        QTRY_COMPARE(QFile::exists(world.place.bundle()), !mayDelete);
         QVERIFY(QFile::remove(world.place.request()));
         QVERIFY(removal->wait());
+        QCOMPARE(problem.has_value(), !mayDelete);
+        ::chmod(qPrintable(world.place.bundle()), 0755);
     }
 
     void jobAloneIsRemovedAndWhatOthersKeepThereStays()
@@ -257,6 +279,32 @@ private Q_SLOTS:
         QCOMPARE(QProcess::execute(u"/bin/sh"_s, {u"-c"_s, u"cd '%1'; %2"_s.arg(world.bundle, command)}), 0);
         QVERIFY(world.install());
         QCOMPARE(world.files(), QStringList());
+    }
+
+    void placeOfOthersIsLeftAlone_data()
+    {
+        const Rows<QString, bool> row; // what somebody did below the root; installed all the same
+        const QString unit = u"; ln -s ../../outside etc/%1.%2"_s;
+        row("masked unit", unit.arg(u"systemd/system/org.zelk.lullwatch.agent"_s, u"service"_s), false);
+        row("link as bus policy", unit.arg(u"dbus-1/system.d/org.zelk.lullwatch.agent"_s, u"conf"_s), false);
+        row("open home", "; mkdir -p opt/lullwatch; chmod 777 opt/lullwatch", false);
+        row("open folder of bundles", "; mkdir -p opt/lullwatch/agents; chmod 775 opt/lullwatch/agents",
+            false);
+        row("link as home", "; mkdir opt home; ln -s ../home opt/lullwatch", false);
+        row("link above", "; mkdir -p var/opt; ln -s var/opt opt", true);
+        row("link above to an open folder", "; mkdir -p var/opt; chmod 777 var; ln -s var/opt opt", false);
+    }
+    void placeOfOthersIsLeftAlone()
+    {
+        const auto [command, isInstalled] = Rows<QString, bool>::fetch();
+        World world;
+        const QString before =
+            u"mkdir -p '%1/etc/systemd/system' '%1/etc/dbus-1/system.d'; cd '%1'"_s.arg(world.place.root());
+        QCOMPARE(QProcess::execute(u"/bin/sh"_s, {u"-c"_s, before + command}), 0);
+        const QStringList files = world.files();
+        QCOMPARE(!world.install(), isInstalled);
+        QCOMPARE(world.files() == files, !isInstalled);
+        QCOMPARE(world.commands.isEmpty(), !isInstalled);
     }
 
     void foldersAreRemovedWithoutFollowingLinks()
