@@ -69,7 +69,8 @@ void ZELKWindowLook::measureToolBar() const
     outlet<QLayout>(m_window, "rangeChoiceLayout")->setContentsMargins(side, 0, line / 2, 0);
     outlet<QLayout>(m_window, "agentChoiceLayout")->setContentsMargins(line / 2, 0, side, 0);
     m_window.statusBar()->setContentsMargins(line / 3, line / 8, line / 3, line / 8);
-    outlet<QLabel>(m_window, "countLabel")->setContentsMargins(0, 0, line, 0);
+    const bool isLast = outlet<QLabel>(m_window, "synchronisationLabel")->isHidden();
+    outlet<QLabel>(m_window, "countLabel")->setContentsMargins(0, 0, isLast ? 0 : line, 0);
     outlet<QPushButton>(m_window, "startStopButton")->setIconSize({line, line});
 }
 
