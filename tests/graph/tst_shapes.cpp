@@ -1,9 +1,7 @@
 // Places, shapes and what is merged: values alone, no log.
 #include "NamedRows.h"
 #include "ZELKChartScale.h"
-#include "ZELKGraphColours.h"
 #include "ZELKLWCEntriesViewDisplayList.h"
-#include "ZELKLWCEntriesViewMarkerInterval.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,21 +28,16 @@ class TestShapes : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void places_data()
-    {
-        const NamedRows<double, double, QPointF> row("seconds", "percentage", "point");
-        row("beginning", 0, 0, {40, 30});
-        row("middle", 500, 50, {90, 55});
-        row("end", 1000, 100, {140, 80});
-        row("before", -0.1, 0, {0, 0});
-        row("after", 1000.1, 50, {0, 25});
-        row("more than all", 10, 120, {41, 90});
-    }
     void places()
     {
-        QFETCH(double, seconds);
-        QFETCH(double, percentage);
-        QTEST(scale.convertDateAndPercentageToPoint(start.addingTimeInterval(seconds), percentage), "point");
+        const auto place = [](double seconds, double percentage) {
+            return scale.convertDateAndPercentageToPoint(start.addingTimeInterval(seconds), percentage);
+        };
+        QCOMPARE(place(0, 0), QPointF(40, 30));
+        QCOMPARE(place(500, 120), QPointF(90, 90));
+        QCOMPARE(place(1000, 100), QPointF(140, 80));
+        for (const double outside : {-0.1, 1000.1})
+            QCOMPARE(place(outside, 50), QPointF(0, 25));
     }
 
     void dates()
@@ -94,68 +87,38 @@ private Q_SLOTS:
         }
     }
 
-    void orderOfPainting()
+    void shapesOutliveTheBlocks()
     {
         auto list = ZELKLWCEntriesViewDisplayList::displayList();
         list.setSelectorString(Rounding::roundedPathForState, u"Off"_s);
-        list.setSelectorString(Rounding::pathForState, u"On"_s);
         list.addState({QRectF(0, 0, 9, 9), u"Off"_s, nullptr});
         list.removeAllObjects();
-        QVERIFY(list.states().empty());
-        QVERIFY(list.rangesForState(u"Off"_s).empty());
-        QCOMPARE(list.stateOrder(), (QStringList{u"Off"_s, u"Asleep"_s, u"Unmonitored"_s, u"On"_s}));
+        QVERIFY(list.states().empty() && list.rangesForState(u"Off"_s).empty());
+        QCOMPARE(list.stateOrder(), (QStringList{u"Off"_s, u"Asleep"_s, u"Unmonitored"_s}));
         QCOMPARE(list.selectorForState(u"Off"_s), Rounding::roundedPathForState);
     }
 
     void ranges_data()
     {
-        const NamedRows<const char *, const char *, const char *> row("blocks", "single", "merged");
-        row("wide ones", "10-20 0-5", "0-5! 10-20!", "0-5! 10-20!");
-        row("overlapping", "0-5 4-9 3-4.5", "0-9!", "0-9!");
-        row("twice the same", "0-5 0-5 7-8 7-8", "0-5! 7-8", "0-5! 7-8");
-        row("touching", "0-5 5-9 10-11 11-12", "0-5! 5-9! 10-11 11-12", "0-5! 5-9! 10-11 11-12");
-        row("two points", "0-2 3-5.5", "0-2 3-5.5!", "0-2 3-5.5!");
-        row("empty", "3-3", "", "");
-        row("backwards", "30-10 12-20 9.5-10.5", "9.5-10.5 10.5-30", "9.5-10.5 10.5-30");
-        row("thin before wide", "0-1.5 1-9 8-9.5", "0-1.5 1.5-9! 9-9.5", "0-1.5 1.5-9! 9-9.5");
-        row("within a column", "4-4.125 4.25-4.375 4.5-5.5 4.75-5 5-5.25", "4-4.125 4.25-4.375 4.5-5.5",
-            "4-4.25 4.5-5.5");
-        row("wide between", "4-4.125 4.25-9 9.25-9.5", "4-4.125 4.25-9! 9.25-9.5",
-            "4-4.125 4.25-9! 9.25-9.5");
+        const NamedRows<const char *, const char *> row("blocks", "merged");
+        row("wide ones", "10-20 0-5", "0-5! 10-20!");
+        row("overlapping", "0-5 4-9 3-4.5", "0-9!");
+        row("twice the same", "0-5 0-5 7-8 7-8", "0-5! 7-8");
+        row("touching", "0-5 5-9 10-11 11-12", "0-5! 5-9! 10-11 11-12");
+        row("two points", "0-2 3-5.5", "0-2 3-5.5!");
+        row("empty", "3-3", "");
+        row("backwards", "30-10 12-20 9.5-10.5", "9.5-10.5 10.5-30");
+        row("thin before wide", "0-1.5 1-9 8-9.5", "0-1.5 1.5-9! 9-9.5");
+        row("within a column", "4-4.125 4.25-4.375 4.5-5.5 4.75-5 5-5.75", "4-4.25 4.5-5.5 5.5-5.75");
+        row("wide between", "4-4.125 4.25-9 9.25-9.5", "4-4.125 4.25-9! 9.25-9.5");
     }
     void ranges()
     {
         QFETCH(QString, blocks);
-        ZELKBlockRanges single;
         ZELKBlockRanges merged(0.5);
-        for (const QString &block : blocks.split(u' ')) {
-            const double from = block.section(u'-', 0, 0).toDouble();
-            const double to = block.section(u'-', 1).toDouble();
-            single.add(from, to);
-            merged.add(from, to);
-        }
-        QTEST(rangesText(single.ranges()), "single");
+        for (const QString &block : blocks.split(u' '))
+            merged.add(block.section(u'-', 0, 0).toDouble(), block.section(u'-', 1).toDouble());
         QTEST(rangesText(merged.ranges()), "merged");
-    }
-
-    void axisSteps()
-    {
-        QStringList steps;
-        for (const auto &step : ZELKLWCEntriesViewMarkerInterval::markerIntervals())
-            steps.append(u"%1 %2"_s.arg(qint64(step.timeInterval)).arg(step.dateFormat));
-        QCOMPARE(steps, (QStringList{u"31449600 %Y"_s, u"604800 %e %B"_s, u"86400 %A, %e %B"_s,
-                                     u"3600 %I:%M %p"_s, u"60 %I:%M %p"_s}));
-    }
-
-    void colours()
-    {
-        const auto list = ZELKLWCEntriesViewDisplayList::displayList();
-        QCOMPARE(ZELKGraphColours::colouredStates(), list.stateOrder());
-        for (const QString &state : list.stateOrder())
-            QVERIFY(ZELKGraphColours::stateColour(state)->alphaF() < 0.9F);
-        QVERIFY(!ZELKGraphColours::stateColour(u"Awake"_s));
-        QVERIFY(!ZELKGraphColours::batteryColour(ZELKLWCEntriesViewBatterySegment::disconnected()));
-        QCOMPARE(ZELKGraphColours::batteryColour(u"AC Power"_s), QColor(Qt::green));
     }
 };
 
