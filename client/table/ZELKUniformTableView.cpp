@@ -127,11 +127,6 @@ void ZELKUniformTableView::layOutNow()
     updateGeometries();
 }
 
-void ZELKUniformTableView::doItemsLayout()
-{
-    QAbstractItemView::doItemsLayout(); // past the usual table, which would ask its vertical header
-}
-
 void ZELKUniformTableView::updateGeometries()
 {
     if (m_isUpdating)
@@ -139,7 +134,8 @@ void ZELKUniformTableView::updateGeometries()
     m_isUpdating = true;
     placeHeader();
     setScrollRanges();
-    QAbstractItemView::updateGeometries();
+    // Past the usual table, which would scroll to where its vertical header ends.
+    QAbstractItemView::updateGeometries(); // NOLINT(bugprone-parent-virtual-call)
     m_isUpdating = false;
 }
 

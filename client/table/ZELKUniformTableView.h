@@ -30,7 +30,6 @@ public:
     QRect visualRect(const QModelIndex &index) const override;
     void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
     QModelIndex indexAt(const QPoint &point) const override;
-    void doItemsLayout() override;
     /// Looking for a row by its first letters would format a million of them.
     void keyboardSearch(const QString &) override {}
 

@@ -125,6 +125,24 @@ private Q_SLOTS:
         QVERIFY(!mirror.story.contains(u"reset"_s));
     }
 
+    /// Entries that come between very many others are laid out anew at once.
+    void manyPlacesAreOneReset()
+    {
+        TableFixture fixture;
+        ZELKLWCLogTableModel model(fixture.log);
+        model.setSortDescriptors(descriptorsOf(u"+s"_s));
+        Mirror mirror(model);
+        for (const int odd : {0, 1}) {
+            QList<ZELKRawEvent> events;
+            for (int i = 0; i < 1500; ++i)
+                events.append(ZELKMakeRawEvent(ZELKDate(fixture.next += 60.0),
+                                               QString::number(100'000 + 2 * i + odd), u"m"_s));
+            fixture.log.addExternalEntries(events);
+            QCOMPARE(mirror.rows, expectedRows(fixture.log, {}, model.sortDescriptors()));
+        }
+        QCOMPARE(mirror.story.join(u' '), u"+0-1499 reset"_s);
+    }
+
     void rowsOfEntriesThatAreNotShown()
     {
         TableFixture fixture;
