@@ -31,7 +31,7 @@ RULE = """polkit.addRule(function(action, subject) {
 # Runs a program at a terminal of its own as a user, types his password when asked, and tells how often that was and
 # how the program ended.
 TERMINAL = '''
-import os, pty, pwd, sys
+import os, pty, pwd, sys, termios, time
 user, password, *command = sys.argv[1:]
 person = pwd.getpwnam(user)
 child, terminal = pty.fork()
@@ -48,6 +48,8 @@ while True:
         break
     if said.count(b"Password:") > asked:
         asked += 1
+        while termios.tcgetattr(terminal)[3] & termios.ECHO: # what was typed before it is hidden is thrown away
+            time.sleep(0.01)
         os.write(terminal, password.encode() + b"\\n")
 status = os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
 print(said.decode(errors="replace"))
