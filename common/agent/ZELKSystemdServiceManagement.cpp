@@ -105,6 +105,10 @@ std::optional<ZELKAgentError> ZELKSystemdServiceManagement::submitJob(const ZELK
     if (!m_userManager.isThere())
         return unavailable();
     const QString unit = unitOf(label);
+    // What the user masked, or keeps elsewhere, is not taken away, nor is anything written over what it leads
+    // to.
+    if (const QString file = userUnitFile(unit); QFileInfo(file).isSymLink())
+        return errorOf(file + QStringLiteral(": a symbolic link, as that of a masked unit"));
     const auto problem = submitUnit(unit, ticket);
     if (problem) {
         m_userManager.stop(unit);

@@ -179,12 +179,16 @@ private Q_SLOTS:
         row("not started", "StartUnit", submitted + removed, false);
         row("ends at once", "service", submitted + removed, false);
         row("not stopped", "StopUnit", submitted + removed.mid(0, 1), true, false);
+        row("masked", "masked", QStringList(), false);
     }
     void userJobIsSubmittedAndRemovedInOrder()
     {
         const auto [failing, calls, isSubmitted, isRemoved] = Rows<QString, QStringList, bool, bool>::fetch();
         QTemporaryDir folder;
         const QString unit = folder.filePath(u"systemd/user/org.test.agent.service"_s);
+        const bool isMasked = failing == "masked"_L1;
+        if (isMasked && QDir().mkpath(QFileInfo(unit).path()))
+            QVERIFY(QFile::link(folder.filePath(u"null"_s), unit));
         const UserManager manager(unit, failing);
         const QDBusConnection bus = QDBusConnection::sessionBus();
         ZELKSystemdServiceManagement services(
@@ -194,7 +198,8 @@ private Q_SLOTS:
         QVERIFY(!services.hasJob(label, ZELKServiceDomain::User));
         QCOMPARE(!services.submitJob(ticket(), ZELKServiceDomain::User, {}), isSubmitted);
         QCOMPARE(services.hasJob(label, ZELKServiceDomain::User), isSubmitted);
-        QVERIFY(QFile::exists(folder.filePath(u"records"_s)));
+        QCOMPARE(QFile::exists(folder.filePath(u"records"_s)), !isMasked);
+        QCOMPARE(QFileInfo(unit).isSymLink(), isMasked);
         if (isSubmitted) {
             QCOMPARE(!services.removeJob(label, ZELKServiceDomain::User, {}), isRemoved);
             QCOMPARE(services.hasJob(label, ZELKServiceDomain::User), !isRemoved);
