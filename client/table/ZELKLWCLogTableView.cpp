@@ -204,6 +204,9 @@ void ZELKLWCLogTableView::startDrag(Qt::DropActions)
             return;
         auto *drag = new QDrag(this); // goes by itself once it has ended
         drag->setMimeData(pasteboard.release());
+        const int top = visualRect(indexAt(m_pressedAt)).top();
+        drag->setPixmap(viewport()->grab({0, top, viewport()->width(), uniformRowHeight()}));
+        drag->setHotSpot(m_pressedAt - QPoint(0, top));
         m_dragRunner(*drag, draggingSourceOperationMaskForLocal(false));
     });
 }
