@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QRect>
+
+#include <span>
+#include <vector>
+
+/// A transparent layer over some of an image's pixels, in which colours are kept exactly enough for very many
+/// faint ones to add up; everything in it casts one shadow.
+class ZELKColourLayer
+{
+public:
+    /// A shadow of an image, in pixels.
+    struct Shadow
+    {
+        double drop = 0.0;      ///< how far it lies below what casts it
+        double deviation = 0.0; ///< of the blur
+        float opacity = 0.0F;
+    };
+
+    explicit ZELKColourLayer(const QRect &box);
+
+    const QRect &box() const { return m_box; }
+    /// Lays a colour over a row from the column `x` on, each pixel to its share. Within the box.
+    void add(int y, int x, std::span<const float> shares, const QColor &colour);
+    /// Lays the shadow over the image and then the layer, in the image's rows `from` up to before `end`.
+    void paint(QImage &image, const Shadow &shadow, int from, int end) const;
+
+private:
+    /// Premultiplied by the opacity.
+    struct Pixel
+    {
+        float red = 0.0F;
+        float green = 0.0F;
+        float blue = 0.0F;
+        float alpha = 0.0F;
+    };
+
+    std::vector<float> blurred(const Shadow &shadow) const;
+    const Pixel *row(int y) const { return m_pixels.data() + std::size_t(y) * std::size_t(m_box.width()); }
+
+    QRect m_box;
+    std::vector<Pixel> m_pixels;
+};
