@@ -66,6 +66,7 @@ bool ZELKLWAAgent::start()
     m_sleep.recall();
     const ZELKDate start = recordStart();
     m_watchers.start();
+    goOnWithSleep();
     readPast(start);
     return true;
 }
@@ -113,6 +114,16 @@ ZELKDate ZELKLWAAgent::recordStart()
     const ZELKDate start = ZELKEnvironment::current().clock->now();
     recordOwn(ZELKEventStartingMonitor, start);
     return start;
+}
+
+/// Of one that is still to come, the agent before may have died with the record in hand.
+void ZELKLWAAgent::goOnWithSleep()
+{
+    const auto announced = m_sleep.takeComing();
+    if (!announced)
+        return;
+    m_store.record({{announced->date, ZELKEventSystemWillSleep, ZELKMonitorPowerEvents}});
+    m_watchers.goOnWith(*announced);
 }
 
 /// A sleep is kept in mind before anything can happen to its record.

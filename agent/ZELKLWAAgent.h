@@ -71,6 +71,7 @@ private:
     bool isQuiet() const;
     void recordOwn(QLatin1String event, ZELKDate date);
     ZELKDate recordStart();
+    void goOnWithSleep();
     void record(const std::vector<ZELKLWAEvent> &events);
     void readPast(ZELKDate start);
     void pastWasRead(ZELKDate start, bool complete);

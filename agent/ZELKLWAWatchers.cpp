@@ -79,6 +79,11 @@ void ZELKLWAWatchers::checkClocks()
         m_sleep->checkClocks();
 }
 
+void ZELKLWAWatchers::goOnWith(const ZELKMoment &announcedSleep)
+{
+    m_sleep->goOnWith(announcedSleep);
+}
+
 void ZELKLWAWatchers::setSystemBus(const QDBusConnection &bus)
 {
     m_sleep->setBus(bus);

@@ -40,6 +40,8 @@ public:
 
     void start();
     void stop();
+    /// After start(): a sleep is still to come that was announced to the agent before.
+    void goOnWith(const ZELKMoment &announcedSleep);
     /// Somebody asked for something.
     void checkClocks();
     /// The system bus went away, or there is another.

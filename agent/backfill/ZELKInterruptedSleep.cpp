@@ -46,7 +46,7 @@ QString ZELKInterruptedSleep::boot() const
 }
 
 /// The file is not synchronised: it need not outlive the boot.
-void ZELKInterruptedSleep::note(const std::vector<ZELKLWAEvent> &events) const
+void ZELKInterruptedSleep::note(const std::vector<ZELKLWAEvent> &events)
 {
     const ZELKLWAEvent *last = nullptr;
     for (const ZELKLWAEvent &event : events)
@@ -54,6 +54,7 @@ void ZELKInterruptedSleep::note(const std::vector<ZELKLWAEvent> &events) const
             last = &event;
     if (!last)
         return;
+    m_isAnothers = true;
     QFile::remove(m_path);
     QFile file(m_path);
     if (!isSleep(*last) || !file.open(QIODevice::WriteOnly))
@@ -84,6 +85,11 @@ void ZELKInterruptedSleep::recall()
     m_found = now();
 }
 
+std::optional<ZELKMoment> ZELKInterruptedSleep::takeComing()
+{
+    return m_announced && endedByClocks().empty() ? std::exchange(m_announced, std::nullopt) : std::nullopt;
+}
+
 std::vector<ZELKLWAEvent> ZELKInterruptedSleep::ended(std::vector<ZELKLWAEvent> sleeps)
 {
     if (!m_announced)
@@ -110,6 +116,6 @@ std::vector<ZELKLWAEvent> ZELKInterruptedSleep::endedByClocks() const
 
 void ZELKInterruptedSleep::endWasRecorded() const
 {
-    if (m_isOver)
+    if (m_isOver && !m_isAnothers)
         QFile::remove(m_path);
 }

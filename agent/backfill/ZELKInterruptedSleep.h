@@ -20,14 +20,16 @@ public:
 
     /// What is about to be recorded: a sleep is kept, a wake is the end of it. A place that can not be
     /// written to is no matter: the journal tells of most.
-    void note(const std::vector<ZELKLWAEvent> &events) const;
+    void note(const std::vector<ZELKLWAEvent> &events);
     /// Looks for what the agent before left in this boot. Once, before anything is noted.
     void recall();
+    /// The announcement of the sleep that was recalled, when the machine may not have slept yet: whoever
+    /// watches from now on hears of its end. It is not kept in mind any more; the file is, until the wake.
+    std::optional<ZELKMoment> takeComing();
 
     /// What ended the sleep that was recalled, in with `sleeps`, which the journal tells of the time without
-    /// agent, in ascending order: what it tells, and a wake where that tells of none. That wake is dated by
-    /// the clocks; while the machine may not have slept yet, there is none. Without a sleep recalled,
-    /// `sleeps` are answered.
+    /// agent, in ascending order: what it tells, and a wake where that tells of none, dated by the clocks.
+    /// Without a sleep recalled, `sleeps` are answered.
     std::vector<ZELKLWAEvent> ended(std::vector<ZELKLWAEvent> sleeps);
     /// What ended() answered is recorded.
     void endWasRecorded() const;
@@ -44,4 +46,5 @@ private:
     std::optional<ZELKMoment> m_announced;
     ZELKMoment m_found;
     bool m_isOver = false;
+    bool m_isAnothers = false; ///< the file, by now
 };

@@ -42,6 +42,8 @@ public:
                         std::optional<QDBusConnection> sessionBus = std::nullopt, QObject *parent = nullptr);
 
     void start() override;
+    /// After start(): a sleep was announced to the agent before, at that moment, and is still to come.
+    void goOnWith(const ZELKMoment &announced) { m_sleep = ZELKSleepStates::announcedAt(announced); }
     /// Lets the lock go. Records a shut-down that has no kind yet, after asking for it a last time.
     void stop() override;
 

@@ -21,6 +21,13 @@ ZELKSleepStates::ZELKSleepStates(const ZELKMoment &start)
 {
 }
 
+ZELKSleepStates ZELKSleepStates::announcedAt(const ZELKMoment &moment)
+{
+    ZELKSleepStates states(moment);
+    states.m_announced = moment;
+    return states;
+}
+
 ZELKSleepStates::Events ZELKSleepStates::observe(const ZELKMoment &moment)
 {
     Events events;

@@ -40,6 +40,8 @@ public:
     static constexpr double announcementsComeWithin = 5.0;
 
     explicit ZELKSleepStates(const ZELKMoment &start = {});
+    /// Goes on from an announcement that another agent heard and recorded.
+    static ZELKSleepStates announcedAt(const ZELKMoment &moment);
 
     /// Anything that happened.
     Events observe(const ZELKMoment &moment);

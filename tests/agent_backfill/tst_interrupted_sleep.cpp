@@ -66,6 +66,23 @@ private Q_SLOTS:
         QCOMPARE(QFile::exists(path()), expected.isEmpty());
     }
 
+    /// Who watches from then on has the next sleep's file, too.
+    void leavesToOthersWhatIsStillToCome()
+    {
+        announce();
+        for (const auto &[awake, comes] : {std::pair(10.0, true), std::pair(300.0, false)}) {
+            m_clock->pass(awake, 0.0);
+            ZELKInterruptedSleep next = sleep();
+            next.recall();
+            const auto announced = next.takeComing();
+            QCOMPARE(announced.has_value(), comes);
+            QCOMPARE(textOf(next.ended({})), comes ? QString() : u"sleeps 0, wakes 310"_s);
+            next.note({eventAt(ZELKEventSystemWillSleep, comes ? 0.0 : 400.0)});
+            next.endWasRecorded();
+            QVERIFY(QFile::exists(path()));
+        }
+    }
+
     void isNoMatterOfAnotherBootOrAfterTheWake()
     {
         announce();

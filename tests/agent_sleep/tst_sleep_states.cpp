@@ -48,6 +48,8 @@ private:
     }
     std::vector<ZELKLWAEvent> heard(const QString &word)
     {
+        if (word == u"true"_s && !m_sleep.isSleeping())
+            m_announced = m_now;
         if (word == u"true"_s || word == u"false"_s)
             return m_sleep.prepareForSleep(word == u"true"_s, m_now);
         if (word == u"done"_s || word == u"failed"_s)
@@ -64,6 +66,8 @@ private:
             return m_shutdown.cancel(m_now);
         if (word == u"heir"_s)
             m_shutdown.resume(std::exchange(m_shutdown, {}).announced(), m_now);
+        if (word == u"heir"_s && m_sleep.isSleeping())
+            m_sleep = ZELKSleepStates::announcedAt(m_announced);
         if (word == u"boot"_s)
             m_now.awake = m_now.suspended = 0.0;
         if (word == u"jobs"_s)
@@ -81,6 +85,7 @@ private:
     }
 
     ZELKMoment m_now{ZELKDate(0.0), 1000.0, 7.25};
+    ZELKMoment m_announced;
     ZELKSleepStates m_sleep{m_now};
     ZELKShutdownStates m_shutdown;
     QStringList m_seen;
@@ -100,6 +105,8 @@ private Q_SLOTS:
         row("two nights", "true z60 false +900 true z60 false", "sleep 0, wake 60, sleep 960, wake 1020");
         row("doubled", "true true +2 z600 false false look", "sleep 0, wake 602");
         row("doubled, each a little later", "true +4 true +1 z600 +1 false +2 false", "sleep 0, wake 606");
+        row("another agent before it", "true +4 heir +1 z600 +1 false", "sleep 0, wake 606");
+        row("another agent, clocks that run on", "true +4 heir +20 false", "sleep 0, wake 24");
         row("clocks that run on while asleep", "true +20 false", "sleep 0, wake 20");
 
         row("no end, noticed at once", "true +1 z600 look +5 look", "sleep 0, wake 601");
