@@ -5,8 +5,10 @@
 #include "ZELKEnvironment.h"
 #include "ZELKFormat.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QRegularExpression>
+#include <QTimeZone>
 
 #include <algorithm>
 #include <zlib.h>
@@ -31,6 +33,13 @@ QRegularExpression rotatedNames(const QString &name)
 {
     return QRegularExpression(QStringLiteral("^%1(?:\\.(\\d{1,9})|-(\\d{8,14}))(\\.[A-Za-z0-9]{1,4})?$")
                                   .arg(QRegularExpression::escape(name)));
+}
+
+/// Rotation and packing leave a file the time of its last record.
+bool wasWritten(const QString &file, std::optional<ZELKDate> since)
+{
+    const QFileInfo info(file);
+    return !since || (info.exists() && info.lastModified() >= since->toDateTime(QTimeZone::utc()));
 }
 
 } // namespace
@@ -87,7 +96,7 @@ ZELKAccountingHistory::ZELKAccountingHistory(const QString &path)
 ZELKAccountingHistory::~ZELKAccountingHistory() = default;
 ZELKAccountingHistory::ZELKAccountingHistory(ZELKAccountingHistory &&other) noexcept = default;
 
-QStringList ZELKAccountingHistory::files(const QString &path)
+QStringList ZELKAccountingHistory::files(const QString &path, std::optional<ZELKDate> since)
 {
     const QDir folder = QFileInfo(path).dir();
     const QRegularExpression names = rotatedNames(QFileInfo(path).fileName());
@@ -95,7 +104,7 @@ QStringList ZELKAccountingHistory::files(const QString &path)
     QStringList skipped;
     for (const QString &name : folder.entryList(QDir::Files, QDir::Name)) {
         const QRegularExpressionMatch match = names.match(name);
-        if (!match.hasMatch())
+        if (!match.hasMatch() || !wasWritten(folder.filePath(name), since))
             continue;
         const QString packing = match.captured(3);
         if (!packing.isEmpty() && packing != QLatin1String(".gz"))
@@ -112,7 +121,9 @@ QStringList ZELKAccountingHistory::files(const QString &path)
     QStringList files;
     for (const Rotated &file : rotated)
         files.append(folder.filePath(file.name));
-    return files << path;
+    if (wasWritten(path, since))
+        files.append(path);
+    return files;
 }
 
 bool ZELKAccountingHistory::readSome(std::vector<ZELKLWAEvent> &events)

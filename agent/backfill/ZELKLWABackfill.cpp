@@ -20,6 +20,13 @@ bool isIn(ZELKDate date, const ZELKLWAPeriods &times)
                        [date](const ZELKLWAPeriod &period) { return period.holds(date); });
 }
 
+/// From when on a file must have been written to, to hold anything of those times; nothing for any file.
+std::optional<ZELKDate> writtenSince(const ZELKLWAPeriods &times)
+{
+    const ZELKDate begin = times.front().begin;
+    return begin > earliest ? std::optional(begin) : std::nullopt;
+}
+
 QString firstLine(const QString &path)
 {
     constexpr qint64 longest = 64;
@@ -146,7 +153,7 @@ void ZELKLWABackfill::stop()
 void ZELKLWABackfill::addSources()
 {
     for (const QString &path : m_unread.accounting.empty() ? QStringList() : m_places.wtmp)
-        for (const QString &file : ZELKAccountingHistory::files(path))
+        for (const QString &file : ZELKAccountingHistory::files(path, writtenSince(m_unread.accounting)))
             addSource(m_unread.accounting, [history = std::make_shared<ZELKAccountingHistory>(file)](
                                                auto &events) { return history->readSome(events); });
     for (const QString &path : m_unread.charges.empty() ? QStringList() : m_places.upower) {

@@ -31,6 +31,10 @@ std::optional<ZELKLWADatabaseFile::Fault> ZELKLWADatabaseFile::tryScript(const Q
     if (code == SQLITE_OK && !run("PRAGMA busy_timeout = 2000; SELECT count(*) FROM sqlite_schema") &&
         code == SQLITE_ERROR)
         code = SQLITE_NOTADB;
+    if (code == SQLITE_OK && isOthers(database)) {
+        code = SQLITE_MISMATCH;
+        message = QStringLiteral("it is a database of another program");
+    }
     if (code == SQLITE_OK)
         run(sql.toUtf8().constData());
     if (code != SQLITE_OK && message.isEmpty())
@@ -39,6 +43,22 @@ std::optional<ZELKLWADatabaseFile::Fault> ZELKLWADatabaseFile::tryScript(const Q
     if (code == SQLITE_OK)
         return std::nullopt;
     return Fault{code & 0xff, message};
+}
+
+/// Records whose making was cut short may have their settings and nothing else yet.
+bool ZELKLWADatabaseFile::isOthers(sqlite3 *database)
+{
+    sqlite3_stmt *statement = nullptr;
+    const int code = m_port->prepare(
+        database,
+        "SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name <> 'settings' "
+        "AND NOT EXISTS (SELECT 1 FROM sqlite_schema WHERE type = 'table' AND name = 'events' "
+        "AND sql LIKE '%event_time%settled%')",
+        &statement);
+    const bool others = code == SQLITE_OK && m_port->step(statement) == SQLITE_ROW;
+    if (statement)
+        m_port->finalize(statement);
+    return others;
 }
 
 bool ZELKLWADatabaseFile::isDamage(int code)

@@ -6,6 +6,7 @@
 #include <optional>
 
 class ZELKSQLitePort;
+struct sqlite3;
 
 /// The file of a database while nothing is connected to it: whether it can be used, and out of the way with
 /// it when it is damaged.
@@ -21,7 +22,8 @@ public:
 
     ZELKLWADatabaseFile(const QString &path, std::shared_ptr<ZELKSQLitePort> port);
 
-    /// Runs a script on a connection of its own; what went wrong, or nothing.
+    /// Runs a script on a connection of its own; what went wrong, or nothing. A database that has tables, but
+    /// not those of the records, is left as it is.
     std::optional<Fault> tryScript(const QString &sql);
     static bool isDamage(int code);
     /// Renames the file, and SQLite's files beside it, to "NAME.damaged-DATE", with one console line. False
@@ -29,6 +31,7 @@ public:
     bool setAside(const QString &reason);
 
 private:
+    bool isOthers(sqlite3 *database);
     QString freeName() const;
 
     QString m_path;

@@ -84,7 +84,7 @@ void ZELKLWAEventStore::databaseWillOpen(const QString &path)
                             SQLForKey(createEventsKey).value_or(QString());
     ZELKLWADatabaseFile databaseFile(path, m_port);
     auto fault = databaseFile.tryScript(scripts);
-    if (fault && ZELKLWADatabaseFile::isDamage(fault->code) && databaseFile.setAside(fault->message)) {
+    if (fault && isReplaceable(fault->code) && databaseFile.setAside(fault->message)) {
         m_wasSetAside = true;
         fault = databaseFile.tryScript(scripts);
     }
@@ -92,6 +92,11 @@ void ZELKLWAEventStore::databaseWillOpen(const QString &path)
         return;
     m_failure = fault->code;
     ZELKAssertion::fail(file, 0, fault->message);
+}
+
+bool ZELKLWAEventStore::isReplaceable(int code) const
+{
+    return m_keeper == Keeper::Agent && ZELKLWADatabaseFile::isDamage(code);
 }
 
 void ZELKLWAEventStore::databaseDidOpen()
@@ -313,8 +318,8 @@ bool ZELKLWAEventStore::recover(const QString &reason)
         return false;
     const bool wasOpen = isOpen(); // else the opening has seen to it
     closeDatabase();
-    m_wasSetAside = wasOpen && ZELKLWADatabaseFile::isDamage(m_failure) &&
-                    ZELKLWADatabaseFile(m_path, m_port).setAside(reason);
+    m_wasSetAside =
+        wasOpen && isReplaceable(m_failure) && ZELKLWADatabaseFile(m_path, m_port).setAside(reason);
     return m_wasSetAside;
 }
 

@@ -33,7 +33,8 @@ public:
     static constexpr int secondsApart = 30;
 
     /// Who writes: the agent, of which these are the records, or a guest, which adds to them: what a guest
-    /// adds, the agent settles, and a guest is no sign of the agent's life.
+    /// adds, the agent settles, and a guest is no sign of the agent's life. It leaves a damaged file where it
+    /// is: an agent may be writing there, or somebody have named a file of another kind.
     enum class Keeper { Agent, Guest };
 
     /// Opens nothing. Folders of `path` that are missing are made when it is opened.
@@ -77,11 +78,12 @@ public:
     /// When an agent first recorded here; nothing before, and while the file can not be used.
     std::optional<ZELKDate> beginning();
     /// The times before `start`, the agent's own, of which the records do not hold yet what the system kept:
-    /// all before the first agent, and of sleeps also those between one agent and the next. None while the
-    /// file can not be used.
+    /// all before the first agent, of sleeps also those between one agent and the next, and of the
+    /// accounting all since it was read last, for it is rotated when no agent looks. None while the file can
+    /// not be used.
     ZELKLWAUnread unreadPast(ZELKDate start);
     /// What unreadPast() answered is among the records; `journal` when that could be read too. Else its
-    /// times are answered again.
+    /// times are answered again. Where the file could not be used then, nothing changes.
     void pastWasRead(ZELKDate start, bool journal);
     /// Those of `events` that the records do not hold, nor the like of them within `secondsApart`: of what
     /// an agent told in its own words and the system tells in others.
@@ -109,6 +111,7 @@ private:
     void dropOldest();
     std::size_t writeSome();
     void beginRecords();
+    std::optional<ZELKDate> readUpTo(QLatin1String setting, ZELKDate start);
     void write(const std::function<void()> &statements);
     bool settleFile(qint64 time);
     void tryAgainLater();
@@ -116,6 +119,7 @@ private:
     void require(const ZELKDatabaseResult &result);
     bool attempt(const std::function<void()> &work);
     bool recover(const QString &reason);
+    bool isReplaceable(int code) const;
     void noteFailure();
     void reportFailure(const QString &reason);
     void reportRecovery();
@@ -126,6 +130,7 @@ private:
     Keeper m_keeper;
     ZELKLWALifeSign m_lifeSign;
     bool m_wasSetAside = false;        // and the new file is not open yet
+    bool m_pastIsAsked = false;        // and can be noted as read
     bool m_isSettlingDue = false;      // the file did not take it
     std::optional<qint64> m_dueServed; // nor this
     std::size_t m_dropped = 0;

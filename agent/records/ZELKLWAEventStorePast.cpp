@@ -17,6 +17,7 @@ constexpr QLatin1String likeKey("ZELKLWAEventStoreSQLLike");
 // Settings.
 constexpr QLatin1String pastSetting("past");
 constexpr QLatin1String journalSetting("journal"); // up to when it was read
+constexpr QLatin1String accountingSetting("accounting");
 
 QString setAsideValue()
 {
@@ -99,35 +100,44 @@ std::optional<ZELKDate> ZELKLWAEventStore::beginning()
     return kept ? std::optional(ZELKDate(double(kept->toLongLong()) / 1e6)) : std::nullopt;
 }
 
+/// Up to when something of the past was read; nothing where that is not known: the clock may have been ahead.
+std::optional<ZELKDate> ZELKLWAEventStore::readUpTo(QLatin1String setting, ZELKDate start)
+{
+    const auto kept = stringForSetting(setting);
+    require(lastResult());
+    const ZELKDate date(kept ? double(kept->toLongLong()) / 1e6 : 0.0);
+    return kept && date <= start ? std::optional(date) : std::nullopt;
+}
+
 ZELKLWAUnread ZELKLWAEventStore::unreadPast(ZELKDate start)
 {
     const ZELKDate always = ZELKDate::distantPast();
     const auto begun = beginning();
     ZELKLWAUnread unread;
-    attempt([&] {
-        if (!begun)
-            return;
-        const auto past = stringForSetting(pastSetting);
-        require(lastResult());
-        const auto journal = stringForSetting(journalSetting);
-        require(lastResult());
-        unread = {};
-        if (!past)
-            unread.charges = unread.accounting = {{always, std::min(*begun, start)}};
-        const ZELKDate read = journal                   ? ZELKDate(double(journal->toLongLong()) / 1e6)
-                              : past == setAsideValue() ? *begun
-                                                        : always;
-        unread.sleeps = ZELKLWAPeriodsWithout({read, start}, recordedPeriods());
-    });
-    return unread;
+    m_pastIsAsked = begun && attempt([&] {
+                        const auto past = stringForSetting(pastSetting);
+                        require(lastResult());
+                        const ZELKDate otherwise = past == setAsideValue() ? *begun : always;
+                        unread = {};
+                        if (!past)
+                            unread.charges = {{always, std::min(*begun, start)}};
+                        unread.accounting = ZELKLWAPeriodsWithout(
+                            {readUpTo(accountingSetting, start).value_or(otherwise), start}, {});
+                        unread.sleeps = ZELKLWAPeriodsWithout(
+                            {readUpTo(journalSetting, start).value_or(otherwise), start}, recordedPeriods());
+                    });
+    return m_pastIsAsked ? unread : ZELKLWAUnread();
 }
 
 void ZELKLWAEventStore::pastWasRead(ZELKDate start, bool journal)
 {
+    if (!m_pastIsAsked)
+        return; // nothing was
     attempt([&] {
         write([&] {
             if (!stringForSetting(pastSetting))
                 setString(QStringLiteral("read"), pastSetting);
+            setString(QString::number(ZELKLWATimeOf(start)), accountingSetting);
             if (journal)
                 setString(QString::number(ZELKLWATimeOf(start)), journalSetting);
         });

@@ -172,6 +172,36 @@ private Q_SLOTS:
         QCOMPARE(readFile(folder.filePath(aside.constFirst())), damaged);
     }
 
+    /// A guest leaves the file where it is whatever it is; nobody makes tables beside another program's.
+    void leavesWhatIsNotItsOwn_data()
+    {
+        const Rows<bool, QByteArray> row;
+        row("another program's database", false, "CREATE TABLE contacts (name)");
+        row("one with tables of the same names", false,
+            "CREATE TABLE settings (key, value); CREATE TABLE events (date, properties)");
+        row("a guest, and no database", true, "");
+    }
+    void leavesWhatIsNotItsOwn()
+    {
+        const auto [isGuest, script] = Rows<bool, QByteArray>::fetch();
+        QVERIFY(QDir().mkpath(QFileInfo(path()).path()));
+        sqlite3 *other = nullptr;
+        if (script.isEmpty())
+            writeFile(path(), "Dear diary, no database");
+        else if (sqlite3_open(path().toLocal8Bit().constData(), &other) == SQLITE_OK)
+            QCOMPARE(sqlite3_exec(other, script.constData(), nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(other);
+        const QByteArray before = readFile(path());
+        const ConsoleLines console;
+        const auto store =
+            makeStore(isGuest ? ZELKLWAEventStore::Keeper::Guest : ZELKLWAEventStore::Keeper::Agent);
+        store->record({eventAt(1, "first")});
+        QVERIFY(!store->save());
+        QCOMPARE(console.count("They wait in memory"), 1);
+        QCOMPARE(readFile(path()), before);
+        QCOMPARE(QDir(QFileInfo(path()).path()).entryList(QDir::Files).size(), qsizetype(1));
+    }
+
     void waitsForAFolderThatCanNotBeMade()
     {
         const QString inTheWay = m_folder->filePath(u"a"_s);
@@ -188,10 +218,11 @@ private Q_SLOTS:
 
 private:
     QString path() const { return m_folder->filePath(u"a/b/events.db"_s); }
-    std::unique_ptr<ZELKLWAEventStore> makeStore()
+    std::unique_ptr<ZELKLWAEventStore>
+    makeStore(ZELKLWAEventStore::Keeper keeper = ZELKLWAEventStore::Keeper::Agent)
     {
         m_port = std::make_shared<ZELKFailingSQLitePort>();
-        return std::make_unique<ZELKLWAEventStore>(path(), agentBundle(), m_port);
+        return std::make_unique<ZELKLWAEventStore>(path(), agentBundle(), m_port, keeper);
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;

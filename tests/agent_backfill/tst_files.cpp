@@ -85,6 +85,17 @@ private Q_SLOTS:
         QCOMPARE(console.size(), 4);
         QVERIFY(console.lines().at(0).contains(u"wtmp-20231114.zst, wtmp.3.xz"_s));
         QVERIFY(console.lines().at(1).contains(u"1 with an absurd time, 4 stray bytes"_s));
+
+        const auto older = QDateTime::fromSecsSinceEpoch(1700000300);
+        for (const char *name : {".2", "-20231114.zst", ".3.xz"}) {
+            QFile file(path + QLatin1String(name));
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.setFileTime(older, QFileDevice::FileModificationTime));
+        }
+        const ZELKDate since = ZELKDate::fromSecondsSince1970(1700000301.0);
+        QCOMPARE(ZELKAccountingHistory::files(path, since).size(), qsizetype(4));
+        QCOMPARE(ZELKAccountingHistory::files(folder.filePath(u"btmp"_s), since), QStringList());
+        QCOMPARE(console.size(), 4);
     }
 
     /// What stands before the damage is told, and that there is one.

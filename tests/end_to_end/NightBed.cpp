@@ -116,6 +116,12 @@ void NightBed::shutDown(const char *time)
     account(RUN_LVL, "shutdown");
 }
 
+void NightBed::rotateAccounting() const
+{
+    if (!QFile::rename(path("wtmp"), path("wtmp.1")))
+        qFatal("the accounting can not be rotated");
+}
+
 void NightBed::startAgent(const char *time)
 {
     m_clock->moveTo(time);

@@ -60,6 +60,7 @@ public:
     void boot(const char *time);
     /// Without an agent, nobody hears of it.
     void shutDown(const char *time);
+    void rotateAccounting() const;
     void startAgent(const char *time);
     /// It tells nobody.
     void killAgent() { m_agent.reset(); }

@@ -38,6 +38,7 @@ private Q_SLOTS:
         laptop.batteryIs("07:20", 57, true);
         laptop.batteryIs("08:10", 88, true);
         laptop.shutDown("08:30");
+        laptop.rotateAccounting(); // nobody looks
         laptop.boot("12:00");
         laptop.startAgent("12:01");
         compare(laptop.list(), R"(Date                       Summary
@@ -104,6 +105,28 @@ private Q_SLOTS:
 2025-03-12 07:20:00 +0100  Stopping monitor
 2025-03-12 07:30:00 +0100  Starting monitor
 9 entries
+)");
+    }
+
+    /// And the sleep is given up after all.
+    void agentIsReplacedBeforeTheSleep()
+    {
+        NightBed laptop;
+        laptop.boot("18:00");
+        laptop.startAgent("18:01");
+        laptop.fallAsleep("23:10");
+        laptop.killAgent();
+        laptop.startAgent("23:10");
+        laptop.wake("23:10");
+        compare(laptop.list(), R"(Date                       Summary
+2025-03-11 18:00:00 +0100  Boot
+2025-03-11 18:01:00 +0100  Starting monitor
+2025-03-11 18:01:00 +0100  'PRB-1' connected
+2025-03-11 23:10:00 +0100  System sleeping after 5 hours, 10 minutes
+2025-03-11 23:10:00 +0100  Stopping monitor
+2025-03-11 23:10:00 +0100  Starting monitor
+2025-03-11 23:10:00 +0100  System powering on after 0 seconds
+7 entries
 )");
     }
 
