@@ -6,15 +6,38 @@
 #include "ZELKEventVocabulary.h"
 #include "ZELKFormat.h"
 #include "ZELKSQLitePort.h"
+#include "ZELKSettingsPowerSourceNames.h"
+#include "ZELKUserDefaults.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
 
+namespace {
+
+/// The names that the watchers have given, and what is named beside them here: of that they are not told.
+class KnownNames final : public ZELKPowerSourceNameMemory
+{
+public:
+    explicit KnownNames(const QString &settings)
+    {
+        ZELKUserDefaults defaults(settings);
+        m_names = ZELKSettingsPowerSourceNames(defaults).recall();
+    }
+    Names recall() const override { return m_names; }
+    void remember(const Names &names) override { m_names = names; }
+
+private:
+    Names m_names;
+};
+
+} // namespace
+
 ZELKLWAPast::ZELKLWAPast(const std::shared_ptr<const ZELKBundle> &bundle, const ZELKLWAOptions &options,
                          QObject *parent)
     : QObject(parent)
     , m_places(options.past())
+    , m_settings(options.settings)
     , m_store(options.database, bundle, std::make_shared<ZELKSQLitePort>(), ZELKLWAEventStore::Keeper::Guest)
 {
 }
@@ -35,7 +58,18 @@ void ZELKLWAPast::start()
                                           [this](const std::vector<ZELKLWAEvent> &events) { take(events); });
     connect(m_backfill.get(), &ZELKLWABackfill::finished, this,
             [this](bool complete) { zelkGuard([&] { end(complete); }); });
+    m_backfill->setSleepFilter([this](const auto &sleeps) { return unlikeRecorded(sleeps); });
+    KnownNames names(m_settings);
+    m_backfill->setNames(&names);
     m_backfill->start();
+}
+
+/// An agent that was killed did not see all of the sleep that it had told of.
+std::vector<ZELKLWAEvent> ZELKLWAPast::unlikeRecorded(const std::vector<ZELKLWAEvent> &sleeps)
+{
+    std::vector<ZELKLWAEvent> news = m_store.unlikeRecorded(sleeps);
+    m_told += int(sleeps.size() - news.size());
+    return news;
 }
 
 void ZELKLWAPast::take(const std::vector<ZELKLWAEvent> &events)

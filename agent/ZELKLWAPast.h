@@ -26,10 +26,12 @@ Q_SIGNALS:
     void finished(int told, int leftOut, bool complete);
 
 private:
+    std::vector<ZELKLWAEvent> unlikeRecorded(const std::vector<ZELKLWAEvent> &sleeps);
     void take(const std::vector<ZELKLWAEvent> &events);
     void end(bool complete);
 
     ZELKLWABackfillPlaces m_places;
+    QString m_settings;
     ZELKLWAEventStore m_store;
     std::unique_ptr<ZELKLWABackfill> m_backfill;
     bool m_allThere = true;

@@ -1,7 +1,12 @@
 #include "AgentFixture.h"
 #include "BusClient.h"
 #include "ZELKLWAEventStore.h"
+#include "ZELKLWAOptions.h"
 #include "ZELKSQLitePort.h"
+#include "ZELKSettingsPowerSourceNames.h"
+#include "ZELKUserDefaults.h"
+
+#include "BackfillFixture.h"
 
 #include <QProcess>
 
@@ -83,8 +88,19 @@ private Q_SLOTS:
         {
             ZELKLWAEventStore store(database(), agentBundle(), std::make_shared<ZELKSQLitePort>());
             store.record({{noon, ZELKEventStartingMonitor, ZELKMonitorLullwatch},
-                          {noon.addingTimeInterval(1000), ZELKEventStoppingMonitor, ZELKMonitorLullwatch}});
+                          {noon.addingTimeInterval(1000), ZELKEventStoppingMonitor, ZELKMonitorLullwatch},
+                          {noon.addingTimeInterval(3594), ZELKEventSystemWillSleep, ZELKMonitorPowerEvents}});
         }
+        // The watchers met this one second; the journal tells of the sleep in its own words.
+        const QString battery = m_folder->filePath(u"none/BAT1/"_s);
+        writeFile(battery + u"type"_s, "Battery\n");
+        writeFile(battery + u"model_name"_s, "PRB-1\n");
+        writeFile(battery + u"serial_number"_s, "00042\n");
+        {
+            ZELKUserDefaults settings(ZELKLWAOptions::usual(false).settings);
+            ZELKSettingsPowerSourceNames(settings).remember({{u"BAT1"_s, {u"PRB-1 (BAT1)"_s, u"PRB-1"_s}}});
+        }
+        writeFile(m_folder->filePath(u"a.journal"_s), journal("sleep-2h"));
         QByteArray history = "1699990000\t0.000\tunknown\n";
         for (const auto &[time, charge] :
              {std::pair(epoch - 900, 80), std::pair(epoch + 500, 70), std::pair(epoch + 2000, 60)})
@@ -93,19 +109,22 @@ private Q_SLOTS:
         for (const bool again : {false, true}) {
             QProcess agent;
             launch(agent, {u"--backfill-wtmp"_s, realAccounting(), u"--backfill-upower"_s,
-                           m_folder->filePath(u"upower"_s)});
+                           m_folder->filePath(u"upower"_s), u"--backfill-journal"_s,
+                           m_folder->filePath(u"a.journal"_s)});
             QVERIFY(agent.waitForFinished());
             QCOMPARE(agent.exitCode(), 0);
             const QByteArray words = agent.readAll();
-            QVERIFY2(words.startsWith("4 events of the past\n1 left out"), words);
-            QCOMPARE(recorded(QString()).size(), 6); // the second time nothing is new
+            QVERIFY2(words.startsWith("6 events of the past\n1 left out"), words);
+            QCOMPARE(recorded(QString()).size(), 8); // the second time nothing is new
+            QCOMPARE(recorded(u"will sleep"_s).size(), 1);
+            QCOMPARE(m_properties.count(u"<string>PRB-1 (BAT1)</string>"_s), 2);
             Q_UNUSED(again)
         }
         QProcess agent;
-        launch(agent, {u"--backfill-wtmp"_s, m_folder->filePath(u"none"_s)});
+        launch(agent, {u"--backfill-wtmp"_s, m_folder->filePath(u"nowhere"_s)});
         QVERIFY(agent.waitForFinished());
         QCOMPARE(agent.exitCode(), 1);
-        QVERIFY(agent.readAll().contains("none' can not be read"));
+        QVERIFY(agent.readAll().contains("nowhere' can not be read"));
     }
 
     void tellsWithoutRunning_data()
@@ -140,20 +159,23 @@ private:
         QVERIFY(agent.waitForStarted());
     }
     /// What is recorded, of the agent itself unless another part of the names is given.
-    QStringList recorded(const QString &part = u"monitor"_s) const
+    QStringList recorded(const QString &part = u"monitor"_s)
     {
         ZELKLWAEventStore store(database(), agentBundle(), std::make_shared<ZELKSQLitePort>());
         store.settle(); // what a kill left
         QStringList names;
+        m_properties.clear();
         store.eventsAfter({0, 0}, ZELKLWAEventRange::requested(0, 9e9), 1000,
                           [&](ZELKLWAEventPosition, const ZELKRawEventView &event) {
                               names.append(text(event.description));
+                              m_properties += text(event.properties);
                               return true;
                           });
         return names.filter(part);
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_properties; // of all that was recorded
 };
 
 QTEST_GUILESS_MAIN(TestProgram)
