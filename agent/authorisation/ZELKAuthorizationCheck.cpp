@@ -65,11 +65,19 @@ void ZELKAuthorizationCheck::check(const QByteArray &form, const QString &caller
         problem = QStringLiteral("not the form of an authorization");
     else if (m_usedNonces.contains(decoded->nonce))
         problem = QStringLiteral("the form was used before");
+    else if (m_underWay == mostAtOnce)
+        problem = QStringLiteral("too many ask at once");
     if (!problem.isEmpty()) {
         QTimer::singleShot(0, this, [done, problem] { zelkGuard([&] { done(problem); }); });
         return;
     }
-    const Request request{*decoded, action, mayAsk, done, QDeadlineTimer(m_surroundings.timeoutMilliseconds)};
+    ++m_underWay;
+    const auto doneWithIt = [this, done](const QString &found) {
+        --m_underWay;
+        done(found);
+    };
+    const Request request{*decoded, action, mayAsk, doneWithIt,
+                          QDeadlineTimer(m_surroundings.timeoutMilliseconds)};
     ask(m_bus, credentialsOf(caller), m_surroundings.timeoutMilliseconds, this,
         [this, request](const QDBusMessage &message) {
             const QDBusReply<QVariantMap> reply = message;

@@ -15,6 +15,9 @@ class ZELKAuthorizationCheck : public QObject
     Q_OBJECT
 
 public:
+    /// The bus lets a connection wait for few answers at once (128), and the agent has others to wait for.
+    static constexpr int mostAtOnce = 32;
+
     struct Surroundings
     {
         int timeoutMilliseconds = 4500; ///< what bus and polkit may take together, unless polkit asks
@@ -28,8 +31,8 @@ public:
     using Handler = std::function<void(const QString &problem)>;
     /// `caller` is the caller's unique name, `form` the external form. With `mayAsk` polkit may ask the user,
     /// who then has some minutes. `done` is called once, later, unless this object is destroyed before; its
-    /// `problem` is empty when the caller may, otherwise it says why not. A form is good for one check that
-    /// succeeds.
+    /// `problem` is empty when the caller may, otherwise it says why not, as when too many checks are under
+    /// way. A form is good for one check that succeeds.
     void check(const QByteArray &form, const QString &caller, const QString &action, bool mayAsk,
                const Handler &done);
 
@@ -42,4 +45,5 @@ private:
     QDBusConnection m_bus;
     Surroundings m_surroundings;
     QSet<QByteArray> m_usedNonces;
+    int m_underWay = 0;
 };

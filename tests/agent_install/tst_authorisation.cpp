@@ -111,6 +111,13 @@ private Q_SLOTS:
         QCOMPARE(ask(check, form, bus.baseService()), u"the form was used before"_s);
         allowed.clear(); // it hangs
         QVERIFY(answer().startsWith("polkit does not answer: "_L1));
+        QStringList answers;
+        for (int number = 0; number <= ZELKAuthorizationCheck::mostAtOnce; ++number)
+            check.check(ownForm().encode(), bus.baseService(), u"a"_s, false,
+                        [&](const QString &problem) { answers.append(problem); });
+        QTRY_COMPARE(answers, QStringList{u"too many ask at once"_s});
+        QTRY_COMPARE(answers.size(), ZELKAuthorizationCheck::mostAtOnce + 1);
+        QVERIFY(answer().startsWith("polkit does not answer: "_L1)); // as before
     }
 
     void filesAreRemovedOnRequest_data()
