@@ -47,6 +47,7 @@ void ZELKEmptyPage::show(const Content &content)
     if (m_remedy)
         m_remedy->disconnect(this);
     m_remedy = content.remedy;
+    m_remedyLabel = content.label;
     if (m_remedy)
         connect(m_remedy, &QAction::changed, this, [this] { zelkGuard([this] { followRemedy(); }); });
     followRemedy();
@@ -57,5 +58,6 @@ void ZELKEmptyPage::followRemedy()
     m_button->setVisible(m_remedy && m_remedy->isEnabled());
     // Without its mnemonic, which belongs to the menu.
     if (m_remedy)
-        m_button->setText(m_remedy->text().remove(QLatin1Char('&')));
+        m_button->setText(m_remedyLabel.isEmpty() ? m_remedy->text().remove(QLatin1Char('&'))
+                                                  : m_remedyLabel);
 }

@@ -25,7 +25,8 @@ public:
         QString symbol; ///< as ZELKSymbolIcon has them
         QString headline;
         QString hint;              ///< may be empty
-        QAction *remedy = nullptr; ///< what the button does and is called; null for no button
+        QAction *remedy = nullptr; ///< what the button does; null for no button
+        QString label = {};        ///< what it is called; empty for what the remedy is called
     };
     void show(const Content &content);
 
@@ -37,4 +38,5 @@ private:
     QLabel *m_hint;
     QPushButton *m_button;
     QPointer<QAction> m_remedy;
+    QString m_remedyLabel;
 };

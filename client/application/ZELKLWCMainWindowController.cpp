@@ -152,7 +152,7 @@ void ZELKLWCMainWindowController::showEmptyPage()
                            text("empty.search.hint"), outlet<QAction>("actionClearSearch")});
     else if (log.count() > 0)
         m_emptyPage->show({QStringLiteral("no-entries"), text("empty.range"), text("empty.range.hint"),
-                           outlet<QAction>("actionRange8")});
+                           outlet<QAction>("actionRange8"), text("empty.range.show")});
     else if (m_wiring.store().isLogBehind())
         m_emptyPage->show({QStringLiteral("warning"), text("empty.unreadable"), {}});
     else if (!m_wiring.settings().knowsAgent())

@@ -1387,7 +1387,7 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.range.hint</source>
-        <translation>Nothing was recorded on these days. Choose others, or look at everything.</translation>
+        <translation>Nothing was recorded on these days. Choose other days.</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.search.of</source>
@@ -1404,6 +1404,10 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>ZELKLWCMainWindowController.empty.search.hint</source>
         <translation>Only summaries are searched, and capitals count.</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.range.show</source>
+        <translation>Show Everything</translation>
     </message>
 </context>
 <context>

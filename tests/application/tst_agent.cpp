@@ -42,7 +42,7 @@ private Q_SLOTS:
         answerSheet(*m_session->mainWindow().window(), 1);
         QTRY_COMPARE_WITH_TIMEOUT(text("stateLabel"), u"Recording in this session"_s, 20000);
         QTRY_VERIFY_WITH_TIMEOUT(log().count() > 0, 20000);
-        QTRY_VERIFY(text("synchronisationLabel").startsWith("Last new entries fetched "_L1));
+        QTRY_VERIFY(text("synchronisationLabel").startsWith("Synchronised: "_L1));
         end();
         QCOMPARE(instances().size(), std::size_t(1));
     }

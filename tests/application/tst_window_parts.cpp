@@ -5,7 +5,6 @@
 #include "ZELKEventVocabulary.h"
 #include "ZELKPreferences.h"
 #include "ZELKSearchField.h"
-#include "ZELKWindowState.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -18,9 +17,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPushButton>
-#include <QSplitter>
 #include <QStatusBar>
-#include <QToolBar>
 #include <QToolButton>
 
 namespace {
@@ -228,98 +225,6 @@ private Q_SLOTS:
         QVERIFY(dates.isChecked() && colour.isEnabled() && !session.action("actionDetail").isChecked());
         QCOMPARE(colour.colour(), before);
         QCOMPARE(session.view.uniformRowHeight(), height);
-    }
-
-    /// Whatever the font, nothing is cut off that is not meant to give way.
-    void anyFont_data()
-    {
-        QTest::addColumn<int>("points");
-        QTest::newRow("small") << 8;
-        QTest::newRow("large") << 24;
-    }
-    void anyFont()
-    {
-        QFETCH(const int, points);
-        const QFont usual = QApplication::font();
-        const ApplicationFixture fixture;
-        NapSession session(fixture);
-        const int iconSize = session.find<QToolBar>("toolBar").iconSize().height();
-        const int rowHeight = session.view.uniformRowHeight();
-        QFont font = usual;
-        font.setPointSize(points);
-        QApplication::setFont(font);
-        session.window.resize(session.window.sizeHint().expandedTo({1600, 900}));
-        QCoreApplication::processEvents();
-        const bool isLarger = points > usual.pointSize();
-        QCOMPARE(session.find<QToolBar>("toolBar").iconSize().height() > iconSize, isLarger);
-        QCOMPARE(session.view.uniformRowHeight() > rowHeight, isLarger);
-        QTRY_COMPARE(cutOff(session.window), QStringList());
-        const QFontMetrics metrics(session.view.font());
-        QVERIFY(metrics.horizontalAdvance(session.view.model()->index(0, 0).data().toString()) <
-                session.view.columnWidth(0));
-        QApplication::setFont(usual);
-    }
-
-    static QStringList cutOff(const QMainWindow &window)
-    {
-        QStringList names;
-        for (const QWidget *widget : window.findChildren<QWidget *>()) {
-            const bool hasText = widget->inherits("QLabel") || widget->inherits("QAbstractButton");
-            const QSize least = widget->minimumSizeHint();
-            if (widget->isVisible() && hasText && !widget->inherits("ZELKElidedLabel") &&
-                (widget->width() < least.width() || widget->height() < least.height()))
-                names.append(widget->objectName());
-        }
-        return names;
-    }
-
-    void symbolsFollowThePalette()
-    {
-        const QPalette usual = QApplication::palette();
-        const ApplicationFixture fixture;
-        const Session session(fixture);
-        const QIcon icon = session.find<QAction>("actionDayBackward").icon();
-        QVERIFY(!icon.isNull());
-        const auto darkest = [&] {
-            const QImage image = icon.pixmap(32).toImage();
-            int shade = 255;
-            for (int x = 0; x < image.width(); ++x)
-                for (int y = 0; y < image.height(); ++y)
-                    if (image.pixelColor(x, y).alpha() > 200)
-                        shade = qMin(shade, qGray(image.pixel(x, y)));
-            return shade;
-        };
-        QVERIFY(darkest() < 80);
-        QPalette dark = usual;
-        dark.setColor(QPalette::ButtonText, Qt::white);
-        QApplication::setPalette(dark);
-        QVERIFY(darkest() > 200);
-        QApplication::setPalette(usual);
-    }
-
-    void splittersAreRemembered()
-    {
-        const ApplicationFixture fixture;
-        const ZELKApplicationSettings settings = fixture.settings();
-        ZELKUserDefaults defaults(settings.defaultsFile());
-        QList<int> sizes;
-        for (const bool isFirst : {true, false}) {
-            QMainWindow window;
-            auto *splitter = new QSplitter(&window);
-            splitter->setObjectName("parts");
-            auto *header = new QHeaderView(Qt::Horizontal, splitter);
-            splitter->addWidget(new QWidget);
-            window.setCentralWidget(splitter);
-            auto *state = new ZELKWindowState(window, *header, defaults);
-            state->restore();
-            window.show();
-            if (isFirst) {
-                splitter->setSizes({100, 300});
-                sizes = splitter->sizes();
-                state->save();
-            }
-            QCOMPARE(splitter->sizes(), sizes);
-        }
     }
 
     // MARK: accessibility
