@@ -233,11 +233,14 @@ void ZELKLWASleepWatcher::idleHintDidChange()
         if (!m_idle.change(isIdle))
             return;
         const ZELKDate date = moment.date;
-        const auto tells = [this, date, since](std::optional<double> seconds) {
+        const double longest = moment.awake + moment.suspended;
+        // A clock that was put right since may have that before the machine was started.
+        const bool fits = since && date.timeIntervalSinceDate(*since) <= longest;
+        const auto tells = [this, date, begin = fits ? *since : date](std::optional<double> seconds) {
             if (m_running)
-                tellOfIdleness({seconds ? date.addingTimeInterval(-*seconds) : since.value_or(date), date});
+                tellOfIdleness({seconds ? date.addingTimeInterval(-*seconds) : begin, date});
         };
-        m_desktop.request(moment.awake + moment.suspended, tells);
+        m_desktop.request(longest, tells);
     });
 }
 

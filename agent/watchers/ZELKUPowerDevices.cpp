@@ -52,6 +52,12 @@ QString text(const QVariantMap &properties, const char *key)
     return value.typeId() == QMetaType::QString ? value.toString() : QString();
 }
 
+/// The kernel's name; empty where there is none.
+QString deviceOf(const QString &nativePath)
+{
+    return nativePath.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
+}
+
 bool isMains(const QVariantMap &properties)
 {
     return code(properties, "Type") == linePower && boolean(properties, "PowerSupply").value_or(true);
@@ -99,7 +105,7 @@ void ZELKUPowerDevices::clear()
 bool ZELKUPowerDevices::setDevice(const QString &path, const QVariantMap &properties)
 {
     const bool ours =
-        (isMains(properties) || isSupply(properties)) && !text(properties, "NativePath").isEmpty();
+        (isMains(properties) || isSupply(properties)) && !deviceOf(text(properties, "NativePath")).isEmpty();
     if (ours)
         m_devices[path] = properties;
     else
@@ -160,7 +166,7 @@ ZELKPowerSupply ZELKUPowerDevices::supplyOf(const QVariantMap &properties) const
 {
     const QString nativePath = text(properties, "NativePath");
     ZELKPowerSupply supply;
-    supply.device = nativePath.section(QLatin1Char('/'), -1, -1, QString::SectionSkipEmpty);
+    supply.device = deviceOf(nativePath);
     supply.path =
         nativePath.startsWith(QLatin1Char('/')) ? nativePath : m_folder + QLatin1Char('/') + nativePath;
     supply.model = text(properties, "Model");

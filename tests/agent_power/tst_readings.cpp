@@ -209,7 +209,8 @@ void TestReadings::tells_data()
         "PRB-1 80% on Battery Power; PRB-1 (BAT1) 80% on Battery Power; "
         "PRB-1 (BAT1) gone on Battery Power; PRB-1 (BAT1) 80% on Battery Power");
     row("an empty bay, mice, phones and a display device",
-        "battery b IsPresent=false; battery m Type=5; battery p PowerSupply=false; battery d NativePath=");
+        "battery b IsPresent=false; battery m Type=5; battery p PowerSupply=false; battery d NativePath=; "
+        "battery e NativePath=/");
     row("time estimates change, and nothing does",
         "battery b; change b TimeToEmpty=60 UpdateTime=1030 Energy=47.9; change x Percentage=5",
         "PRB-1 80% on Battery Power");
