@@ -17,8 +17,9 @@ const ZELKLWCEntriesViewBatteries::Battery *ZELKLWCEntriesViewBatteries::find(co
 
 ZELKLWCEntriesViewBatteries::Battery &ZELKLWCEntriesViewBatteries::battery(const QString &name)
 {
-    if (const Battery *known = find(name))
-        return const_cast<Battery &>(*known);
+    for (Battery &known : m_batteries)
+        if (known.name == name)
+            return known;
     return m_batteries.emplace_back(Battery{name, {}, nullptr});
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ZELKBundle.h"
 #include "ZELKDisplayListBuilder.h"
 #include "ZELKEnvironment.h"
 #include "ZELKEventVocabulary.h"
@@ -22,13 +21,10 @@ inline ZELKDate at(double hours)
     return dayStart.addingTimeInterval(hours * hour);
 }
 
-inline ZELKEnvironment graphEnvironment()
+inline ZELKEnvironment inUtc()
 {
     ZELKEnvironment environment = ZELKEnvironment::system();
-    environment.clock = std::make_shared<ZELKFixedClock>(at(12));
     environment.zone = QTimeZone::utc();
-    environment.locale = QLocale::c();
-    environment.mainBundle = std::make_shared<ZELKBundle>(ZELKBundle::mainBundlePath({}), u"en"_s);
     return environment;
 }
 
@@ -65,7 +61,7 @@ inline ZELKRawEvent eventFrom(const QString &text)
 /// A log of such events that shows one day, on a chart with a point for each second and two for each percent.
 struct GraphFixture
 {
-    ZELKEnvironmentScope scope{graphEnvironment()};
+    ZELKEnvironmentScope scope{inUtc()};
     QTemporaryDir folder;
     ZELKUserDefaults defaults{folder.filePath(u"defaults.ini"_s)};
     ZELKLWCDateRangeController range{defaults};

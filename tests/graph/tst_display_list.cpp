@@ -156,7 +156,10 @@ private Q_SLOTS:
         row("first of all away", "4:x30", "", "BAT0  4;O / Disconnected 4;30");
         row("no reading in the day", "-4:b80 10:plain 30:b46", "", "BAT0 Battery Power 0;76 24;52");
         row("none of a battery that is away", "-4:x80 10:plain 30:b46", "", "BAT0 Disconnected 0;76 24;52");
-        row("none, and no entry in the day", "-4:b80 30:b46 40:b36", "", "BAT0 Battery Power 0;76 24;52");
+        // The reading that follows is taken then, and the line through it and its successor drawn back.
+        row("none, and no entry in the day", "-4:b80 30:b46 40:b26", "", "BAT0 Battery Power 0;106 24;58");
+        row("none, and another battery's after it", "-4:b80 30:b46@BAT1 40:b36", "",
+            "BAT0 Battery Power 0;76 24;52, BAT1 Battery Power 0;46");
         row("none, and no later one", "-4:b80 10:plain", "", "BAT0 Battery Power 0;80");
         row("no reading beside another battery's", "-4:b80@BAT1 -2:b50 2:b40", "",
             "BAT0 Battery Power 0;45 2;40");

@@ -76,6 +76,9 @@ private Q_SLOTS:
         list.addState({QRectF(100, 10, width, 40), state, nullptr});
         list.addState({QRectF(100, 10, width, 40), {}, nullptr});
         QCOMPARE(list.states().size(), 1U);
+        ZELKLWCEntriesViewDisplayList merged(0.25);
+        merged.addState(list.states().front());
+        QCOMPARE(merged.states().empty(), width == 2.0); // too thin for a pointer
         const QPainterPath path = list.combinedPathForState(state);
         const QRectF bounds = QRectF(100, 10, width, 40).normalized();
         QCOMPARE(path.boundingRect(), bounds);
@@ -109,7 +112,11 @@ private Q_SLOTS:
         row("empty", "3-3", "");
         row("backwards", "30-10 12-20 9.5-10.5", "9.5-10.5 10.5-30");
         row("thin before wide", "0-1.5 1-9 8-9.5", "0-1.5 1.5-9! 9-9.5");
-        row("within a column", "4-4.125 4.25-4.375 4.5-5.5 4.75-5 5-5.75", "4-4.25 4.5-5.5 5.5-5.75");
+        row("within a column", "4-4.125 4.25-4.375 4.25-4.4375 4.5-5.5 4.75-5 5-5.75",
+            "4-4.3125 4.5-5.5 5.5-5.75");
+        row("the earlier one last", "4.25-4.375 4-4.125", "4-4.125 4.25-4.375");
+        row("within a wide one", "4.25-9 4.375-4.5", "4.25-9!");
+        row("a wide one's thin rest", "0-1.5 1-3.25", "0-1.5 1.5-3.25");
         row("wide between", "4-4.125 4.25-9 9.25-9.5", "4-4.125 4.25-9! 9.25-9.5");
     }
     void ranges()
@@ -119,6 +126,16 @@ private Q_SLOTS:
         for (const QString &block : blocks.split(u' '))
             merged.add(block.section(u'-', 0, 0).toDouble(), block.section(u'-', 1).toDouble());
         QTEST(rangesText(merged.ranges()), "merged");
+    }
+
+    void linesThatGoBack()
+    {
+        ZELKThinnedLine line(1.0);
+        for (const QPointF point :
+             {QPointF(0, 5), {1, 5}, {1.1, 6}, {1.2, 4}, {1.3, 5}, {1.4, 5}, {0.5, 9}, {0.6, 7}})
+            line.append(point);
+        const std::vector<QPointF> kept{{0, 5}, {1, 5}, {1.1, 6}, {1.2, 4}, {1.4, 5}, {0.5, 9}, {0.6, 7}};
+        QCOMPARE(line.points(), kept);
     }
 };
 
