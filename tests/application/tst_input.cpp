@@ -32,6 +32,8 @@ struct DefaultsBed
 
 using Outcome = ZELKCommandLineOptions::Outcome;
 
+constexpr char propertiesOfOne[] = "\"<plist version=\\\"1.0\\\"><dict><key>a</key><true/></dict></plist>\"";
+
 QByteArray line(const char *date, const char *properties = "\"NULL\"", const char *description = "\"e\"")
 {
     return QByteArrayLiteral("{\"date\":") + date + ",\"description\":" + description +
@@ -43,9 +45,13 @@ QByteArray lineOf(const char *description)
     return line("1", "\"NULL\"", description);
 }
 
+/// As a further line: what came before must not matter.
 ZELKRawEventLineReader::Result read(const QByteArray &bytes)
 {
-    return ZELKRawEventLineReader().read(std::string_view(bytes.constData(), std::size_t(bytes.size())));
+    ZELKRawEventLineReader reader;
+    for (const QByteArray &before : {line("1"), line("1", propertiesOfOne)})
+        reader.read(before.toStdString());
+    return reader.read(std::string_view(bytes.constData(), std::size_t(bytes.size())));
 }
 
 } // namespace
@@ -108,9 +114,7 @@ private Q_SLOTS:
         row("escapes", lineOf("\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u00e9\\ud83d\\ude34\""), "1.000000",
             "\"\\/\b\f\n\r\té😴");
         row("plain UTF-8", lineOf("\"é😴\""), "1.000000", "é😴");
-        row("properties",
-            line("1", "\"<plist version=\\\"1.0\\\"><dict><key>a</key><true/></dict></plist>\""), "1.000000",
-            "e");
+        row("properties", line("1", propertiesOfOne), "1.000000", "e");
     }
     void takesEvents()
     {
