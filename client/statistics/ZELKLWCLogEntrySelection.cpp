@@ -24,13 +24,8 @@ ZELKStringPool::Id powerSourceOf(const ZELKLWCLogEntry &entry)
 
 Entries sortedByDate(const Entries &entries)
 {
-    const auto isOlder = [](const ZELKLWCLogEntry *a, const ZELKLWCLogEntry *b) {
-        return a->date() < b->date();
-    };
-    if (std::is_sorted(entries.begin(), entries.end(), isOlder))
-        return entries;
     Entries sorted = entries;
-    std::stable_sort(sorted.begin(), sorted.end(), isOlder);
+    std::sort(sorted.begin(), sorted.end(), ZELKSleepSurroundings::isOlder);
     return sorted;
 }
 
@@ -55,48 +50,69 @@ ZELKDictionary totals(const ZELKLWCStateTracker &tracker, const ZELKStringPool &
 /// What is computed in one walk over the entries.
 struct ZELKLWCLogEntrySelection::Statistics
 {
-    Statistics(ZELKLWCLogEntry &first, ZELKLWCLogEntry &last, ZELKDate start)
+    Statistics(ZELKLWCLogEntry &first, const ZELKLWCLogEntry &last, ZELKDate start, std::size_t expected)
         : texts(first.arena().texts())
         , usage(texts.intern(ZELKLWCLogEntry::pairRepresentsAtDate(start, &first)), start)
         , powerSource(texts.intern(ZELKLWCLogEntry::powerSourceAtTimeOfEntry(&first)), start)
         , samples(texts)
-        , sleeps(texts, first.date(), last.date())
+        , sleeps(texts, first.date(), last.date(), expected)
     {
     }
 
-    /// `countsSleeps` unless the log's other entries, too, must be shown to that tracker.
-    template <bool countsSleeps>
-    void add(const Entries &entries)
-    {
-        for (const ZELKLWCLogEntry *entry : entries) {
-            if (entry->kind() != ZELKEntryKind::Daemon)
-                add<countsSleeps>(*entry);
-            else if (countsSleeps)
-                sleeps.addBreak(entry->date());
-        }
-    }
-
-    template <bool countsSleeps>
     void add(const ZELKLWCLogEntry &entry)
     {
-        const ZELKStringPool::Id state = entry.pairRepresentsId();
+        if (entry.kind() == ZELKEntryKind::Daemon)
+            return;
         const ZELKStringPool::Id source = powerSourceOf(entry);
-        usage.addState(state, entry.date());
-        powerSource.addState(source, entry.date());
-        if (countsSleeps)
-            sleeps.addState(state, entry.date());
+        addStates(entry, source);
+        if (entry.kind() == ZELKEntryKind::PowerStatus)
+            samples.add(ZELKBatteryReading(static_cast<const ZELKLWCLogEntryPowerStatus &>(entry), source));
+    }
+
+    /// The same, and its part in the sleeps.
+    void addWithSleeps(const ZELKLWCLogEntry &entry)
+    {
+        if (entry.kind() == ZELKEntryKind::Daemon)
+            return sleeps.addBreak(entry.date());
+        const ZELKStringPool::Id source = powerSourceOf(entry);
+        addStates(entry, source);
+        sleeps.addState(entry.pairRepresentsId(), entry.date());
         if (entry.kind() != ZELKEntryKind::PowerStatus)
             return;
         const ZELKBatteryReading reading(static_cast<const ZELKLWCLogEntryPowerStatus &>(entry), source);
         samples.add(reading);
-        if (countsSleeps)
-            sleeps.addReading(reading);
+        sleeps.addReading(reading);
+    }
+
+    void addStates(const ZELKLWCLogEntry &entry, ZELKStringPool::Id source)
+    {
+        usage.addState(entry.pairRepresentsId(), entry.date());
+        powerSource.addState(source, entry.date());
     }
 
     void addSleepsOf(const Entries &entries)
     {
         for (const ZELKLWCLogEntry *entry : entries)
             sleeps.addEntry(*entry);
+    }
+
+    /// The selected among all in one walk. False where that cannot be, as one of them is out of order.
+    bool addInOrder(const Entries &selected, const Entries &all)
+    {
+        auto next = selected.begin();
+        const ZELKLWCLogEntry *before = all.constFirst();
+        for (const ZELKLWCLogEntry *entry : all) {
+            if (ZELKSleepSurroundings::isOlder(entry, before))
+                return false;
+            before = entry;
+            if (next == selected.end() || *next != entry) {
+                sleeps.addEntry(*entry);
+            } else {
+                addWithSleeps(*entry);
+                ++next;
+            }
+        }
+        return next == selected.end();
     }
 
     ZELKStringPool &texts;
@@ -131,25 +147,48 @@ void ZELKLWCLogEntrySelection::initAttributes()
 
 void ZELKLWCLogEntrySelection::intervals(const Entries &entries)
 {
-    const Entries sorted = sortedByDate(entries);
-    if (sorted.isEmpty() || !m_duration)
-        return;
-    ZELKLWCLogEntry &first = *sorted.constFirst();
-    ZELKLWCLogEntry &last = *sorted.constLast();
-    Statistics statistics(first, last, std::min(first.date(), m_duration->startDate()));
-    const ZELKSleepSurroundings around = ZELKSleepSurroundings::of(sorted);
+    if (!entries.isEmpty() && m_duration && !computeInOrder(entries))
+        computeSorted(sortedByDate(entries));
+}
+
+/// What most selections are: in the order of their dates, and the log too. False where that is not so.
+bool ZELKLWCLogEntrySelection::computeInOrder(const Entries &entries)
+{
+    const ZELKSleepSurroundings around = ZELKSleepSurroundings::of(entries);
+    Statistics statistics = statisticsOf(entries);
     statistics.addSleepsOf(around.before);
-    if (around.isComplete) {
-        statistics.add<true>(sorted);
-    } else {
-        statistics.add<false>(sorted);
-        statistics.addSleepsOf(around.all);
-    }
+    if (!statistics.addInOrder(entries, around.all))
+        return false;
     statistics.addSleepsOf(around.behind);
+    finish(*entries.constLast(), statistics);
+    return true;
+}
+
+void ZELKLWCLogEntrySelection::computeSorted(const Entries &sorted)
+{
+    const ZELKSleepSurroundings around = ZELKSleepSurroundings::of(sorted);
+    Statistics statistics = statisticsOf(sorted);
+    for (const ZELKLWCLogEntry *entry : sorted)
+        statistics.add(*entry);
+    statistics.addSleepsOf(around.before);
+    statistics.addSleepsOf(sortedByDate(around.all));
+    statistics.addSleepsOf(around.behind);
+    finish(*sorted.constLast(), statistics);
+}
+
+ZELKLWCLogEntrySelection::Statistics ZELKLWCLogEntrySelection::statisticsOf(const Entries &sorted) const
+{
+    ZELKLWCLogEntry &first = *sorted.constFirst();
+    return {first, *sorted.constLast(), std::min(first.date(), m_duration->startDate()),
+            std::size_t(sorted.size())};
+}
+
+void ZELKLWCLogEntrySelection::finish(const ZELKLWCLogEntry &last, Statistics &statistics)
+{
     closeTrackers(last, statistics);
     m_batteries = statistics.samples.batteries();
     m_sleepCosts = statistics.sleeps.costs();
-    present(statistics, first.arena().texts());
+    present(statistics);
 }
 
 /// The time behind the last entry belongs to the state in force there.
@@ -164,10 +203,10 @@ void ZELKLWCLogEntrySelection::closeTrackers(const ZELKLWCLogEntry &last, Statis
     statistics.powerSource.currentStateEndsOnDate(end);
 }
 
-void ZELKLWCLogEntrySelection::present(const Statistics &statistics, const ZELKStringPool &texts)
+void ZELKLWCLogEntrySelection::present(const Statistics &statistics)
 {
-    m_summary = totals(statistics.usage, texts);
-    m_powerSources = totals(statistics.powerSource, texts);
+    m_summary = totals(statistics.usage, statistics.texts);
+    m_powerSources = totals(statistics.powerSource, statistics.texts);
     const double seconds = m_duration->duration();
     setAttributeValue(QVariant::fromValue(presentIntervals(m_summary, seconds)), usageKey);
     setAttributeValue(QVariant::fromValue(presentIntervals(m_powerSources, seconds)), powerSourceKey);

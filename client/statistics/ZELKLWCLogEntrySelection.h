@@ -14,7 +14,6 @@ class ZELKBatterySamples;
 class ZELKLWCLogEntry;
 class ZELKLWCLogEntryPowerStatus;
 class ZELKLWCStateTracker;
-class ZELKStringPool;
 
 /// Entries of one log with the period they cover, and its statistics as attributes: "Usage" (how the period
 /// divides between states), "Power Source" (between power sources), one attribute for each battery under its
@@ -79,8 +78,12 @@ public:
 private:
     struct Statistics;
 
+    bool computeInOrder(const Entries &entries);
+    void computeSorted(const Entries &sorted);
+    Statistics statisticsOf(const Entries &sorted) const;
+    void finish(const ZELKLWCLogEntry &last, Statistics &statistics);
     void closeTrackers(const ZELKLWCLogEntry &last, Statistics &statistics) const;
-    void present(const Statistics &statistics, const ZELKStringPool &texts);
+    void present(const Statistics &statistics);
 
     Entries m_selection;
     ZELKDictionary m_summary;

@@ -7,11 +7,13 @@
 
 using Costs = ZELKSleepCosts;
 
-ZELKSleepCostTracker::ZELKSleepCostTracker(const ZELKStringPool &texts, ZELKDate from, ZELKDate to)
+ZELKSleepCostTracker::ZELKSleepCostTracker(const ZELKStringPool &texts, ZELKDate from, ZELKDate to,
+                                           std::size_t expected)
     : m_texts(texts)
     , m_from(from)
     , m_to(to)
     , m_batteryPower(texts.find({ZELKPowerSourceBattery.data(), std::size_t(ZELKPowerSourceBattery.size())}))
+    , m_marks(expected / 4)
 {
 }
 
@@ -32,42 +34,44 @@ void ZELKSleepCostTracker::addReading(const ZELKBatteryReading &reading)
     if (number == m_batteries.size())
         m_batteries.emplace_back();
     Battery &battery = m_batteries[number];
-    settle(battery);
+    const bool isOnBattery = reading.source == m_batteryPower && m_batteryPower != ZELKStringPool::nil &&
+                             !reading.entry->charging();
+    if (battery.waiting)
+        settle(battery);
     battery.waiting = reading.entry;
     battery.waitingFinalDate = reading.finalDate;
-    battery.waitingCharge = {reading.date, reading.percentage,
-                             reading.source == m_batteryPower && m_batteryPower != ZELKStringPool::nil &&
-                                 !reading.entry->charging()};
+    battery.waitingCharge = {reading.date, reading.percentage, isOnBattery};
 }
 
 // MARK: charges
 
-/// Counts the reading that waits, and its duplicates: where no mark came since, the last one says it all.
+/// Counts the reading that waits, and its duplicates: where no mark came before the last one, that says it
+/// all.
 void ZELKSleepCostTracker::settle(Battery &battery)
 {
-    if (!battery.waiting)
-        return;
     const ZELKLWCLogEntryPowerStatus &entry = *battery.waiting;
     Charge charge = battery.waitingCharge;
     const bool isLate = charge.date < battery.last.date;
     if (isLate || entry.change() == ZELKLWCLogEntryPowerStatus::PresenceChanged)
         battery.isKnown = false;
-    confirm(battery, charge);
-    if (battery.mark == m_marks.last()) {
-        charge.date = std::max(charge.date, battery.waitingFinalDate);
-        confirm(battery, charge);
-    } else {
-        for (const ZELKLWCLogEntry *duplicate : entry.duplicates()) {
-            charge.date = std::max(charge.date, duplicate->date());
-            confirm(battery, charge);
-        }
-    }
     battery.waiting = nullptr;
+    confirm(battery, charge);
+    if (battery.waitingFinalDate <= charge.date)
+        return;
+    if (!m_marks.isMarked(battery.mark, battery.waitingFinalDate)) {
+        charge.date = battery.waitingFinalDate;
+        return confirm(battery, charge);
+    }
+    for (const ZELKLWCLogEntry *duplicate : entry.duplicates()) {
+        charge.date = std::max(charge.date, duplicate->date());
+        confirm(battery, charge);
+    }
 }
 
 void ZELKSleepCostTracker::confirm(Battery &battery, const Charge &charge)
 {
-    const std::size_t mark = m_marks.lastMarkFor(charge.date, battery.mark);
+    const bool isMarked = m_marks.isMarked(battery.mark, charge.date);
+    const std::size_t mark = isMarked ? m_marks.lastMarkFor(charge.date, battery.mark) : battery.mark;
     if (m_marks.at(mark).isAsleep) {
         battery.hadPower = battery.hadPower || !charge.isOnBattery || charge.percentage > battery.lowest;
         battery.lowest = std::min(battery.lowest, charge.percentage);
@@ -178,7 +182,8 @@ std::uint32_t ZELKSleepCostTracker::countedEnd() const
 
 ZELKSleepCosts ZELKSleepCostTracker::costs()
 {
-    std::for_each(m_batteries.begin(), m_batteries.end(), [this](Battery &battery) { settle(battery); });
+    for (Battery &battery : m_batteries)
+        settle(battery);
     const std::uint32_t first = firstCounted();
     const std::uint32_t end = countedEnd();
     std::vector<Costs::Sleep> sleeps;

@@ -24,8 +24,8 @@ public:
     static constexpr double longestSilence = 3600.0; ///< seconds
 
     /// Counted are the sleeps that end, and the drains that begin and end, from one date to the other.
-    /// `texts` is the entries' pool, and outlives this object.
-    ZELKSleepCostTracker(const ZELKStringPool &texts, ZELKDate from, ZELKDate to);
+    /// `texts` is the entries' pool, and outlives this object. `expected` is how many entries there may be.
+    ZELKSleepCostTracker(const ZELKStringPool &texts, ZELKDate from, ZELKDate to, std::size_t expected = 0);
 
     void addEntry(const ZELKLWCLogEntry &entry);
     /// The same for one whose values have been read already. A daemon's entry is a break; `state` may be nil.

@@ -27,7 +27,12 @@ public:
         bool isAsleep = false;      ///< from here on
     };
 
-    ZELKSleepMarks() { m_marks.emplace_back(); }
+    /// `expected` is how many marks there may be, to be quick.
+    explicit ZELKSleepMarks(std::size_t expected = 0)
+    {
+        m_marks.reserve(expected + 1);
+        m_marks.emplace_back();
+    }
 
     /// A state begins, by its number among the entries' words. In ascending order of dates.
     void addState(ZELKStringPool::Id state, ZELKDate date);
@@ -37,8 +42,12 @@ public:
     /// the wakes, since a reading at a sleep's very end or start is one of the time awake. `from` is a mark
     /// known to count.
     std::size_t lastMarkFor(ZELKDate reading, std::size_t from) const;
+    /// Whether that may be another one than `from`.
+    bool isMarked(std::size_t from, ZELKDate reading) const
+    {
+        return from + 1 < m_marks.size() && m_marks[from + 1].date <= reading;
+    }
     const Mark &at(std::size_t mark) const { return m_marks[mark]; }
-    std::size_t last() const { return m_marks.size() - 1; }
     const std::vector<Sleep> &sleeps() const { return m_sleeps; }
 
 private:

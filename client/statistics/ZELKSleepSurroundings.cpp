@@ -10,11 +10,6 @@ namespace {
 
 using Entries = ZELKSleepSurroundings::Entries;
 
-bool isOlder(const ZELKLWCLogEntry *a, const ZELKLWCLogEntry *b)
-{
-    return a->date() < b->date();
-}
-
 const ZELKLWCLog *logOf(const ZELKLWCLogEntry &entry)
 {
     const auto container = entry.container();
@@ -46,31 +41,34 @@ Entries near(const ZELKLWCLog &log, int from, int step, ZELKDate limit)
             break;
         entries.append(entry);
     }
-    if (step < 0)
-        std::reverse(entries.begin(), entries.end());
-    std::stable_sort(entries.begin(), entries.end(), isOlder);
+    std::sort(entries.begin(), entries.end(), ZELKSleepSurroundings::isOlder);
     return entries;
 }
 
 } // namespace
 
+bool ZELKSleepSurroundings::isOlder(const ZELKLWCLogEntry *a, const ZELKLWCLogEntry *b)
+{
+    return a->date() < b->date() || (a->date() == b->date() && a->handle() < b->handle());
+}
+
 ZELKSleepSurroundings ZELKSleepSurroundings::of(const Entries &entries)
 {
     constexpr double silence = ZELKSleepCostTracker::longestSilence;
-    ZELKSleepSurroundings around;
+    ZELKSleepSurroundings around{{}, entries, {}};
     const ZELKLWCLog *log = logOf(*entries.constFirst());
     const auto first = log ? log->indexOfEntry(entries.constFirst()) : std::nullopt;
     const auto last = log ? log->indexOfEntry(entries.constLast()) : std::nullopt;
     if (!first || !last)
         return around;
     const auto [low, high] = std::minmax({int(*first), int(*last)});
-    around.isComplete = high - low + 1 == entries.size();
     around.before = near(*log, low - 1, -1, beginning(entries).addingTimeInterval(-silence));
     around.behind = near(*log, high + 1, 1, entries.constLast()->date().addingTimeInterval(silence));
-    if (around.isComplete)
+    if (high - low + 1 == entries.size())
         return around;
+    around.all.clear();
+    around.all.reserve(high - low + 1);
     for (int i = low; i <= high; ++i)
         around.all.append(log->objectAtIndex(i));
-    std::stable_sort(around.all.begin(), around.all.end(), isOlder);
     return around;
 }

@@ -12,11 +12,12 @@ struct ZELKSleepSurroundings
 
     /// `entries` in the order of their dates, at least one. Entries of no log have no surroundings.
     static ZELKSleepSurroundings of(const Entries &entries);
+    /// By their dates, and at one moment as they arrived.
+    static bool isOlder(const ZELKLWCLogEntry *a, const ZELKLWCLogEntry *b);
 
     Entries before;
-    /// From the first to the last with those left out; empty if `isComplete`.
+    /// From the first to the last, and those that were left out. In the order of the log, which may have some
+    /// late.
     Entries all;
     Entries behind;
-    /// None of the log's was left out.
-    bool isComplete = true;
 };

@@ -2,6 +2,7 @@
 
 #include "ZELKStringPool.h"
 
+#include <algorithm>
 #include <unordered_map>
 #include <vector>
 
@@ -22,8 +23,13 @@ public:
     const std::vector<Id> &texts() const { return m_texts; }
 
 private:
+    /// There are few as a rule, and then a look at each is quickest.
     std::size_t lookUp(Id text)
     {
+        const std::size_t few = std::min<std::size_t>(m_texts.size(), 8);
+        for (std::size_t i = 0; i < few; ++i)
+            if (m_texts[i] == text)
+                return i;
         const auto [found, isNew] = m_numbers.try_emplace(text, m_texts.size());
         if (isNew)
             m_texts.push_back(text);
