@@ -25,11 +25,15 @@ QString nameInFiles(QString text)
     return text.replace(unfit, QStringLiteral("_"));
 }
 
-/// "MODEL-DESIGN-SERIAL", "MODEL-DESIGN" and so on.
+/// "MODEL-DESIGN-SERIAL", "MODEL-DESIGN" and so on, with the design's whole watt-hours: three digits at most.
+/// Mice and keyboards are "VENDOR-MODEL-SERIAL"; wireless ones have serials like "4069-5b-3d-fc-12".
 QRegularExpressionMatch parts(const QString &battery)
 {
-    static const QRegularExpression whole(QStringLiteral("^(?:(.+)-)?(\\d{1,6})-(.+)$"));
-    static const QRegularExpression unnumbered(QStringLiteral("^(?:(.+)-)?(\\d{1,6})$"));
+    static const QRegularExpression wireless(QStringLiteral("-[0-9a-f]{4}(?:-[0-9a-f]{2}){4}$"));
+    if (wireless.match(battery).hasMatch())
+        return {};
+    static const QRegularExpression whole(QStringLiteral("^(?:(.+)-)?(\\d{1,3})-(.+)$"));
+    static const QRegularExpression unnumbered(QStringLiteral("^(?:(.+)-)?(\\d{1,3})$"));
     const QRegularExpressionMatch match = whole.match(battery);
     return match.hasMatch() ? match : unnumbered.match(battery);
 }
@@ -41,7 +45,7 @@ bool ZELKUPowerFolder::Known::isBattery(const QString &battery) const
     QStringList pattern;
     if (const QString text = nameInFiles(model); !text.isEmpty())
         pattern.append(QRegularExpression::escape(text));
-    pattern.append(QStringLiteral("\\d{1,6}"));
+    pattern.append(QStringLiteral("\\d{1,3}"));
     if (const QString text = nameInFiles(serial); !text.isEmpty())
         pattern.append(QRegularExpression::escape(text));
     return QRegularExpression(QLatin1Char('^') + pattern.join(QLatin1Char('-')) + QLatin1Char('$'))

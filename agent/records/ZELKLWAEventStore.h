@@ -72,7 +72,8 @@ public:
     std::optional<ZELKDate> unrecordedEnd();
 
     /// The times between an agent's start and its end here; the last one may go on, and then ends now. What
-    /// ended without a word ends with the next start.
+    /// ended without a word ends with the next start. Not those in which the clock was set back behind their
+    /// begin.
     using Period = ZELKLWAPeriod;
     ZELKLWAPeriods recordedPeriods();
     /// When an agent first recorded here; nothing before, and while the file can not be used.

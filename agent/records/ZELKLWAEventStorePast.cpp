@@ -78,8 +78,9 @@ ZELKLWAPeriods ZELKLWAEventStore::recordedPeriods()
             ownKey, {{QStringLiteral("@monitor"), ZELKMonitorLullwatch}}, [&](const ZELKDatabaseRow &row) {
                 const std::string_view time = row.column(0).bytes;
                 const ZELKDate date(QByteArray(time.data(), qsizetype(time.size())).toDouble() / 1e6);
-                if (begin) // the clock may have been set between
-                    periods.push_back({std::min(*begin, date), std::max(*begin, date)});
+                // Where the clock was set back between, nobody knows which dates it saw.
+                if (begin && *begin <= date)
+                    periods.push_back({*begin, date});
                 const bool isStart = isStarting(row.column(1).bytes);
                 begin = isStart ? std::optional(date) : std::nullopt;
                 return true;

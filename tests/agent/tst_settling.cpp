@@ -249,6 +249,10 @@ void TestSettling::readsThePastOnce()
     QCOMPARE(unread.accounting, since);                  // it may be rotated since
     unread = bed.store->unreadPast(ZELKDate(noon + 60)); // the clock was ahead
     QVERIFY(unread.sleeps.back().holds(ZELKDate(noon + 55)) && !unread.accounting.empty());
+    bed.store->record({{ZELKDate(noon + 5000), ZELKEventStartingMonitor, ZELKMonitorLullwatch},
+                       {ZELKDate(noon + 910), ZELKEventStoppingMonitor, ZELKMonitorLullwatch}});
+    const ZELKDate third(noon + 1800); // the clock was put right in the second one's life
+    QCOMPARE(bed.store->unreadPast(third).sleeps, (ZELKLWAPeriods{{start, third}}));
 
     bed.store.reset();
     writeFile(bed.folder.filePath(u"events.db"_s), "Dear diary, no database");

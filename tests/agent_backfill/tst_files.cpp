@@ -201,8 +201,9 @@ private Q_SLOTS:
         };
         supply("BAT0", "LNV 45N1\n", "38109\n");
         supply("BAT1", "LNV 45N1\n", "38110\n");
-        for (const char *battery : {"LNV_45N1-47-38109", "LNV_45N1-45-38110", "LNV_45N1-47-1",
-                                    "PRB-1-80-00042", "80-00042", "X-Y-50", "Logitech-Mouse-", "generic_id"})
+        for (const char *battery :
+             {"LNV_45N1-47-38109", "LNV_45N1-45-38110", "LNV_45N1-47-1", "PRB-1-80-00042", "80-00042",
+              "X-Y-50", "Logitech-Mouse", "Logitech-MX-4069-5b-3d-fc-12", "generic_id"})
             for (const char *kind : {"charge", "rate"})
                 writeFile(
                     u"%1/history-%2-%3.dat"_s.arg(folder.path(), QLatin1String(kind), QLatin1String(battery)),
