@@ -195,6 +195,8 @@ std::optional<QString> ZELKFileManager::remove(const QString &path)
 
 std::optional<QString> ZELKFileManager::writeFile(const QString &path, const QByteArray &bytes, Kind kind)
 {
+    if (QFileInfo(path).isSymLink()) // Qt would write what it leads to
+        return path + QStringLiteral(": a symbolic link");
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() ||
         ::fchmod(file.handle(), kind == Kind::Program ? programMode : fileMode) != 0 || !file.commit())

@@ -28,7 +28,7 @@ std::optional<QString> makeFolder(const QString &path);
 std::optional<QString> remove(const QString &path);
 
 /// Makes the file hold these bytes, as one step; everybody may read it, and execute a program. Its folder has
-/// to be there.
+/// to be there; a symbolic link in its place is refused.
 enum class Kind { Document, Program };
 std::optional<QString> writeFile(const QString &path, const QByteArray &bytes, Kind kind = Kind::Document);
 
