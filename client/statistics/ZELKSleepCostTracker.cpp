@@ -4,6 +4,7 @@
 #include "ZELKLWCLogEntryPowerStatus.h"
 
 #include <algorithm>
+#include <utility>
 
 using Costs = ZELKSleepCosts;
 
@@ -34,34 +35,40 @@ void ZELKSleepCostTracker::addReading(const ZELKBatteryReading &reading)
     if (number == m_batteries.size())
         m_batteries.emplace_back();
     Battery &battery = m_batteries[number];
-    const bool isOnBattery = reading.source == m_batteryPower && m_batteryPower != ZELKStringPool::nil &&
-                             !reading.entry->charging();
-    if (battery.waiting)
-        settle(battery);
-    battery.waiting = reading.entry;
-    battery.waitingFinalDate = reading.finalDate;
-    battery.waitingCharge = {reading.date, reading.percentage, isOnBattery};
+    if (battery.isRepeated)
+        countDuplicates(battery);
+    const Charge charge{reading.date, reading.percentage, isOnBattery(battery, reading)};
+    const bool isLate = charge.date < battery.last.date;
+    if (isLate || reading.entry->change() == ZELKLWCLogEntryPowerStatus::PresenceChanged)
+        battery.isKnown = false;
+    confirm(battery, charge);
+    battery.entry = reading.entry;
+    battery.entryIsOnBattery = charge.isOnBattery;
+    battery.isRepeated = reading.hasDuplicates;
+}
+
+/// Where only the level changed, it is as it was before.
+bool ZELKSleepCostTracker::isOnBattery(const Battery &battery, const ZELKBatteryReading &reading) const
+{
+    const ZELKLWCLogEntryPowerStatus &entry = *reading.entry;
+    if (entry.change() == ZELKLWCLogEntryPowerStatus::LevelChanged && battery.entry &&
+        entry.next() == battery.entry)
+        return battery.entryIsOnBattery;
+    return reading.source == m_batteryPower && m_batteryPower != ZELKStringPool::nil && !entry.charging();
 }
 
 // MARK: charges
 
-/// Counts the reading that waits, and its duplicates: where no mark came before the last one, that says it
-/// all.
-void ZELKSleepCostTracker::settle(Battery &battery)
+/// The last one says it all where no mark came before it.
+void ZELKSleepCostTracker::countDuplicates(Battery &battery)
 {
-    const ZELKLWCLogEntryPowerStatus &entry = *battery.waiting;
-    Charge charge = battery.waitingCharge;
-    const bool isLate = charge.date < battery.last.date;
-    if (isLate || entry.change() == ZELKLWCLogEntryPowerStatus::PresenceChanged)
-        battery.isKnown = false;
-    battery.waiting = nullptr;
-    confirm(battery, charge);
-    if (battery.waitingFinalDate <= charge.date)
-        return;
-    if (!m_marks.isMarked(battery.mark, battery.waitingFinalDate)) {
-        charge.date = battery.waitingFinalDate;
+    const ZELKLWCLogEntryPowerStatus &entry = *battery.entry;
+    battery.isRepeated = false;
+    Charge charge{std::max(entry.date(), entry.finalDate()), entry.percentageCharged(),
+                  battery.entryIsOnBattery};
+    if (!m_marks.isMarked(battery.mark, charge.date))
         return confirm(battery, charge);
-    }
+    charge.date = entry.date();
     for (const ZELKLWCLogEntry *duplicate : entry.duplicates()) {
         charge.date = std::max(charge.date, duplicate->date());
         confirm(battery, charge);
@@ -70,13 +77,18 @@ void ZELKSleepCostTracker::settle(Battery &battery)
 
 void ZELKSleepCostTracker::confirm(Battery &battery, const Charge &charge)
 {
-    const bool isMarked = m_marks.isMarked(battery.mark, charge.date);
-    const std::size_t mark = isMarked ? m_marks.lastMarkFor(charge.date, battery.mark) : battery.mark;
-    if (m_marks.at(mark).isAsleep) {
-        battery.hadPower = battery.hadPower || !charge.isOnBattery || charge.percentage > battery.lowest;
-        battery.lowest = std::min(battery.lowest, charge.percentage);
-        return;
-    }
+    if (!battery.isKnown || m_marks.isMarked(battery.mark, charge.date))
+        return confirmBehindMarks(battery, charge);
+    countAwake(battery, charge);
+    battery.last = charge;
+    battery.lowest = charge.percentage;
+}
+
+void ZELKSleepCostTracker::confirmBehindMarks(Battery &battery, const Charge &charge)
+{
+    const std::size_t mark = m_marks.lastMarkFor(charge.date, battery.mark);
+    if (m_marks.at(mark).isAsleep)
+        return chargeAsleep(battery, charge);
     if (battery.isKnown)
         conclude(battery, mark, charge);
     battery.isKnown = true;
@@ -86,10 +98,28 @@ void ZELKSleepCostTracker::confirm(Battery &battery, const Charge &charge)
     battery.hadPower = false;
 }
 
+void ZELKSleepCostTracker::chargeAsleep(Battery &battery, const Charge &charge)
+{
+    battery.hadPower = battery.hadPower || !charge.isOnBattery || charge.percentage > battery.lowest;
+    battery.lowest = std::min(battery.lowest, charge.percentage);
+    if (!m_nightCharges.empty() && m_nightCharges.front().charge.date != charge.date)
+        m_nightCharges.clear();
+    m_nightCharges.push_back({std::size_t(&battery - m_batteries.data()), charge});
+}
+
+/// Whatever was read at a wake's very moment is of the time awake.
+void ZELKSleepCostTracker::beginState(Id state, ZELKDate date)
+{
+    m_marks.addState(state, date);
+    if (m_nightCharges.empty())
+        return;
+    for (const NightCharge &night : std::exchange(m_nightCharges, {}))
+        if (night.charge.date == date && !m_marks.at(m_marks.last()).isAsleep)
+            confirm(m_batteries[night.battery], night.charge);
+}
+
 void ZELKSleepCostTracker::conclude(Battery &battery, std::size_t mark, const Charge &charge)
 {
-    if (mark == battery.mark)
-        return countAwake(battery, charge);
     const std::uint32_t first = m_marks.at(battery.mark).sleeps;
     const std::uint32_t end = m_marks.at(mark).sleeps;
     if (first == end)
@@ -183,7 +213,8 @@ std::uint32_t ZELKSleepCostTracker::countedEnd() const
 ZELKSleepCosts ZELKSleepCostTracker::costs()
 {
     for (Battery &battery : m_batteries)
-        settle(battery);
+        if (battery.isRepeated)
+            countDuplicates(battery);
     const std::uint32_t first = firstCounted();
     const std::uint32_t end = countedEnd();
     std::vector<Costs::Sleep> sleeps;

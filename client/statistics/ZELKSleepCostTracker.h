@@ -33,7 +33,7 @@ public:
     void addState(Id state, ZELKDate date)
     {
         if (state != ZELKStringPool::nil)
-            m_marks.addState(state, date);
+            beginState(state, date);
     }
     void addReading(const ZELKBatteryReading &reading);
 
@@ -52,22 +52,30 @@ private:
     };
     struct Battery
     {
-        /// Not yet counted: of the same moment there may be a wake to come.
-        const ZELKLWCLogEntryPowerStatus *waiting = nullptr;
-        ZELKDate waitingFinalDate;
-        Charge waitingCharge;
-
+        const ZELKLWCLogEntryPowerStatus *entry = nullptr; ///< the latest
+        bool entryIsOnBattery = false;
+        /// The latest entry has duplicates that are not counted yet: the marks up to them come first.
+        bool isRepeated = false;
         bool isKnown = false;                 ///< `last` and what follows
+        bool hadPower = false;                ///< since `last`
+        int lowest = 0;                       ///< since `last`
         Charge last{ZELKDate::distantPast()}; ///< while awake
         std::size_t mark = 0;                 ///< the last one that counts for it
-        int lowest = 0;                       ///< since then
-        bool hadPower = false;                ///< since then
         ZELKSleepCosts::Drain asleep;
         ZELKSleepCosts::Drain awake;
     };
+    struct NightCharge
+    {
+        std::size_t battery;
+        Charge charge;
+    };
 
-    void settle(Battery &battery);
+    void beginState(Id state, ZELKDate date);
+    bool isOnBattery(const Battery &battery, const ZELKBatteryReading &reading) const;
+    void countDuplicates(Battery &battery);
     void confirm(Battery &battery, const Charge &charge);
+    void confirmBehindMarks(Battery &battery, const Charge &charge);
+    void chargeAsleep(Battery &battery, const Charge &charge);
     void conclude(Battery &battery, std::size_t mark, const Charge &charge);
     void countAwake(Battery &battery, const Charge &charge) const;
     Unknown doubt(const Battery &battery, std::size_t mark, const Charge &charge) const;
@@ -84,6 +92,8 @@ private:
     ZELKSleepMarks m_marks;
     ZELKTextNumbering m_numbering; ///< of the batteries
     std::vector<Battery> m_batteries;
+    /// Read in a sleep at its latest moment, which may turn out to be that of the wake.
+    std::vector<NightCharge> m_nightCharges;
     std::vector<ZELKSleepCosts::Cost> m_costs;
     /// For each reason where it begins (+1) and ends (-1) to hold, by the number of the sleep.
     std::array<std::vector<int>, ZELKSleepCosts::unknownCount> m_unknown;

@@ -11,12 +11,12 @@ void ZELKSleepMarks::addState(ZELKStringPool::Id state, ZELKDate date)
     const bool begins = state == ZELKEntryWords::Asleep;
     const bool isUsual = mark.isAsleep ? state == ZELKEntryWords::Awake : begins;
     if (!isUsual)
-        ++mark.breaks;
+        mark.breaks = (mark.breaks + 1) & 0x7FFFFFFFU;
     if (mark.isAsleep && !begins)
         endSleep(mark);
     else if (begins && !mark.isAsleep)
         m_fellAsleep = date;
-    mark.isAsleep = begins;
+    mark.isAsleep = begins ? 1 : 0;
     m_marks.push_back(mark);
 }
 
@@ -31,7 +31,7 @@ void ZELKSleepMarks::addBreak(ZELKDate date)
 {
     Mark mark = m_marks.back();
     mark.date = date;
-    ++mark.breaks;
+    mark.breaks = (mark.breaks + 1) & 0x7FFFFFFFU;
     m_marks.push_back(mark);
 }
 

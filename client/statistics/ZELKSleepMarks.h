@@ -21,10 +21,10 @@ public:
     struct Mark
     {
         ZELKDate date = ZELKDate::distantPast();
-        std::uint32_t sleeps = 0; ///< that have ended
-        std::uint32_t breaks = 0;
-        double secondsAsleep = 0.0; ///< in those sleeps
-        bool isAsleep = false;      ///< from here on
+        double secondsAsleep = 0.0; ///< in those sleeps that have ended
+        std::uint32_t sleeps = 0;   ///< that have ended
+        std::uint32_t breaks : 31 = 0;
+        std::uint32_t isAsleep : 1 = 0; ///< from here on
     };
 
     /// `expected` is how many marks there may be, to be quick.
@@ -48,6 +48,7 @@ public:
         return from + 1 < m_marks.size() && m_marks[from + 1].date <= reading;
     }
     const Mark &at(std::size_t mark) const { return m_marks[mark]; }
+    std::size_t last() const { return m_marks.size() - 1; }
     const std::vector<Sleep> &sleeps() const { return m_sleeps; }
 
 private:
