@@ -10,15 +10,16 @@
 #include <unistd.h>
 #include <utility>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define ZELK_MEMORY_IS_WATCHED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ZELK_MEMORY_IS_WATCHED 1
-#endif
-#endif
-
 namespace {
+
+/// By a sanitizer, which has pages of its own.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool isWatched = true;
+#elif defined(__has_feature)
+constexpr bool isWatched = __has_feature(address_sanitizer);
+#else
+constexpr bool isWatched = false;
+#endif
 
 /// The loader tells places as numbers.
 void *placeOf(std::uintptr_t address)
@@ -81,7 +82,8 @@ void ZELKIdleMemory::workDidEnd()
 
 void ZELKIdleMemory::giveBack()
 {
-#ifndef ZELK_MEMORY_IS_WATCHED
+    if constexpr (isWatched)
+        return;
     malloc_trim(0);
     dl_iterate_phdr(
         [](dl_phdr_info *object, std::size_t, void *) {
@@ -90,5 +92,4 @@ void ZELKIdleMemory::giveBack()
             return 0;
         },
         nullptr);
-#endif
 }
