@@ -39,9 +39,11 @@ QRectF ZELKAxisPainter::level(double y, double width, const ZELKGraphLayout &lay
     return {line.x(), m_space.snapped(line.y()), line.width(), width};
 }
 
+/// Between the chart's edge and the blocks that stand on it, without a gap.
 void ZELKAxisPainter::drawAxis(const ZELKGraphLayout &layout)
 {
-    fill(level(layout.chartRect.y(), double(layout.xAxisLineWidth), layout), QColor::fromRgba(darkGrey));
+    const double width = double(layout.xAxisLineWidth);
+    fill(level(layout.chartRect.y() + width / 2.0, width, layout), QColor::fromRgba(darkGrey));
 }
 
 void ZELKAxisPainter::drawGrid(const ZELKGraphLayout &layout)

@@ -3,14 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-namespace {
-
-// Cosine of the turn up to which a corner is pointed. Sharper ones, of which a noisy line is full, would
-// stick out of it like thorns.
-constexpr double bluntest = -0.5;
-
-} // namespace
-
 ZELKCoverage::ZELKCoverage(const QRect &box)
     : m_box(box)
     , m_stride(box.width() + 2) // an edge on the right border adds to the cell behind its own
@@ -110,14 +102,9 @@ void ZELKCoverage::addJoint(QPointF before, QPointF at, QPointF after, double wi
     const double side = turn > 0.0 ? -width / 2.0 : width / 2.0;
     const QPointF first = QPointF(-in.y(), in.x()) * (side / inLength);
     const QPointF second = QPointF(-out.y(), out.x()) * (side / outLength);
-    const double straightness = QPointF::dotProduct(in, out) / (inLength * outLength);
-    QPointF corners[] = {at + first, at + second, at + second, at};
-    if (straightness >= bluntest)
-        corners[1] = at + (first + second) / (1.0 + straightness);
-    if (turn < 0.0)
-        std::swap(corners[0], corners[2]);
-    for (int i = 0; i < 4; ++i)
-        addEdge(corners[(i + 3) % 4], corners[i]);
+    const QPointF corners[] = {at, at + (turn > 0.0 ? first : second), at + (turn > 0.0 ? second : first)};
+    for (int i = 0; i < 3; ++i)
+        addEdge(corners[(i + 2) % 3], corners[i]);
 }
 
 std::span<const float> ZELKCoverage::takeRow(int y)

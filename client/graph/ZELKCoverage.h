@@ -20,7 +20,8 @@ public:
     void addEdge(QPointF from, QPointF to);
     /// A line of that width with square ends.
     void addLine(QPointF from, QPointF to, double width);
-    /// The corner that is missing outside where two such lines meet.
+    /// The triangle that is missing outside where two such lines meet. Pointed corners would stick out of a
+    /// noisy line like thorns.
     void addJoint(QPointF before, QPointF at, QPointF after, double width);
 
     /// Hands over each row that edges were added to, as `take(y, x, shares)` with shares of 0 to 1 from the

@@ -1,10 +1,8 @@
 #include "ZELKGraphDrawing.h"
 
 #include "ZELKAxisPainter.h"
-#include "ZELKBlockPainter.h"
-#include "ZELKCurvePainter.h"
 #include "ZELKDisplayListBuilder.h"
-#include "ZELKGraphColours.h"
+#include "ZELKDisplayListPainter.h"
 #include "ZELKGraphText.h"
 #include "ZELKLWCDateRangeController.h"
 #include "ZELKLWCLog.h"
@@ -121,35 +119,7 @@ void ZELKGraphDrawing::drawEntries(const ZELKGraphSubject &subject)
     if (!subject.log || !m_layout.hasChart())
         return;
     ZELKDisplayListBuilder(m_displayList, m_chartScale, *subject.log).prepareDisplayList();
-    drawBlocks();
-    drawCurves();
-}
-
-void ZELKGraphDrawing::drawBlocks()
-{
-    ZELKBlockPainter painter(m_image, m_space);
-    const QRectF &chart = m_layout.chartRect;
-    for (const QString &state : m_displayList.stateOrder()) {
-        const std::optional<QColor> colour = ZELKGraphColours::stateColour(state);
-        if (!colour)
-            continue;
-        const std::vector<ZELKBlockRange> ranges = m_displayList.rangesForState(state);
-        const bool isRounded =
-            m_displayList.selectorForState(state) == DisplayList::Selector::roundedPathForState;
-        painter.paint(
-            {ranges, chart.y() + m_chartScale.xAxisLineWidth, chart.y() + chart.height(), isRounded},
-            ZELKStateGradient::withBaseColour(*colour));
-    }
-}
-
-void ZELKGraphDrawing::drawCurves()
-{
-    std::vector<ZELKCurve> curves;
-    for (const auto &battery : m_displayList.batteries().batteries())
-        for (const ZELKLWCEntriesViewBatterySegment &segment : battery.segments)
-            if (const std::optional<QColor> colour = ZELKGraphColours::batteryColour(segment.state()))
-                curves.push_back({segment.points(), *colour});
-    ZELKCurvePainter(m_image, m_space, m_layout.chartRect.y()).paint(curves);
+    ZELKDisplayListPainter(m_image, m_space, m_chartScale).paint(m_displayList);
 }
 
 void ZELKGraphDrawing::drawLabelsWithFrame(QPainter &painter, const ZELKGraphSubject &subject)

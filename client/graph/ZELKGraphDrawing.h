@@ -32,7 +32,7 @@ struct ZELKGraphSubject
 class ZELKGraphDrawing
 {
 public:
-    static constexpr double coarsest = 0.25; ///< of a pixel: what may be merged without being seen
+    static constexpr double coarsest = 0.125; ///< of a pixel: what may be merged without being seen
 
     ZELKGraphDrawing() = default;
     /// `size` in points, of which each becomes `scaleFactor` pixels. Without area the image is null.
@@ -52,8 +52,6 @@ private:
     void drawAxisWithFrame(QPainter &painter, const ZELKGraphSubject &subject);
     void drawMarkers(QPainter &painter);
     void drawEntries(const ZELKGraphSubject &subject);
-    void drawBlocks();
-    void drawCurves();
     void drawLabelsWithFrame(QPainter &painter, const ZELKGraphSubject &subject);
 
     QSizeF m_size;

@@ -1,0 +1,285 @@
+// The graph's picture: what is where in it, how near it comes to one drawn without haste, and its files.
+#include "GraphFixture.h"
+#include "NamedRows.h"
+#include "PlainPicture.h"
+#include "ZELKBoxBlur.h"
+#include "ZELKDisplayListPainter.h"
+#include "ZELKGraphImage.h"
+#include "ZELKLWCEntriesCell.h"
+
+#include <QFile>
+#include <QRandomGenerator>
+
+#include <tiffio.h>
+
+namespace {
+
+QImage white(QSizeF size, double scale, QImage::Format format = QImage::Format_RGB32)
+{
+    QImage image((size * scale).toSize(), format);
+    image.fill(Qt::white);
+    return image;
+}
+
+/// Mean difference of a picture's colours from one `times` finer, of 255.
+double errorOf(const QImage &image, const QImage &finer, int times)
+{
+    double sum = 0.0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) {
+            float mean[3] = {};
+            for (int i = 0; i < times * times; ++i) {
+                const QColor colour = finer.pixelColor(x * times + i % times, y * times + i / times);
+                mean[0] += colour.redF();
+                mean[1] += colour.greenF();
+                mean[2] += colour.blueF();
+            }
+            const float share = 255.0F / float(times * times);
+            const QRgb pixel = image.pixel(x, y);
+            sum += double(std::abs(float(qRed(pixel)) - mean[0] * share) +
+                          std::abs(float(qGreen(pixel)) - mean[1] * share) +
+                          std::abs(float(qBlue(pixel)) - mean[2] * share));
+        }
+    return sum / (3.0 * image.width() * image.height());
+}
+
+/// Readings of a battery that goes up and down, sleeps and stops, all over the day.
+QString busyDay(int count)
+{
+    QRandomGenerator random(7);
+    QStringList events;
+    double level = 60.0;
+    double slope = -1.0;
+    for (int i = 0; i < count; ++i) {
+        const double hours = 24.0 * i / count;
+        slope = level < 5.0 ? 1.0 : level > 98.0 ? -1.0 : random.bounded(40) == 0 ? -slope : slope;
+        level = std::clamp(level + slope * random.bounded(300.0 / count + 0.6), 0.0, 100.0);
+        const int kind = random.bounded(10);
+        const QString word = kind == 0   ? u"sleep"_s
+                             : kind == 1 ? u"wake"_s
+                             : kind == 2 ? u"off"_s
+                             : kind == 3 ? u"on"_s
+                                         : (slope > 0.0 ? u"a%1"_s : u"b%1"_s).arg(int(level));
+        events.append(u"%1:%2"_s.arg(hours, 0, 'f', 5).arg(word));
+    }
+    return events.join(u' ');
+}
+
+} // namespace
+
+class TestPicture : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void whatIsWhere_data()
+    {
+        const NamedRows<double> row("scale");
+        row("one pixel a point", 1.0);
+        row("two pixels a point", 2.0);
+        row("a broken number", 1.25);
+    }
+    void whatIsWhere()
+    {
+        QFETCH(double, scale);
+        const GraphFixture fixture(u"-1:b80 3:sleep 9:wake 12:b40 14:b40 25:b20"_s);
+        const ZELKGraphDrawing drawing({&fixture.log, &fixture.range, true, true, {}, {}}, {600, 240}, scale);
+        const QRectF chart = drawing.layout().chartRect;
+        const auto colourAt = [&](double x, double y) {
+            return QColor(drawing.image().pixel(int(x * scale), int((240.0 - y) * scale)));
+        };
+        const auto inChart = [&](double hours, double percentage) {
+            return colourAt(chart.x() + hours / 24.0 * chart.width(),
+                            chart.y() + percentage / 100.0 * chart.height());
+        };
+        QCOMPARE(drawing.image().size(), (QSizeF(600, 240) * scale).toSize());
+        QCOMPARE(colourAt(5, 120), QColor(Qt::white));
+        QVERIFY(colourAt(0, 120).lightness() < 200);                             // the border
+        QVERIFY(colourAt(chart.right() - 5, chart.y() + 0.8).lightness() < 110); // the axis
+
+        const QColor high = inChart(5, 95);
+        const QColor low = inChart(5, 10);
+        QVERIFY(high.blue() > high.red() + 30 && high.lightness() < 130);
+        QVERIFY(low.lightness() > high.lightness() + 20);
+        QVERIFY(inChart(2.8, 95).lightness() > 245); // awake, above the curve
+        const QColor curve = inChart(13, 40);
+        QVERIFY(curve.red() > 200 && curve.blue() < 80);
+        const QColor area = inChart(13, 15);
+        QVERIFY(area.red() > area.blue() + 15 && area.lightness() > 200);
+        // Below the curve's shadow the paper is a little darker.
+        QVERIFY(colourAt(chart.center().x(), chart.y() - 10).lightness() < 253);
+        QCOMPARE(drawing.ticks().labels.front().text, u"02:00 AM"_s);
+    }
+
+    void withoutHaste_data()
+    {
+        const NamedRows<int> row("events");
+        row("few events", 40);
+        row("one for each pixel", 300);
+        row("many for each pixel", 6000);
+    }
+    void withoutHaste()
+    {
+        QFETCH(int, events);
+        constexpr QSizeF size(260, 110);
+        GraphFixture fixture(busyDay(events));
+        fixture.scale.chartRect = QRectF(12, 10, 236, 90);
+        fixture.show(0, 1);
+        auto merged = ZELKLWCEntriesViewDisplayList::displayList(ZELKGraphDrawing::coarsest);
+        ZELKDisplayListBuilder(merged, fixture.scale, fixture.log).prepareDisplayList();
+        QImage image = white(size, 1.0);
+        ZELKDisplayListPainter(image, {size.height(), 1.0}, fixture.scale).paint(merged);
+
+        const auto plain = [&](double scale, QImage::Format format) {
+            QImage picture = white(size, scale, format);
+            PlainPicture::paint(picture, {size.height(), scale}, fixture.list, fixture.scale.chartRect);
+            return picture;
+        };
+        const QImage finer = plain(4.0, QImage::Format_RGBX64);
+        const double error = errorOf(image, finer, 4);
+        const double plainError = errorOf(plain(1.0, QImage::Format_RGB32), finer, 4);
+        qInfo("error %.3f, plain %.3f", error, plainError);
+        QVERIFY(error <= 1.1 * plainError);
+    }
+
+    void bandsAreNotSeen()
+    {
+        const GraphFixture fixture(u"-1:b80 12:b5 14:a5 25:a100"_s);
+        const ZELKGraphSubject subject{&fixture.log, &fixture.range, false, false, {}, {}};
+        // So large that it takes several bands; the same chart in one band is the same picture.
+        const QImage large = ZELKGraphDrawing(subject, {3000, 3000}, 1.0).image();
+        const ZELKGraphDrawing narrow(subject, {300, 3000}, 1.0);
+        const auto column = [](const QImage &image, int x) {
+            std::vector<QRgb> pixels;
+            for (int y = 0; y < image.height(); ++y)
+                pixels.push_back(image.pixel(x, y));
+            return pixels;
+        };
+        const auto differences = [](const std::vector<QRgb> &pixels) {
+            int largest = 0;
+            for (std::size_t i = 1; i < pixels.size(); ++i)
+                largest = std::max(largest, std::abs(qGreen(pixels[i]) - qGreen(pixels[i - 1])));
+            return largest;
+        };
+        // At three quarters of the day, below the curve and its shadow, nothing changes from row to row but
+        // the shadow, slowly, and the grid.
+        const std::vector<QRgb> below = column(large, 2900);
+        QVERIFY(differences({below.begin() + 1000, below.begin() + 1150}) <= 1);
+        QVERIFY(differences({below.begin() + 1350, below.begin() + 1700}) <= 1);
+        QCOMPARE(narrow.image().height(), 3000);
+    }
+
+    void blur()
+    {
+        constexpr int side = 161;
+        constexpr double deviation = 9.0;
+        const ZELKBoxBlur blur(deviation);
+        for (const bool across : {false, true}) {
+            const auto place = [across](int along) {
+                return std::size_t(across ? along * side + side / 2 : side / 2 * side + along);
+            };
+            std::vector<float> values(side * side, 0.0F);
+            for (int i = 0; i < side * side; ++i)
+                values[std::size_t(i)] = (across ? i / side : i % side) < side / 2 ? 1.0F : 0.0F;
+            blur.blur(values, side, side);
+            // What a bell curve makes of an edge; there is nothing beyond the border.
+            for (int i = 2 * blur.reach(); i < side; ++i) {
+                const double distance = side / 2 - 0.5 - i;
+                const double expected = 0.5 * std::erfc(-distance / (deviation * std::sqrt(2.0)));
+                QVERIFY(std::abs(double(values[place(i)]) - expected) < 0.015);
+            }
+            QCOMPARE(values[place(side / 2 + blur.reach())], 0.0F);
+        }
+    }
+
+    void drawnAnewOnlyWhenNeeded()
+    {
+        const GraphFixture fixture(u"3:sleep 9:wake"_s);
+        ZELKLWCEntriesCell cell;
+        cell.setLog(&fixture.log);
+        cell.setDateRange(&fixture.range);
+        QImage page(400, 200, QImage::Format_RGB32);
+        QPainter painter(&page);
+        const auto key = [&](QRectF frame) {
+            cell.drawInteriorWithFrame(painter, frame);
+            return cell.drawing().image().cacheKey();
+        };
+        const qint64 first = key({0, 0, 400, 200});
+        QCOMPARE(key({0, 0, 400, 200}), first);
+        QVERIFY(!cell.dataSourceChanged());
+        cell.setLabelBanner({});
+        QVERIFY(!cell.dataSourceChanged());
+        cell.setLabelBanner(ZELKAttributedString(u"Welcome"_s));
+        QVERIFY(cell.dataSourceChanged());
+        const qint64 second = key({0, 0, 400, 200});
+        QVERIFY(second != first);
+        QCOMPARE(cell.imageValueWithWidthHeight(150, 160).size(), QSize(150, 160));
+        QCOMPARE(key({10, 0, 400, 200}), second);
+        QVERIFY(key({0, 0, 390, 200}) != second);
+
+        QVERIFY(!cell.selectDateAtPoint({2, 2}));
+        QVERIFY(!cell.selection());
+        QVERIFY(cell.selectDateAtPoint(cell.chartRect().topLeft()));
+        QCOMPARE(cell.selection(), std::optional(at(0)));
+    }
+
+    void labels()
+    {
+        ZELKTextAttributes attributes;
+        attributes.colour = ZELKTextColour::rgb(200, 0, 0);
+        const ZELKAttributedString label(u"MMMM"_s, attributes);
+        const auto redIn = [](const QImage &image, const QRect &rect) {
+            for (int y = rect.top(); y <= rect.bottom(); ++y)
+                for (int x = rect.left(); x <= rect.right(); ++x)
+                    if (qRed(image.pixel(x, y)) > qGreen(image.pixel(x, y)) + 60)
+                        return true;
+            return false;
+        };
+        const QImage image =
+            ZELKGraphDrawing({nullptr, nullptr, true, false, label, {}}, {300, 100}, 1.0).image();
+        QVERIFY(redIn(image, {0, 0, 60, 25}));
+        QVERIFY(!redIn(image, {100, 0, 200, 100}));
+        const QImage banner =
+            ZELKGraphDrawing({nullptr, nullptr, true, false, {}, label}, {300, 100}, 1.0).image();
+        QVERIFY(redIn(banner, {120, 25, 60, 30}));
+        QVERIFY(!redIn(banner, {0, 0, 100, 100}));
+        QVERIFY(!redIn(banner, {0, 60, 300, 40}));
+    }
+
+    void files()
+    {
+        const GraphFixture fixture(u"3:sleep 9:wake"_s);
+        const QImage image =
+            ZELKGraphDrawing({&fixture.log, &fixture.range, true, true, {}, {}}, {301, 203}, 2.0).image();
+        QCOMPARE(
+            QImage::fromData(ZELKGraphImage::PNGRepresentation(image)).convertToFormat(image.format()),
+            QImage(image.constBits(), image.width(), image.height(), image.bytesPerLine(), image.format()));
+        QVERIFY(ZELKGraphImage::PNGRepresentation({}).isEmpty());
+        QVERIFY(ZELKGraphImage::TIFFRepresentation({}).isEmpty());
+
+        const QString path = fixture.folder.filePath(u"graph.tiff"_s);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(ZELKGraphImage::TIFFRepresentation(image));
+        file.close();
+        QVERIFY(file.size() < image.sizeInBytes() / 8);
+        const std::unique_ptr<TIFF, decltype(&TIFFClose)> tiff(TIFFOpen(path.toUtf8().constData(), "r"),
+                                                               &TIFFClose);
+        QVERIFY(tiff.get());
+        std::uint16_t compression = 0;
+        float resolution = 0.0F;
+        TIFFGetField(tiff.get(), TIFFTAG_COMPRESSION, &compression);
+        TIFFGetField(tiff.get(), TIFFTAG_XRESOLUTION, &resolution);
+        QCOMPARE(int(compression), COMPRESSION_LZW);
+        QCOMPARE(resolution, 144.0F);
+        QImage read(image.size(), QImage::Format_RGBA8888);
+        QVERIFY(TIFFReadRGBAImageOriented(
+                    tiff.get(), std::uint32_t(read.width()), std::uint32_t(read.height()),
+                    reinterpret_cast<std::uint32_t *>(read.bits()), ORIENTATION_TOPLEFT, 0) == 1);
+        QCOMPARE(read.convertToFormat(image.format()).pixel(300, 200), image.pixel(300, 200));
+        QCOMPARE(read.convertToFormat(image.format()).pixel(0, 405), image.pixel(0, 405));
+    }
+};
+
+QTEST_MAIN(TestPicture)
+#include "tst_picture.moc"
