@@ -11,8 +11,8 @@ const QString ZELKEntryArrangement::summaryKey = QStringLiteral("summary");
 
 namespace {
 
-/// With more places than this, finding them one by one costs the view more than laying out anew.
-constexpr std::size_t mostInsertions = 1000;
+/// With more places than this, going from one to the next costs more than arranging and laying out anew.
+constexpr std::size_t mostPlaces = 1000;
 
 } // namespace
 
@@ -146,7 +146,8 @@ void ZELKEntryArrangement::writeOut()
 
 // MARK: following the range
 
-std::vector<ZELKEntryArrangement::Span> ZELKEntryArrangement::leaving(ZELKVisibleRange range) const
+std::optional<std::vector<ZELKEntryArrangement::Span>>
+ZELKEntryArrangement::leaving(ZELKVisibleRange range) const
 {
     std::vector<Span> spans;
     if (m_isPlain) {
@@ -167,8 +168,10 @@ std::vector<ZELKEntryArrangement::Span> ZELKEntryArrangement::leaving(ZELKVisibl
             continue;
         if (!spans.empty() && spans.back().position == i + 1)
             spans.back() = {i, spans.back().length + 1};
-        else
+        else if (spans.size() < mostPlaces)
             spans.push_back({i, 1});
+        else
+            return std::nullopt;
     }
     return spans;
 }
@@ -209,13 +212,10 @@ ZELKEntryArrangement::entering(ZELKVisibleRange range)
     if (!m_isPlain)
         sort(entries);
     ZELKTightGrowth::fit(m_order, m_order.size());
-    std::vector<Insertion> insertions = insertionsOf(entries);
-    if (insertions.size() > mostInsertions)
-        return std::nullopt;
-    return insertions;
+    return insertionsOf(entries);
 }
 
-std::vector<ZELKEntryArrangement::Insertion>
+std::optional<std::vector<ZELKEntryArrangement::Insertion>>
 ZELKEntryArrangement::insertionsOf(const std::vector<Index> &entries) const
 {
     std::vector<Insertion> insertions;
@@ -227,11 +227,15 @@ ZELKEntryArrangement::insertionsOf(const std::vector<Index> &entries) const
         else if (position > 0 && precedes(entry, m_order.back()))
             position = std::size_t(std::lower_bound(m_order.begin(), m_order.end(), entry, inOrder) -
                                    m_order.begin());
-        if (insertions.empty() || insertions.back().position != position)
+        if (insertions.empty() || insertions.back().position != position) {
+            if (insertions.size() == mostPlaces)
+                return std::nullopt;
             insertions.push_back({position, {}});
+        }
         insertions.back().entries.push_back(entry);
     }
-    return {std::make_move_iterator(insertions.rbegin()), std::make_move_iterator(insertions.rend())};
+    std::reverse(insertions.begin(), insertions.end());
+    return insertions;
 }
 
 void ZELKEntryArrangement::insert(const Insertion &insertion)

@@ -55,9 +55,9 @@ public:
     void arrange(ZELKVisibleRange range, const QString &filter, const ZELKSortDescriptors &descriptors);
 
     /// The way to another range, in steps between which the rows are sound: remove what leaves, the last
-    /// first, then enter the range and insert what comes, the last first. Insertions that are as good as a
-    /// new arrangement are nothing.
-    std::vector<Span> leaving(ZELKVisibleRange range) const;
+    /// first, then enter the range and insert what comes, the last first. Nothing where there are so many
+    /// places that arranging anew is better.
+    std::optional<std::vector<Span>> leaving(ZELKVisibleRange range) const;
     void remove(Span span);
     std::optional<std::vector<Insertion>> entering(ZELKVisibleRange range);
     void insert(const Insertion &insertion);
@@ -94,7 +94,7 @@ private:
     void turnTies(std::vector<Index> &entries) const;
     void sortBySummary(std::vector<Index> &entries) const;
     void writeOut();
-    std::vector<Insertion> insertionsOf(const std::vector<Index> &entries) const;
+    std::optional<std::vector<Insertion>> insertionsOf(const std::vector<Index> &entries) const;
 
     const ZELKLWCLog &m_log;
     ZELKVisibleRange m_range;

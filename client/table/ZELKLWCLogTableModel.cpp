@@ -174,7 +174,10 @@ void ZELKLWCLogTableModel::follow(ZELKVisibleRange range)
 {
     if (range == m_arrangement.range())
         return;
-    for (const ZELKEntryArrangement::Span &span : m_arrangement.leaving(range))
+    const auto leaving = m_arrangement.leaving(range);
+    if (!leaving)
+        return rearrange();
+    for (const ZELKEntryArrangement::Span &span : *leaving)
         takeOut(span);
     if (const auto insertions = m_arrangement.entering(range)) {
         for (const ZELKEntryArrangement::Insertion &insertion : *insertions)
