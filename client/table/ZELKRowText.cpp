@@ -3,7 +3,10 @@
 #include "ZELKFormatter.h"
 #include "ZELKLWCLogTableModel.h"
 #include "ZELKRtfWriter.h"
+#include "ZELKSystemFonts.h"
 
+#include <QFont>
+#include <QFontInfo>
 #include <QMimeData>
 
 namespace {
@@ -22,6 +25,17 @@ void appendDivider(ZELKAttributedString &text, QChar divider)
     text.append(divider, text.attributesAt(text.length() - 1));
 }
 
+/// Whoever gets the text has another font of its own, and no name such as "Sans Serif" for this one.
+void nameSystemFont(ZELKAttributedString &text)
+{
+    const QString system = ZELKSystemFonts::family();
+    const QString known = QFontInfo(QFont(system)).family();
+    text.changeAttributes([&](ZELKTextAttributes &one) {
+        if (one.family.isEmpty() || one.family == system)
+            one.family = known;
+    });
+}
+
 } // namespace
 
 ZELKAttributedString ZELKRowText::text(const ZELKLWCLogTableModel &model, const ZELKRowRanges &rows)
@@ -36,6 +50,7 @@ ZELKAttributedString ZELKRowText::text(const ZELKLWCLogTableModel &model, const 
             text.append(cell(model, row, Column::SummaryColumn));
         }
     }
+    nameSystemFont(text);
     return text;
 }
 

@@ -32,13 +32,21 @@ int ZELKUniformTableView::uniformRowHeight() const
     return std::max(1, verticalHeader()->defaultSectionSize());
 }
 
+/// What is looked at stays in sight: the last rows, and the current one.
 void ZELKUniformTableView::setUniformRowHeight(int height)
 {
     if (height == verticalHeader()->defaultSectionSize())
         return;
+    const QScrollBar &bar = *verticalScrollBar();
+    const bool isAtEnd = bar.maximum() > bar.minimum() && bar.value() == bar.maximum();
+    const bool isCurrentSeen = viewport()->rect().intersects(visualRect(currentIndex()));
     verticalHeader()->setMinimumSectionSize(1);
     verticalHeader()->setDefaultSectionSize(std::max(1, height));
     updateGeometries();
+    if (isAtEnd)
+        scrollToBottom();
+    if (isCurrentSeen)
+        scrollTo(currentIndex());
     viewport()->update();
 }
 

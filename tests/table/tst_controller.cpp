@@ -4,6 +4,7 @@
 
 #include <QAbstractItemModelTester>
 #include <QClipboard>
+#include <QFontInfo>
 #include <QMimeData>
 #include <QSignalSpy>
 
@@ -200,6 +201,15 @@ private Q_SLOTS:
         QVERIFY(table.summaries.showDetail());
         QVERIFY(table.view.uniformRowHeight() > height);
         QCOMPARE(table.view.visualRect(table.model().index(3, 0)).top(), 3 * table.view.uniformRowHeight());
+        const auto showDetail = [&](bool shows) { table.defaults.setValue(u"eventDetail"_s, shows); };
+        showDetail(false);
+        table.view.setCurrentIndex(table.model().index(table.view.verticalScrollBar()->pageStep() - 1, 0));
+        showDetail(true);
+        QVERIFY(table.view.viewport()->rect().contains(table.centreOf(table.view.currentIndex().row())));
+        showDetail(false);
+        table.view.scrollToBottom();
+        showDetail(true);
+        QCOMPARE(table.view.verticalScrollBar()->value(), table.view.verticalScrollBar()->maximum());
         const int detailHeight = table.view.uniformRowHeight();
         QFont large = table.view.font();
         large.setPointSizeF(2.0 * large.pointSizeF());
@@ -311,6 +321,8 @@ private Q_SLOTS:
         const ZELKRtfReader::Result rich = ZELKRtfReader::read(copied.data(u"text/rtf"_s));
         QVERIFY(rich.text && !rich.error);
         QCOMPARE(rich.text->string(), expected);
+        for (const ZELKAttributedString::Run &run : rich.text->runs())
+            QCOMPARE(run.attributes.family, QFontInfo(table.view.font()).family());
         QVERIFY(table.controller.tableViewWriteRowsToPasteboard({{2, 2}, {0, 0}}, pasteboard));
         QVERIFY(pasteboard.text().endsWith(table.summaryAt(0)));
         QVERIFY(pasteboard.text().startsWith(u"05/03/2024, 00:00\t"_s));
