@@ -69,9 +69,24 @@ void ZELKSelectionKeeper::restore()
 {
     restoreSelection();
     m_selected = {};
-    if (const std::optional<int> row = rowOf(m_current))
-        m_view.selectionModel()->setCurrentIndex(m_model.index(*row, 0), QItemSelectionModel::NoUpdate);
+    const std::optional<int> current = rowOf(m_current);
+    if (current)
+        makeCurrent(*current);
     restoreView();
+    if (m_current && !current)
+        makeCurrent(rowToGoOnFrom());
+}
+
+void ZELKSelectionKeeper::makeCurrent(int row)
+{
+    m_view.selectionModel()->setCurrentIndex(m_model.index(row, 0), QItemSelectionModel::NoUpdate);
+}
+
+/// Where the current row is listed no more, the arrow keys go on from what is seen.
+int ZELKSelectionKeeper::rowToGoOnFrom() const
+{
+    const bool isNewestLast = m_model.arrangement().isByDate() && !m_model.arrangement().isFalling();
+    return m_isNewestSeen && isNewestLast ? m_model.rowCount() - 1 : m_view.verticalScrollBar()->value();
 }
 
 void ZELKSelectionKeeper::restoreSelection()

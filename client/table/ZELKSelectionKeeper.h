@@ -25,6 +25,8 @@ private:
     void saveSelection();
     void restoreSelection();
     void restoreView();
+    void makeCurrent(int row);
+    int rowToGoOnFrom() const;
     bool isNewestSeen() const;
     std::optional<ZELKEntryArrangement::Index> entryOf(int row) const;
     std::optional<int> rowOf(std::optional<ZELKEntryArrangement::Index> entry) const;

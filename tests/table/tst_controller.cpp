@@ -138,6 +138,15 @@ private Q_SLOTS:
         table.view.scrollToTop();
         table.controller.setSortDescriptors({});
         QCOMPARE(table.view.verticalScrollBar()->value(), table.view.verticalScrollBar()->maximum());
+        // Where the current row is listed no more, the keys go on from what is seen.
+        const QString some = u"1e+08"_s;
+        int row = table.model().rowCount() - 1;
+        while (table.summaryAt(row).contains(some))
+            --row;
+        table.view.setCurrentIndex(table.model().index(row, 0));
+        table.field.setText(some);
+        QTest::keyClick(&table.view, Qt::Key_Up);
+        QCOMPARE(table.selected(), QList{table.model().rowCount() - 2});
     }
 
     void highlightsThePartner()
