@@ -11,9 +11,10 @@ ZELKStringPool::Id textId(const ZELKLWCLogEntry &entry, ZELKPackedProperties::Ke
 
 } // namespace
 
-ZELKBatteryReading::ZELKBatteryReading(const ZELKLWCLogEntryPowerStatus &power, Id powerSource)
+ZELKBatteryReading::ZELKBatteryReading(const ZELKLWCLogEntryPowerStatus &power, Id batteryName,
+                                       Id powerSource)
     : entry(&power)
-    , name(textId(power, ZELKPackedProperties::Name))
+    , name(batteryName)
     , source(powerSource)
     , percentage(power.percentageCharged())
     , date(power.date())
@@ -23,6 +24,7 @@ ZELKBatteryReading::ZELKBatteryReading(const ZELKLWCLogEntryPowerStatus &power, 
 }
 
 ZELKBatteryReading::ZELKBatteryReading(const ZELKLWCLogEntryPowerStatus &power)
-    : ZELKBatteryReading(power, textId(power, ZELKPackedProperties::PowerSourceState))
+    : ZELKBatteryReading(power, textId(power, ZELKPackedProperties::Name),
+                         textId(power, ZELKPackedProperties::PowerSourceState))
 {
 }

@@ -10,8 +10,8 @@ struct ZELKBatteryReading
 {
     using Id = ZELKStringPool::Id;
 
-    /// `entry` must outlive the reading. `source` is the entry's "Power Source State".
-    ZELKBatteryReading(const ZELKLWCLogEntryPowerStatus &power, Id powerSource);
+    /// The entry must outlive the reading. Name and power source are the entry's, read already.
+    ZELKBatteryReading(const ZELKLWCLogEntryPowerStatus &power, Id batteryName, Id powerSource);
     explicit ZELKBatteryReading(const ZELKLWCLogEntryPowerStatus &power);
 
     const ZELKLWCLogEntryPowerStatus *entry;

@@ -6,6 +6,8 @@
 
 #include <QString>
 
+#include <algorithm>
+#include <cmath>
 #include <optional>
 
 /// What a computation learns of one battery from its readings, which are added in ascending order of their
@@ -75,3 +77,30 @@ private:
     ZELKChargeDelta m_dischargeDelta;
     ZELKChargeDelta m_delta;
 };
+
+// In the header's sight, as a log has a million readings.
+inline void ZELKLWCBattery::addCapacity(int percentage, ZELKDate date)
+{
+    const auto capacity = float(percentage);
+    if (firstCapacity())
+        m_maximumCapacity = m_minimumCapacity = capacity;
+    else
+        addStep(capacity, date);
+    ++m_count;
+    m_totalCapacity += double(percentage);
+    m_lastCapacity = capacity;
+    m_lastDate = date;
+}
+
+inline void ZELKLWCBattery::addStep(float percentage, ZELKDate date)
+{
+    m_maximumCapacity = std::max(m_maximumCapacity, percentage);
+    m_minimumCapacity = std::min(m_minimumCapacity, percentage);
+    const double seconds = date.timeIntervalSinceDate(m_lastDate.value_or(date));
+    const double fall = double(m_lastCapacity) - double(percentage);
+    if (fall > 0.0)
+        m_dischargeDelta.addDelta(fall, seconds);
+    else if (fall < 0.0)
+        m_chargeDelta.addDelta(-fall, seconds);
+    m_delta.addDelta(std::abs(fall), seconds);
+}

@@ -66,7 +66,7 @@ struct ZELKLWCLogEntrySelection::Statistics
         const ZELKStringPool::Id source = powerSourceOf(entry);
         addStates(entry, source);
         if (entry.kind() == ZELKEntryKind::PowerStatus)
-            samples.add(ZELKBatteryReading(static_cast<const ZELKLWCLogEntryPowerStatus &>(entry), source));
+            samples.add(readingOf(entry, source));
     }
 
     /// The same, and its part in the sleeps.
@@ -79,9 +79,21 @@ struct ZELKLWCLogEntrySelection::Statistics
         sleeps.addState(entry.pairRepresentsId(), entry.date());
         if (entry.kind() != ZELKEntryKind::PowerStatus)
             return;
-        const ZELKBatteryReading reading(static_cast<const ZELKLWCLogEntryPowerStatus &>(entry), source);
+        const ZELKBatteryReading reading = readingOf(entry, source);
         samples.add(reading);
         sleeps.addReading(reading);
+    }
+
+    /// Each battery has a group of its own, so that its name is looked up but once.
+    ZELKBatteryReading readingOf(const ZELKLWCLogEntry &entry, ZELKStringPool::Id source)
+    {
+        const std::uint32_t group = entry.groupIndex();
+        if (group >= names.size())
+            names.resize(std::size_t(group) + 1);
+        if (!names[group])
+            names[group] =
+                entry.arena().properties().textId(entry.packedProperties(), ZELKPackedProperties::Name);
+        return {static_cast<const ZELKLWCLogEntryPowerStatus &>(entry), *names[group], source};
     }
 
     void addStates(const ZELKLWCLogEntry &entry, ZELKStringPool::Id source)
@@ -102,7 +114,7 @@ struct ZELKLWCLogEntrySelection::Statistics
         auto next = selected.begin();
         const ZELKLWCLogEntry *before = all.constFirst();
         for (const ZELKLWCLogEntry *entry : all) {
-            if (ZELKSleepSurroundings::isOlder(entry, before))
+            if (!(before->date() < entry->date()) && ZELKSleepSurroundings::isOlder(entry, before))
                 return false;
             before = entry;
             if (next == selected.end() || *next != entry) {
@@ -120,6 +132,7 @@ struct ZELKLWCLogEntrySelection::Statistics
     ZELKLWCStateTracker powerSource;
     ZELKBatterySamples samples;
     ZELKSleepCostTracker sleeps;
+    std::vector<std::optional<ZELKStringPool::Id>> names; ///< of the batteries, by their groups
 };
 
 ZELKLWCLogEntrySelection::ZELKLWCLogEntrySelection(const Entries &selection, const Period &duration)

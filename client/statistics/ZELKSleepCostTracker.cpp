@@ -8,6 +8,17 @@
 
 using Costs = ZELKSleepCosts;
 
+namespace {
+
+/// A reading that says nothing of the battery's presence is of one that is there.
+bool cameOrWent(const ZELKLWCLogEntryPowerStatus &entry)
+{
+    return entry.change() == ZELKLWCLogEntryPowerStatus::PresenceChanged &&
+           entry.arena().properties().contains(entry.packedProperties(), ZELKPackedProperties::IsPresent);
+}
+
+} // namespace
+
 ZELKSleepCostTracker::ZELKSleepCostTracker(const ZELKStringPool &texts, ZELKDate from, ZELKDate to,
                                            std::size_t expected)
     : m_texts(texts)
@@ -38,12 +49,13 @@ void ZELKSleepCostTracker::addReading(const ZELKBatteryReading &reading)
     if (battery.isRepeated)
         countDuplicates(battery);
     const Charge charge{reading.date, reading.percentage, isOnBattery(battery, reading)};
-    const bool isLate = charge.date < battery.last.date;
-    if (isLate || reading.entry->change() == ZELKLWCLogEntryPowerStatus::PresenceChanged)
+    if (charge.date < battery.last.date || cameOrWent(*reading.entry))
         battery.isKnown = false;
     confirm(battery, charge);
     battery.entry = reading.entry;
     battery.entryIsOnBattery = charge.isOnBattery;
+    battery.entryPercentage = reading.percentage;
+    battery.entryFinalDate = reading.finalDate;
     battery.isRepeated = reading.hasDuplicates;
 }
 
@@ -64,7 +76,7 @@ void ZELKSleepCostTracker::countDuplicates(Battery &battery)
 {
     const ZELKLWCLogEntryPowerStatus &entry = *battery.entry;
     battery.isRepeated = false;
-    Charge charge{std::max(entry.date(), entry.finalDate()), entry.percentageCharged(),
+    Charge charge{std::max(entry.date(), battery.entryFinalDate), battery.entryPercentage,
                   battery.entryIsOnBattery};
     if (!m_marks.isMarked(battery.mark, charge.date))
         return confirm(battery, charge);
@@ -79,9 +91,13 @@ void ZELKSleepCostTracker::confirm(Battery &battery, const Charge &charge)
 {
     if (!battery.isKnown || m_marks.isMarked(battery.mark, charge.date))
         return confirmBehindMarks(battery, charge);
-    countAwake(battery, charge);
+    const bool isDrain = goesOn(battery, charge);
+    if (!isDrain)
+        endAwake(battery);
     battery.last = charge;
     battery.lowest = charge.percentage;
+    if (!isDrain)
+        battery.awakeFrom = charge;
 }
 
 void ZELKSleepCostTracker::confirmBehindMarks(Battery &battery, const Charge &charge)
@@ -91,8 +107,10 @@ void ZELKSleepCostTracker::confirmBehindMarks(Battery &battery, const Charge &ch
         return chargeAsleep(battery, charge);
     if (battery.isKnown)
         conclude(battery, mark, charge);
+    endAwake(battery);
     battery.isKnown = true;
     battery.last = charge;
+    battery.awakeFrom = charge;
     battery.mark = mark;
     battery.lowest = charge.percentage;
     battery.hadPower = false;
@@ -131,14 +149,18 @@ void ZELKSleepCostTracker::conclude(Battery &battery, std::size_t mark, const Ch
         setUnknown(unknown, first, end);
 }
 
-void ZELKSleepCostTracker::countAwake(Battery &battery, const Charge &charge) const
+void ZELKSleepCostTracker::endAwake(Battery &battery)
 {
-    const bool isCounted = battery.last.date >= m_from && charge.date <= m_to;
-    if (!isCounted || !battery.last.isOnBattery || !charge.isOnBattery ||
-        charge.percentage > battery.last.percentage)
-        return;
-    battery.awake.points += double(battery.last.percentage) - double(charge.percentage);
-    battery.awake.seconds += charge.date.timeIntervalSinceDate(battery.last.date);
+    battery.awake.points += double(battery.awakeFrom.percentage) - double(battery.last.percentage);
+    battery.awake.seconds += battery.last.date.timeIntervalSinceDate(battery.awakeFrom.date);
+    battery.awakeFrom = battery.last;
+}
+
+/// Whether the drain awake that is under way, and is counted, extends to another charge.
+bool ZELKSleepCostTracker::goesOn(const Battery &battery, const Charge &charge) const
+{
+    return battery.last.isOnBattery && charge.isOnBattery && charge.percentage <= battery.last.percentage &&
+           battery.last.date >= m_from && charge.date <= m_to;
 }
 
 ZELKSleepCosts::Unknown ZELKSleepCostTracker::doubt(const Battery &battery, std::size_t mark,
@@ -212,9 +234,11 @@ std::uint32_t ZELKSleepCostTracker::countedEnd() const
 
 ZELKSleepCosts ZELKSleepCostTracker::costs()
 {
-    for (Battery &battery : m_batteries)
+    for (Battery &battery : m_batteries) {
         if (battery.isRepeated)
             countDuplicates(battery);
+        endAwake(battery);
+    }
     const std::uint32_t first = firstCounted();
     const std::uint32_t end = countedEnd();
     std::vector<Costs::Sleep> sleeps;

@@ -53,6 +53,8 @@ private:
     struct Battery
     {
         const ZELKLWCLogEntryPowerStatus *entry = nullptr; ///< the latest
+        ZELKDate entryFinalDate;
+        int entryPercentage = 0;
         bool entryIsOnBattery = false;
         /// The latest entry has duplicates that are not counted yet: the marks up to them come first.
         bool isRepeated = false;
@@ -60,7 +62,9 @@ private:
         bool hadPower = false;                ///< since `last`
         int lowest = 0;                       ///< since `last`
         Charge last{ZELKDate::distantPast()}; ///< while awake
-        std::size_t mark = 0;                 ///< the last one that counts for it
+        /// From here to `last` the computer was awake, and the charge fell without power from outside.
+        Charge awakeFrom{ZELKDate::distantPast()};
+        std::size_t mark = 0; ///< the last one that counts for it
         ZELKSleepCosts::Drain asleep;
         ZELKSleepCosts::Drain awake;
     };
@@ -77,7 +81,8 @@ private:
     void confirmBehindMarks(Battery &battery, const Charge &charge);
     void chargeAsleep(Battery &battery, const Charge &charge);
     void conclude(Battery &battery, std::size_t mark, const Charge &charge);
-    void countAwake(Battery &battery, const Charge &charge) const;
+    static void endAwake(Battery &battery);
+    bool goesOn(const Battery &battery, const Charge &charge) const;
     Unknown doubt(const Battery &battery, std::size_t mark, const Charge &charge) const;
     bool isSilent(const Battery &battery, std::size_t mark, ZELKDate date) const;
     void count(Battery &battery, std::size_t mark, const Charge &charge);

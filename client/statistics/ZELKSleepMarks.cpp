@@ -37,6 +37,8 @@ void ZELKSleepMarks::addBreak(ZELKDate date)
 
 std::size_t ZELKSleepMarks::lastMarkFor(ZELKDate reading, std::size_t from) const
 {
+    if (m_marks.back().date < reading)
+        return m_marks.size() - 1;
     const auto isBefore = [&](const Mark &mark) { return mark.date < reading; };
     const auto begin = m_marks.begin() + std::ptrdiff_t(from) + 1;
     auto next = std::partition_point(begin, m_marks.end(), isBefore);
