@@ -3,9 +3,11 @@
 #include "ZELKAgentCommand.h"
 #include "ZELKAssertion.h"
 #include "ZELKCommandLineText.h"
+#include "ZELKLWCLogEntrySelection.h"
 #include "ZELKLWCMainWindowController.h"
 #include "ZELKLineSource.h"
 #include "ZELKRawEventImport.h"
+#include "ZELKStatisticsWriter.h"
 #include "ZELKSynchronisation.h"
 #include "ZELKTextOutput.h"
 
@@ -52,6 +54,8 @@ bool ZELKCommandLine::runCommand()
     switch (m_options.command) {
     case Command::List:
         return list();
+    case Command::Stats:
+        return stats();
     case Command::Import:
         return import();
     case Command::Snapshot:
@@ -141,6 +145,39 @@ bool ZELKCommandLine::list()
             writer->write(entry, i);
     }
     writer->end();
+    return isWhole;
+}
+
+// MARK: stats
+
+/// Of a preset range those that a window would show; else those dated in the period. Without entries there is
+/// only the period.
+bool ZELKCommandLine::stats()
+{
+    ZELKApplicationWiring wiring(m_settings, world());
+    const bool isWhole = synchronise(wiring);
+    const auto preset = *wiring.dateRange().precalculatedDurations().at(std::size_t(m_options.rangeTag) - 1);
+    wiring.dateRange().takeSelectionTagFrom(m_options.rangeTag);
+    QList<ZELKLWCLogEntry *> entries = wiring.log().visibleEntriesArray();
+    ZELKLWCAbsoluteDuration period = *wiring.dateRange().absoluteDuration();
+    if (period.duration() < 0.0) // the preset lies beyond all that is recorded
+        period = preset;
+    if (m_options.from || m_options.to) {
+        const ZELKDate from = m_options.from ? m_options.from->begin() : wiring.dateRange().distantPast();
+        const ZELKDate to = m_options.to ? m_options.to->end() : wiring.dateRange().distantFuture();
+        period = ZELKLWCAbsoluteDuration::absoluteDurationFromDate(from, to);
+        entries = wiring.log().entry();
+        entries.removeIf(
+            [&](const ZELKLWCLogEntry *entry) { return entry->date() < from || !(entry->date() < to); });
+    }
+    ZELKLWCLogEntrySelection selection;
+    selection.setDuration(period);
+    if (!entries.isEmpty())
+        selection = ZELKLWCLogEntrySelection(entries, period);
+    if (m_options.statsAsJson)
+        ZELKStatisticsWriter::writeJson(selection, m_output);
+    else
+        ZELKStatisticsWriter::writeText(selection, m_output);
     return isWhole;
 }
 

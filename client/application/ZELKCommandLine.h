@@ -27,6 +27,7 @@ public:
 private:
     bool runCommand();
     bool list();
+    bool stats();
     bool import();
     bool importFrom(int descriptor);
     bool snapshot();

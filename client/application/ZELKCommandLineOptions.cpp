@@ -52,6 +52,7 @@ const QHash<QString, Format> &formats()
 const QHash<QString, Command> &commands()
 {
     static const QHash<QString, Command> commands{{QStringLiteral("list"), Command::List},
+                                                  {QStringLiteral("stats"), Command::Stats},
                                                   {QStringLiteral("import"), Command::Import},
                                                   {QStringLiteral("snapshot"), Command::Snapshot},
                                                   {QStringLiteral("agent"), Command::Agent}};
@@ -102,10 +103,13 @@ public:
 private:
     void takeCommand();
     QStringList takeImport(QStringList words);
+    QStringList takeStatsRange(QStringList words);
     QStringList takeAgentAction(QStringList words);
     void takeAgent();
     void checkBelonging() const;
     void takeGlobals();
+    void takeRange(const QString &range);
+    void takeFormat(const QString &format);
     void takeList();
     void takeSnapshot();
     std::optional<QString> value(const char *name) const;
@@ -114,6 +118,7 @@ private:
     QCommandLineParser m_parser;
     QStringList m_arguments;
     Options m_options;
+    bool m_hasRange = false;
 };
 
 Reader::Reader(const QStringList &arguments)
@@ -158,6 +163,8 @@ void Reader::takeCommand()
         words = takeImport(words);
     if (m_options.command == Command::Agent)
         words = takeAgentAction(words);
+    if (m_options.command == Command::Stats)
+        words = takeStatsRange(words);
     if (!words.isEmpty())
         complain("Unexpected argument \"%@\".", words.constFirst());
     checkBelonging();
@@ -170,6 +177,14 @@ QStringList Reader::takeImport(QStringList words)
     m_options.file = words.takeFirst();
     if (m_options.file.isEmpty())
         complain("The FILE to import has no name.");
+    return words;
+}
+
+/// A range may stand without its option.
+QStringList Reader::takeStatsRange(QStringList words)
+{
+    if (!words.isEmpty())
+        takeRange(words.takeFirst());
     return words;
 }
 
@@ -192,6 +207,7 @@ void Reader::checkBelonging() const
     for (const OptionRow &row : optionRows) {
         const QString name = QString::fromLatin1(row.name);
         const bool goes = row.command == Command::Window || row.command == m_options.command ||
+                          (m_options.command == Command::Stats && row.command == Command::List) ||
                           (orPicture && name == QLatin1String("count")) ||
                           (isStatus && name == QLatin1String("format"));
         if (!goes && m_parser.isSet(name))
@@ -235,24 +251,38 @@ std::optional<Options::Moment> Reader::moment(const char *name) const
     return moment;
 }
 
+void Reader::takeRange(const QString &range)
+{
+    if (m_hasRange)
+        complain("Unexpected argument \"%@\".", range);
+    if (!rangeTags().contains(range))
+        complain("There is no range \"%@\".", range);
+    m_options.rangeTag = rangeTags().value(range);
+    m_hasRange = true;
+}
+
+void Reader::takeFormat(const QString &format)
+{
+    const bool isStats = m_options.command == Command::Stats;
+    m_options.statsAsJson = isStats && format == QLatin1String("json");
+    if (isStats ? !m_options.statsAsJson && format != QLatin1String("text") : !formats().contains(format))
+        complain("There is no format \"%@\".", format);
+    if (!isStats)
+        m_options.format = formats().value(format);
+}
+
 void Reader::takeList()
 {
-    if (const auto range = value("range")) {
-        if (!rangeTags().contains(*range))
-            complain("There is no range \"%@\".", *range);
-        m_options.rangeTag = rangeTags().value(*range);
-    }
+    if (const auto range = value("range"))
+        takeRange(*range);
     m_options.from = moment("from");
     m_options.to = moment("to");
-    if ((m_options.from || m_options.to) && m_parser.isSet(QStringLiteral("range")))
+    if ((m_options.from || m_options.to) && m_hasRange)
         complain("--range does not go together with --from and --to.");
     if (m_options.from && m_options.to && !(m_options.from->begin() < m_options.to->end()))
         complain("--from lies after --to.");
-    if (const auto format = value("format")) {
-        if (!formats().contains(*format))
-            complain("There is no format \"%@\".", *format);
-        m_options.format = formats().value(*format);
-    }
+    if (const auto format = value("format"))
+        takeFormat(*format);
 }
 
 void Reader::takeSnapshot()

@@ -14,7 +14,7 @@
 /// What the command line asks for. A value.
 struct ZELKCommandLineOptions
 {
-    enum class Command { Window, List, Import, Snapshot, Agent };
+    enum class Command { Window, List, Stats, Import, Snapshot, Agent };
 
     /// A local day, or a moment of one.
     struct Moment
@@ -37,11 +37,12 @@ struct ZELKCommandLineOptions
     /// window: where there is no display, a snapshot with this picture instead; empty for a refusal.
     QString orPicture;
 
-    /// list: the tag of a preset range, and within that from and to.
+    /// list, stats: the tag of a preset range, and within that from and to.
     int rangeTag = 8;
     std::optional<Moment> from;
     std::optional<Moment> to;
     ZELKEntryWriter::Format format = ZELKEntryWriter::Format::Table;
+    bool statsAsJson = false;
     /// import: "-" for standard input.
     QString file;
     /// snapshot: empty for no picture. The count goes with orPicture too.

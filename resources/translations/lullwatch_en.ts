@@ -379,6 +379,54 @@
         <source>Unknown</source>
         <translation>Unknown</translation>
     </message>
+    <message>
+        <source>%@ asleep</source>
+        <translation>%@ asleep</translation>
+    </message>
+    <message>
+        <source>%@ awake</source>
+        <translation>%@ awake</translation>
+    </message>
+    <message>
+        <source>%.1f%% in %@</source>
+        <translation>%.1f%% in %@</translation>
+    </message>
+    <message>
+        <source>% an hour</source>
+        <translation>% an hour</translation>
+    </message>
+    <message>
+        <source>%.1f%% an hour, %@</source>
+        <translation>%.1f%% an hour, %@</translation>
+    </message>
+    <message>
+        <source>Earlier</source>
+        <translation>Earlier</translation>
+    </message>
+    <message>
+        <source>%lu more sleeps</source>
+        <translation>%lu more sleeps</translation>
+    </message>
+    <message>
+        <source>%lu of %lu sleeps</source>
+        <translation>%lu of %lu sleeps</translation>
+    </message>
+    <message>
+        <source>no charge was read shortly before and after</source>
+        <translation>no charge was read shortly before and after</translation>
+    </message>
+    <message>
+        <source>the charge was read only around several sleeps</source>
+        <translation>the charge was read only around several sleeps</translation>
+    </message>
+    <message>
+        <source>not everything in between was recorded</source>
+        <translation>not everything in between was recorded</translation>
+    </message>
+    <message>
+        <source>there was power from outside</source>
+        <translation>there was power from outside</translation>
+    </message>
 </context>
 <context>
     <name>ZELKAgentController</name>
@@ -827,6 +875,7 @@
 
 Usage: lullwatch [OPTIONS]                     opens the window
        lullwatch [OPTIONS] list [...]          prints entries
+       lullwatch [OPTIONS] stats [RANGE] [...] tells how long it was awake, asleep, off, and what that cost
        lullwatch [OPTIONS] import FILE         takes events in, from a file or "-" (standard input)
        lullwatch [OPTIONS] snapshot [...]      prints the latest entries, without a display
        lullwatch agent WHAT [...]              tells of the recording agent, installs, removes and updates it
@@ -848,6 +897,9 @@ list:
   --from DATE        entries from then on: YYYY-MM-DD, YYYY-MM-DDTHH:MM or YYYY-MM-DDTHH:MM:SS, local time
   --to DATE          entries up to then, that day or second included
   --format FORMAT    table (which it is without this), tsv or json
+
+stats: RANGE, --from and --to as for list
+  --format FORMAT    text (which it is without this) or json, which is one object of raw totals
 
 import: raw events, one JSON object a line, with the keys "date" (seconds since 2001-01-01 UTC),
 "description", "monitor" and "properties" (a property list as text, or "NULL")

@@ -208,7 +208,8 @@ private Q_SLOTS:
         };
         for (const char *words :
              {"", "--start-agent", "--profile x list --database /tmp/x --format json", "import -",
-              "list --from 2024-02-29 --to 2024-02-29T23:59:59", "list --profile a.b_c-D",
+              "list --from 2024-02-29 --to 2024-02-29T23:59:59", "stats", "stats this-week --format json",
+              "stats --from 2024-02-29 --format text", "list --profile a.b_c-D",
               "snapshot --count 5 --picture x.png --start-agent"})
             row(words, words, Outcome::Run);
         row("help", "list -h", Outcome::Help);
@@ -218,6 +219,9 @@ private Q_SLOTS:
         wrong("import a b", "Unexpected argument \"b\".");
         wrong("--nonsense", "Unknown option 'nonsense'.");
         wrong("list --range tomorrow", "There is no range \"tomorrow\".");
+        wrong("stats tomorrow", "There is no range \"tomorrow\".");
+        wrong("stats today --range yesterday", "Unexpected argument \"yesterday\".");
+        wrong("stats --format table", "There is no format \"table\".");
         wrong("list --range today --from 2024-01-01", "--range does not go together with --from and --to.");
         wrong("list --from 2024-01-02 --to 2024-01-01", "--from lies after --to.");
         wrong("list --from 2023-02-29", "\"2023-02-29\" is no date: YYYY-MM-DD, YYYY-MM-DDTHH:MM or "

@@ -209,6 +209,45 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(settings.defaultsFile()));
     }
 
+    void statistics()
+    {
+        const Program program;
+        const QJsonObject none =
+            QJsonDocument::fromJson(program.run("stats --format json").output.toUtf8()).object();
+        QCOMPARE(none.value("count"_L1).toInt(-1), 0);
+        QVERIFY(none.value("usage"_L1).toObject().isEmpty() && none.value("sleeps"_L1).isObject());
+        const auto reading = [](double date, int percentage) {
+            return line(date, "Power state changed", "org.zelk.monitor.watcher.powersource",
+                        QByteArray("<plist version=\\\"1.0\\\"><dict><key>Name</key><string>B</string>"
+                                   "<key>Power Source State</key><string>Battery Power</string>"
+                                   "<key>Max Capacity</key><integer>100</integer>"
+                                   "<key>Current Capacity</key><integer>") +
+                            QByteArray::number(percentage) + "</integer></dict></plist>");
+        };
+        QCOMPARE(program
+                     .run("import -", reading(noon, 80) + line(noon + 60, "System will sleep") +
+                                          line(noon + 7260, "System has powered on") +
+                                          reading(noon + 7261, 70))
+                     .status,
+                 0);
+        const QByteArray json = program.run("stats everything --format json").output.toUtf8();
+        QCOMPARE(
+            QString::fromUtf8(json),
+            QString::fromUtf8(
+                R"({"from": 731286000, "to": 731372399, "count": 4, "usage": {"Awake": 79199, "Asleep": 7200}, )"
+                R"("powerSource": {"Battery Power": 86399}, "batteries": {"B": {"minimum": 70, "average": 75, )"
+                R"("maximum": 80, "secondsPerPercent": 726.1}}, "sleeps": {"count": 1, "unknown": 0, )"
+                R"("batteries": {"B": {"asleep": {"lost": 10, "seconds": 7200, "percentPerHour": 5}, )"
+                R"("awake": {"lost": 0, "seconds": 0, "percentPerHour": null}}}, )"
+                R"("each": [{"from": 731329260, "to": 731336460, "unknown": null, )"
+                R"("costs": {"B": {"lost": 10, "percentPerHour": 5}}}]}})"
+                "\n"));
+        const QString text = program.run("stats --from 2024-03-05 --to 2024-03-05").output;
+        QVERIFY2(text.startsWith("Tuesday, 5 March 2024\n4 entries\n\nUsage\n  Awake   91.7%  22h"_L1),
+                 qPrintable(text));
+        QVERIFY2(text.contains("\nSleeps\n  B asleep  "_L1), qPrintable(text));
+    }
+
     void profilesAreWorldsOfTheirOwn()
     {
         const Program program;
