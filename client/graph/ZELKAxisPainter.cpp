@@ -4,6 +4,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -52,8 +53,11 @@ void ZELKAxisPainter::drawGrid(const ZELKGraphLayout &layout)
     for (int i = 1; i <= gridLines; ++i) {
         const double y = chart.y() + chart.height() / gridLines * i;
         const QRectF line = level(y, double(layout.xAxisLineWidth) / 2.0, layout);
-        for (double x = line.left(); x < line.right(); x += dash + gapBetweenDashes)
+        const int dashes = int(std::ceil(line.width() / (dash + gapBetweenDashes)));
+        for (int k = 0; k < dashes; ++k) {
+            const double x = line.left() + k * (dash + gapBetweenDashes);
             fill({x, line.y(), std::min(dash, line.right() - x), line.height()}, QColor::fromRgba(lightGrey));
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "ZELKCoverage.h"
 #include "ZELKLWCEntriesViewDisplayList.h"
+#include "ZELKOpaquePixel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -92,11 +93,7 @@ void ZELKBlockPainter::blend(int y, int x, std::span<const float> shares, const 
     for (const float share : shares) {
         if (share > 0.0F) {
             const float over = share * alpha;
-            const auto mixed = [over](float of, int below) {
-                return int(of * over + float(below) * (1.0F - over) + 0.5F);
-            };
-            *pixel = qRgba(mixed(red, qRed(*pixel)), mixed(green, qGreen(*pixel)), mixed(blue, qBlue(*pixel)),
-                           mixed(255.0F, qAlpha(*pixel)));
+            *pixel = zelkLaidOver(*pixel, red * over, green * over, blue * over, 1.0F - over);
         }
         ++pixel;
     }

@@ -1,6 +1,7 @@
 #include "ZELKColourLayer.h"
 
 #include "ZELKBoxBlur.h"
+#include "ZELKOpaquePixel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -56,12 +57,8 @@ void ZELKColourLayer::paint(QImage &image, const Shadow &shadow, int from, int e
             if (over->alpha <= 0.0F && *dark < 0.001F)
                 continue;
             const float left = (1.0F - over->alpha) * (1.0F - *dark);
-            const auto mixed = [left](float colour, int below) {
-                return int(colour * 255.0F + float(below) * left + 0.5F);
-            };
-            const float alpha = over->alpha + (1.0F - over->alpha) * *dark;
-            *pixel = qRgba(mixed(over->red, qRed(*pixel)), mixed(over->green, qGreen(*pixel)),
-                           mixed(over->blue, qBlue(*pixel)), mixed(alpha, qAlpha(*pixel)));
+            *pixel =
+                zelkLaidOver(*pixel, over->red * 255.0F, over->green * 255.0F, over->blue * 255.0F, left);
         }
     }
 }

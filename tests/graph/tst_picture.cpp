@@ -145,28 +145,13 @@ private Q_SLOTS:
     void bandsAreNotSeen()
     {
         const GraphFixture fixture(u"-1:b80 12:b5 14:a5 25:a100"_s);
-        const ZELKGraphSubject subject{&fixture.log, &fixture.range, false, false, {}, {}};
-        // So large that it takes several bands; the same chart in one band is the same picture.
-        const QImage large = ZELKGraphDrawing(subject, {3000, 3000}, 1.0).image();
-        const ZELKGraphDrawing narrow(subject, {300, 3000}, 1.0);
-        const auto column = [](const QImage &image, int x) {
-            std::vector<QRgb> pixels;
-            for (int y = 0; y < image.height(); ++y)
-                pixels.push_back(image.pixel(x, y));
-            return pixels;
-        };
-        const auto differences = [](const std::vector<QRgb> &pixels) {
-            int largest = 0;
-            for (std::size_t i = 1; i < pixels.size(); ++i)
-                largest = std::max(largest, std::abs(qGreen(pixels[i]) - qGreen(pixels[i - 1])));
-            return largest;
-        };
-        // At three quarters of the day, below the curve and its shadow, nothing changes from row to row but
-        // the shadow, slowly, and the grid.
-        const std::vector<QRgb> below = column(large, 2900);
-        QVERIFY(differences({below.begin() + 1000, below.begin() + 1150}) <= 1);
-        QVERIFY(differences({below.begin() + 1350, below.begin() + 1700}) <= 1);
-        QCOMPARE(narrow.image().height(), 3000);
+        // So large that it takes several bands; the first ends at row 1398.
+        const QImage image =
+            ZELKGraphDrawing({&fixture.log, &fixture.range, false, false, {}, {}}, {3000, 3000}, 1.0).image();
+        // Late in the day, far below the curve, nothing is to be seen but its faint area.
+        for (const int x : {2700, 2900})
+            for (int y = 1350; y < 1700; ++y)
+                QVERIFY(std::abs(qGreen(image.pixel(x, y)) - qGreen(image.pixel(x, y - 1))) <= 1);
     }
 
     void blur()
