@@ -29,14 +29,18 @@ ZELKAttributedString sample()
     return text;
 }
 
-QImage drawn(const QString &text, double width = 120.0)
+QImage drawn(const ZELKAttributedString &text, double width = 120.0)
 {
     QImage image(200, 40, QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
-    ZELKTextLines::draw(painter, {10.0, 5.0, width, 30.0}, ZELKAttributedString(text, sized(12)),
-                        ZELKTextColours::forPaper());
+    ZELKTextLines::draw(painter, {10.0, 5.0, width, 30.0}, text, ZELKTextColours::forPaper());
     return image;
+}
+
+QImage drawn(const QString &text, double width = 120.0)
+{
+    return drawn(ZELKAttributedString(text, sized(12)), width);
 }
 
 double luminance(const QColor &colour)
@@ -135,6 +139,16 @@ private Q_SLOTS:
         QCOMPARE(drawn(u"a\u0007b\u2028c\rd"_s), drawn(u"a b c d"_s));
         QCOMPARE(drawn(u"a\u202Ebc\u2066d"_s), drawn(u"a\u200Bbc\u200Bd"_s));
         QVERIFY(drawn(u"one\ntwo"_s) != drawn(u"one two"_s));
+        // One look is drawn as two that look alike are.
+        ZELKTextAttributes look = sized(12);
+        look.bold = look.underline = true;
+        look.colour = ZELKTextColour::rgb(255, 0, 0);
+        const ZELKAttributedString one(u"one look"_s, look);
+        ZELKAttributedString two(u"one "_s, look);
+        look.paragraph.leftIndent = 9.0; // the first character's style is the line's
+        two.append(u"look"_s, look);
+        QCOMPARE(drawn(one), drawn(two));
+        QVERIFY(drawn(one) != drawn(ZELKAttributedString(one.string(), sized(12))));
         QCOMPARE(drawn(QString(100, u'\n') + u"x"_s), drawn(u"\n\n"_s)); // beyond the lower edge
     }
 
