@@ -116,7 +116,7 @@ BENCHMARK_CAPTURE(filter, many_rows, QStringLiteral("atter"))
     ->Iterations(1)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(filter, few_rows, QStringLiteral("restart"))
+BENCHMARK_CAPTURE(filter, few_rows, QStringLiteral("down after 10 minutes"))
     ->Iterations(1)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
