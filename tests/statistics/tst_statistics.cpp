@@ -205,11 +205,11 @@ private Q_SLOTS:
             const QString script = BruteForce::script(random);
             const StatisticsFixture fixture(script);
             const Selection selection(fixture.log.entry());
-            const BruteForce expected(fixture.log);
+            const BruteForce::Statistics expected = BruteForce::of(fixture.log);
             const auto found = [&](const QString &words) { return script + u" -> "_s + words; };
-            QCOMPARE(found(minutes(selection.summary())), found(expected.usage()));
-            QCOMPARE(found(minutes(selection.powerSources())), found(expected.sources()));
-            QCOMPARE(found(inWords(selection.sleepCosts())), found(expected.sleeps()));
+            QCOMPARE(found(minutes(selection.summary())), found(expected.usage));
+            QCOMPARE(found(minutes(selection.powerSources())), found(expected.sources));
+            QCOMPARE(found(inWords(selection.sleepCosts())), found(expected.sleeps));
         }
     }
 
