@@ -3,6 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
+namespace {
+
+// Edges that rise less, in pixels, cover nothing, and their slope is no number to reckon with.
+constexpr double levelEdge = 1e-12;
+
+} // namespace
+
 ZELKCoverage::ZELKCoverage(const QRect &box)
     : m_box(box)
     , m_stride(box.width() + 2) // an edge on the right border adds to the cell behind its own
@@ -31,7 +38,7 @@ void ZELKCoverage::addEdge(QPointF from, QPointF to)
     to -= m_box.topLeft();
     const double above = std::max(from.y(), 0.0);
     const double below = std::min(to.y(), double(m_box.height()));
-    if (!(above < below))
+    if (!(below - above > levelEdge))
         return;
     const double slope = (to.x() - from.x()) / (to.y() - from.y());
     double x = from.x() + slope * (above - from.y());
