@@ -111,6 +111,9 @@ bool ZELKLWCLogTableView::keyDown(const QKeyEvent &event)
     case Qt::Key_Escape:
         cancelOperation();
         return true;
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+        return (event.modifiers() & ~Qt::KeypadModifier) == 0 && selectCurrentRow();
     default:
         // A line feed without the key of a letter that makes one.
         if (event.key() < Qt::Key_Space || event.key() > Qt::Key_ydiaeresis)
@@ -120,6 +123,17 @@ bool ZELKLWCLogTableView::keyDown(const QKeyEvent &event)
             }
         return false;
     }
+}
+
+/// Where nothing is selected, the first arrow key selects the row at which the keys are, and moves nowhere.
+bool ZELKLWCLogTableView::selectCurrentRow()
+{
+    const QModelIndex current = currentIndex();
+    if (!current.isValid() || hasSelectedRows())
+        return false;
+    selectionModel()->select(current, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    scrollTo(current);
+    return true;
 }
 
 void ZELKLWCLogTableView::moveToBeginningOfDocument()

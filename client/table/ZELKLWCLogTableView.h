@@ -80,6 +80,7 @@ protected:
 
 private:
     bool keyDown(const QKeyEvent &event);
+    bool selectCurrentRow();
 
     ZELKLWCLogTableViewDelegate *m_delegate = nullptr;
     DragRunner m_dragRunner;
