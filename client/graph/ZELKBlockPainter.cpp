@@ -93,7 +93,7 @@ void ZELKBlockPainter::blend(int y, int x, std::span<const float> shares, const 
     for (const float share : shares) {
         if (share > 0.0F) {
             const float over = share * alpha;
-            *pixel = zelkLaidOver(*pixel, red * over, green * over, blue * over, 1.0F - over);
+            *pixel = ZELKOpaquePixel::laidOver(*pixel, red * over, green * over, blue * over, 1.0F - over);
         }
         ++pixel;
     }

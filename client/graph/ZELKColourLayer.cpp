@@ -57,8 +57,8 @@ void ZELKColourLayer::paint(QImage &image, const Shadow &shadow, int from, int e
             if (over->alpha <= 0.0F && *dark < 0.001F)
                 continue;
             const float left = (1.0F - over->alpha) * (1.0F - *dark);
-            *pixel =
-                zelkLaidOver(*pixel, over->red * 255.0F, over->green * 255.0F, over->blue * 255.0F, left);
+            *pixel = ZELKOpaquePixel::laidOver(*pixel, over->red * 255.0F, over->green * 255.0F,
+                                               over->blue * 255.0F, left);
         }
     }
 }
