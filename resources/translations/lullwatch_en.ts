@@ -200,6 +200,12 @@
 <context>
     <name>General</name>
     <message>
+        <source>Battery
+%</source>
+        <translation>Battery
+%</translation>
+    </message>
+    <message>
         <source>Preparing to sleep after %@ idle time</source>
         <translation>Preparing to sleep after %@ idle time</translation>
     </message>
@@ -1018,6 +1024,25 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>The recording agent's events could not be fetched; these are from the cache.</source>
         <translation>The recording agent's events could not be fetched; these are from the cache.</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKLWCEntriesView</name>
+    <message>
+        <source>ZELKLWCEntriesView.entry</source>
+        <translation>%d event</translation>
+    </message>
+    <message>
+        <source>ZELKLWCEntriesView.entries</source>
+        <translation>%d events</translation>
+    </message>
+    <message>
+        <source>ZELKLWCEntriesView.once</source>
+        <translation>%@ once</translation>
+    </message>
+    <message>
+        <source>ZELKLWCEntriesView.times</source>
+        <translation>%@ %d times</translation>
     </message>
 </context>
 <context>

@@ -1,0 +1,317 @@
+#include "ZELKLWCEntriesView.h"
+
+#include "ZELKAssertion.h"
+#include "ZELKGraphColours.h"
+#include "ZELKGraphDescription.h"
+#include "ZELKGraphImage.h"
+#include "ZELKLWCDateRangeController.h"
+#include "ZELKLWCLog.h"
+#include "ZELKVisibleTimes.h"
+
+#include <QApplication>
+#include <QDrag>
+#include <QHelpEvent>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QToolTip>
+
+namespace {
+
+// In lines and characters of the view's font.
+constexpr int usualLines = 11;
+constexpr int fewestLines = 7;
+constexpr int usualCharacters = 100;
+constexpr int fewestCharacters = 30;
+
+constexpr Qt::KeyboardModifiers draggingKeys = Qt::AltModifier | Qt::ControlModifier;
+
+} // namespace
+
+ZELKLWCEntriesView::ZELKLWCEntriesView(QWidget *parent)
+    : QWidget(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    connect(&m_queue, &ZELKNotificationQueue::posted, this, [this] { zelkGuard([this] { redisplay(); }); });
+}
+
+void ZELKLWCEntriesView::awakeFromNib()
+{
+    m_cell.setLog(m_log);
+    m_cell.setDateRange(m_dateRange);
+    const auto follow = [this] { zelkGuard([this] { dataDidChange(); }); };
+    if (m_log)
+        connect(m_log, &ZELKLWCLog::visibleEntriesDidChange, this, follow);
+    if (m_dateRange)
+        connect(m_dateRange, &ZELKLWCDateRangeController::absoluteDurationChanged, this, follow);
+    dataDidChange();
+}
+
+// MARK: showing
+
+void ZELKLWCEntriesView::dataDidChange()
+{
+    m_cell.setDataSourceChanged(true);
+    m_queue.enqueue(QStringLiteral("ZELKLWCEntriesView.redisplay"));
+}
+
+void ZELKLWCEntriesView::redisplay()
+{
+    update();
+    if (m_log && m_dateRange)
+        setAccessibleDescription(ZELKGraphDescription::description(*m_log, *m_dateRange));
+}
+
+void ZELKLWCEntriesView::setTitled(bool titled)
+{
+    m_cell.setTitled(titled);
+    update();
+}
+
+void ZELKLWCEntriesView::setBordered(bool bordered)
+{
+    m_cell.setBordered(bordered);
+    update();
+}
+
+void ZELKLWCEntriesView::setLabelTopLeft(const ZELKAttributedString &label)
+{
+    m_cell.setLabelTopLeft(label);
+    update();
+}
+
+void ZELKLWCEntriesView::setLabelBanner(const ZELKAttributedString &label)
+{
+    m_cell.setLabelBanner(label);
+    update();
+}
+
+QSize ZELKLWCEntriesView::sizeHint() const
+{
+    return {usualCharacters * fontMetrics().averageCharWidth(), usualLines * fontMetrics().lineSpacing()};
+}
+
+QSize ZELKLWCEntriesView::minimumSizeHint() const
+{
+    return {fewestCharacters * fontMetrics().averageCharWidth(), fewestLines * fontMetrics().lineSpacing()};
+}
+
+void ZELKLWCEntriesView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    switch (event->type()) {
+    case QEvent::FontChange:
+    case QEvent::PaletteChange:
+    case QEvent::StyleChange:
+    case QEvent::LocaleChange:
+    case QEvent::LanguageChange:
+        updateGeometry();
+        zelkGuard([this] { dataDidChange(); });
+        break;
+    default:
+        break;
+    }
+}
+
+void ZELKLWCEntriesView::paintEvent(QPaintEvent *)
+{
+    zelkGuard([this] {
+        QPainter painter(this);
+        m_cell.drawInteriorWithFrame(painter, QRectF(rect()));
+        if (!hasFocus())
+            return;
+        painter.setPen(palette().color(QPalette::Highlight));
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    });
+}
+
+QImage ZELKLWCEntriesView::imageValue() const
+{
+    return m_cell.imageValueWithWidthHeight(float(width()), float(height()), devicePixelRatioF());
+}
+
+QImage ZELKLWCEntriesView::imageValueWithWidthHeight(float width, float height) const
+{
+    return m_cell.imageValueWithWidthHeight(width, height);
+}
+
+QByteArray ZELKLWCEntriesView::PNGRepresentation() const
+{
+    return ZELKGraphImage::PNGRepresentation(imageValue());
+}
+
+bool ZELKLWCEntriesView::event(QEvent *event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    zelkGuard([&] { showToolTip(*static_cast<QHelpEvent *>(event)); });
+    return true;
+}
+
+void ZELKLWCEntriesView::showToolTip(const QHelpEvent &event)
+{
+    const ZELKLWCEntriesViewState *block = m_cell.drawing().displayList().blockAtPoint(
+        unflipped(event.pos()), ZELKGraphColours::colouredStates());
+    if (!block || !block->entry) {
+        QToolTip::hideText();
+        return;
+    }
+    const ZELKPixelSpace space{double(height())};
+    QToolTip::showText(event.globalPos(), block->entry->stringForToolTip(), this,
+                       space.turned(block->bounds).toAlignedRect());
+}
+
+// MARK: pointing
+
+void ZELKLWCEntriesView::setSelection(std::optional<ZELKDate> selection)
+{
+    m_entry = nullptr;
+    m_cell.setSelection(selection);
+}
+
+QVariant ZELKLWCEntriesView::selectionValue() const
+{
+    return selection() ? QVariant::fromValue(*selection()) : QVariant();
+}
+
+void ZELKLWCEntriesView::selectAt(QPointF position)
+{
+    if (!m_cell.selectDateAtPoint(unflipped(position)))
+        return;
+    m_entry = nullptr;
+    Q_EMIT selectionDidChange();
+}
+
+void ZELKLWCEntriesView::startTracking(const QMouseEvent &event)
+{
+    m_isTracking = true;
+    m_dragOrigin.reset();
+    if (event.modifiers() & draggingKeys)
+        m_dragOrigin = event.position();
+    selectAt(event.position());
+}
+
+void ZELKLWCEntriesView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        zelkGuard([&] { startTracking(*event); });
+    else
+        event->ignore();
+}
+
+/// With a key held the picture is dragged, once the pointer has moved far enough to mean it.
+void ZELKLWCEntriesView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!m_isTracking)
+        return;
+    zelkGuard([&] {
+        m_isTracking = rect().contains(event->position().toPoint());
+        const QPointF way = m_dragOrigin ? event->position() - *m_dragOrigin : QPointF();
+        if (way.manhattanLength() >= QApplication::startDragDistance())
+            dragImage();
+        else if (m_isTracking && !m_dragOrigin)
+            selectAt(event->position());
+    });
+}
+
+void ZELKLWCEntriesView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton || !std::exchange(m_isTracking, false))
+        return;
+    m_dragOrigin.reset();
+    zelkGuard([&] { selectAt(event->position()); });
+}
+
+/// Tracking ends here: where the button is let go the chart shows other times already.
+void ZELKLWCEntriesView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    zelkGuard([&] {
+        startTracking(*event);
+        m_isTracking = false;
+        narrowToSelectedDay();
+    });
+}
+
+void ZELKLWCEntriesView::narrowToSelectedDay()
+{
+    const std::optional<ZELKDate> day = selection();
+    if (!day || !m_dateRange)
+        return;
+    m_dateRange->setStartingDay(day);
+    m_dateRange->setEndingDay(day);
+}
+
+void ZELKLWCEntriesView::dragImage()
+{
+    m_isTracking = false;
+    m_dragOrigin.reset();
+    const QImage image = imageValue();
+    auto pasteboard = std::make_unique<QMimeData>();
+    pasteboard->setData(QLatin1String(tiffType), ZELKGraphImage::TIFFRepresentation(image));
+    drag(std::move(pasteboard), image);
+}
+
+/// The picture that goes along with the pointer is small, so that one sees where it will fall.
+void ZELKLWCEntriesView::drag(std::unique_ptr<QMimeData> pasteboard, const QImage &image)
+{
+    constexpr int widest = 320;
+    const int across = qMin(image.width(), qRound(widest * image.devicePixelRatio()));
+    auto *drag = new QDrag(this); // deletes itself
+    drag->setMimeData(pasteboard.release());
+    drag->setPixmap(QPixmap::fromImage(image.scaledToWidth(across, Qt::SmoothTransformation)));
+    drag->exec(Qt::CopyAction);
+}
+
+// MARK: keys
+
+void ZELKLWCEntriesView::keyPressEvent(QKeyEvent *event)
+{
+    bool isTaken = false;
+    zelkGuard([&] {
+        if ((event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+            return;
+        isTaken = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (isTaken)
+            narrowToSelectedDay();
+        else
+            isTaken = moveSelection(event->key());
+    });
+    if (!isTaken)
+        QWidget::keyPressEvent(event);
+}
+
+/// Without a selection in the range the nearest end is the first step.
+const ZELKLWCLogEntry *ZELKLWCEntriesView::entryForKey(int key) const
+{
+    const ZELKVisibleTimes times(*m_log);
+    const ZELKLWCAbsoluteDuration &period = *m_dateRange->absoluteDuration();
+    const bool isSelected = selection() && period.contains(*selection());
+    const std::optional<ZELKDate> from = m_entry ? m_entry->date() : selection();
+    if (key == Qt::Key_Home || (key == Qt::Key_Right && !isSelected))
+        return times.nearestEntryToDate(ZELKDate::distantPast());
+    if (key == Qt::Key_End || (key == Qt::Key_Left && !isSelected))
+        return times.nearestEntryToDate(ZELKDate::distantFuture());
+    return key == Qt::Key_Right ? times.firstEntryAfterDate(*from) : times.lastEntryBeforeDate(*from);
+}
+
+/// Who looks for the nearest entry finds none at the very date of the last one, and the last one after it.
+bool ZELKLWCEntriesView::moveSelection(int key)
+{
+    constexpr double moment = 0.001; // seconds
+    if (key != Qt::Key_Left && key != Qt::Key_Right && key != Qt::Key_Home && key != Qt::Key_End)
+        return false;
+    if (!m_log || !m_dateRange || !m_dateRange->absoluteDuration())
+        return true;
+    const ZELKLWCLogEntry *entry = entryForKey(key);
+    if (!entry)
+        return true;
+    const bool isLast = !ZELKVisibleTimes(*m_log).firstEntryAfterDate(entry->date());
+    m_cell.setSelection(isLast ? entry->date().addingTimeInterval(moment) : entry->date());
+    m_entry = entry;
+    Q_EMIT selectionDidChange();
+    return true;
+}

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "ZELKLWCEntriesCell.h"
+#include "ZELKNotificationQueue.h"
+
+#include <QVariant>
+#include <QWidget>
+
+#include <memory>
+
+class QHelpEvent;
+class QMimeData;
+class ZELKLWCLogEntry;
+
+/// The timeline graph in a window. Pointing at the chart selects a date and says so, also while the pointer
+/// is dragged; a double click narrows the range to the day. With Alt or Ctrl held the graph is dragged out
+/// as a picture. Left and Right go from entry to entry, Home and End to the first and the last, Return does
+/// what a double click does.
+///
+/// Blocks answer with tool tips, and the accessible description tells what the range shows.
+class ZELKLWCEntriesView : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(QVariant selection READ selectionValue NOTIFY selectionDidChange)
+    Q_PROPERTY(bool titled READ isTitled WRITE setTitled)
+    Q_PROPERTY(bool bordered READ isBordered WRITE setBordered)
+
+public:
+    static constexpr char tiffType[] = "image/tiff"; ///< of what a drag carries
+
+    explicit ZELKLWCEntriesView(QWidget *parent = nullptr);
+
+    /// Not owned, to outlive the view. Connect both before awakeFromNib().
+    void setLog(ZELKLWCLog *log) { m_log = log; }
+    void setDateRange(ZELKLWCDateRangeController *dateRange) { m_dateRange = dateRange; }
+    /// From here on log and range are shown and followed.
+    void awakeFromNib();
+
+    bool isTitled() const { return m_cell.isTitled(); }
+    void setTitled(bool titled);
+    bool isBordered() const { return m_cell.isBordered(); }
+    void setBordered(bool bordered);
+    const ZELKAttributedString &labelTopLeft() const { return m_cell.labelTopLeft(); }
+    void setLabelTopLeft(const ZELKAttributedString &label);
+    const ZELKAttributedString &labelBanner() const { return m_cell.labelBanner(); }
+    void setLabelBanner(const ZELKAttributedString &label);
+
+    /// The date last chosen. It is not drawn.
+    std::optional<ZELKDate> selection() const { return m_cell.selection(); }
+    void setSelection(std::optional<ZELKDate> selection);
+    /// The same as a ZELKDate, for those who know no more of the view than that; invalid without one.
+    QVariant selectionValue() const;
+
+    /// The graph as it stands here, in the pixels of this screen; without the sign of the focus.
+    QImage imageValue() const;
+    /// In points, of one pixel each.
+    QImage imageValueWithWidthHeight(float width, float height) const;
+    QByteArray PNGRepresentation() const;
+
+    const ZELKLWCEntriesCell &cell() const { return m_cell; }
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    /// The user has chosen a date, perhaps the same again.
+    void selectionDidChange();
+
+protected:
+    bool event(QEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    /// Carries the picture away, as a copy; returns when it was dropped.
+    virtual void drag(std::unique_ptr<QMimeData> pasteboard, const QImage &image);
+
+private:
+    void dataDidChange();
+    void redisplay();
+    QPointF unflipped(QPointF position) const { return {position.x(), height() - position.y()}; }
+    void startTracking(const QMouseEvent &event);
+    void selectAt(QPointF position);
+    void dragImage();
+    void narrowToSelectedDay();
+    const ZELKLWCLogEntry *entryForKey(int key) const;
+    bool moveSelection(int key);
+    void showToolTip(const QHelpEvent &event);
+
+    ZELKLWCLog *m_log = nullptr;
+    ZELKLWCDateRangeController *m_dateRange = nullptr;
+    ZELKLWCEntriesCell m_cell;
+    ZELKNotificationQueue m_queue;
+    const ZELKLWCLogEntry *m_entry = nullptr; // the log's; that the selection was moved to by keys
+    bool m_isTracking = false;
+    std::optional<QPointF> m_dragOrigin;
+};
