@@ -54,7 +54,7 @@ void ZELKLWCEntriesView::awakeFromNib()
 void ZELKLWCEntriesView::dataDidChange()
 {
     m_cell.setDataSourceChanged(true);
-    m_queue.enqueue(QStringLiteral("ZELKLWCEntriesView.redisplay"));
+    m_queue.enqueue(QStringLiteral("redisplay"));
 }
 
 void ZELKLWCEntriesView::redisplay()
