@@ -3,6 +3,7 @@
 #include "ZELKColourButton.h"
 #include "ZELKElidedLabel.h"
 #include "ZELKEnvironment.h"
+#include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLogTableView.h"
 #include "ZELKSearchField.h"
 #include "ZELKSymbolIcon.h"
@@ -49,6 +50,7 @@ QWidget *makeWidget(QWidget *parent)
 
 /// Our own classes that interface files name.
 constexpr std::pair<const char *, QWidget *(*)(QWidget *)> ourWidgets[] = {
+    {"ZELKLWCEntriesView", makeWidget<ZELKLWCEntriesView>},
     {"ZELKLWCLogTableView", makeWidget<ZELKLWCLogTableView>},
     {"ZELKElidedLabel", makeWidget<ZELKElidedLabel>},
     {"ZELKSymbolLabel", makeWidget<ZELKSymbolLabel>},

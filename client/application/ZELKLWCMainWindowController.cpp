@@ -6,6 +6,7 @@
 #include "ZELKEmptyPage.h"
 #include "ZELKEnvironment.h"
 #include "ZELKInterfaceLoader.h"
+#include "ZELKLWCEntriesView.h"
 #include "ZELKMainMenu.h"
 #include "ZELKMessage.h"
 #include "ZELKRangeControls.h"
@@ -98,15 +99,27 @@ void ZELKLWCMainWindowController::makeParts()
     orderTabs(toolBar->controls());
     new ZELKTableActions(*m_window, m_table.controller(), m_table.view(), m_wiring.dateRange());
     new ZELKSearchControls(*m_window, m_table.controller(), m_table.view(), m_wiring.log());
+    connectGraph();
     m_statusLine = new ZELKStatusLine(*m_window, m_wiring);
     const auto *look = new ZELKWindowLook(*m_window);
     connect(look, &ZELKWindowLook::measured, this, [this] { zelkGuard([this] { fitFont(); }); });
 }
 
+/// The table goes to the entry nearest to the date that is chosen in the graph.
+void ZELKLWCMainWindowController::connectGraph()
+{
+    auto *graph = outlet<ZELKLWCEntriesView>("graph");
+    graph->setLog(&m_wiring.log());
+    graph->setDateRange(&m_wiring.dateRange());
+    graph->awakeFromNib();
+    connect(graph, &ZELKLWCEntriesView::selectionDidChange, this,
+            [this, graph] { zelkGuard([&] { m_table.controller().selectEntryByDate(graph); }); });
+}
+
 /// As they stand: the tool bar, then what is below it.
 void ZELKLWCMainWindowController::orderTabs(QList<QWidget *> controls) const
 {
-    for (const char *name : {"filterField", "table", "emptyButton", "failureLine"})
+    for (const char *name : {"filterField", "graph", "table", "emptyButton", "failureLine"})
         controls.append(outlet<QWidget>(name));
     for (qsizetype i = 1; i < controls.size(); ++i)
         QWidget::setTabOrder(controls.at(i - 1), controls.at(i));
@@ -140,6 +153,8 @@ void ZELKLWCMainWindowController::updatePage()
     const bool isEmpty = m_table.controller().model().rowCount() == 0;
     if (isEmpty)
         showEmptyPage();
+    // Before anything is recorded, what to do next has all the room.
+    outlet<ZELKLWCEntriesView>("graph")->setVisible(m_wiring.log().count() > 0);
     outlet<QStackedWidget>("pages")->setCurrentIndex(isEmpty ? 1 : 0);
 }
 

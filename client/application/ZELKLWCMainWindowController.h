@@ -10,12 +10,13 @@
 class QMainWindow;
 class ZELKApplicationWiring;
 class ZELKEmptyPage;
+class ZELKLWCEntriesView;
 class ZELKStatusLine;
 class ZELKWindowState;
 
-/// The main window: the visible entries, the date range that chooses them, and the agent's state with what
-/// starts, stops and updates it. The controller puts its parts together; each looks after itself. While it
-/// lives it also shows what guards catch.
+/// The main window: the visible entries as a graph and as a table, the date range that chooses them, and the
+/// agent's state with what starts, stops and updates it. The controller puts its parts together; each looks
+/// after itself. While it lives it also shows what guards catch.
 class ZELKLWCMainWindowController : public QObject
 {
     Q_OBJECT
@@ -38,6 +39,7 @@ public:
 
 private:
     void makeParts();
+    void connectGraph();
     void orderTabs(QList<QWidget *> controls) const;
     void fitFont();
     void follow();

@@ -1167,6 +1167,10 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>The recording agent is there only in part: it does not answer, or nothing says who started it. “lullwatch agent remove” takes away what is left of it.</translation>
     </message>
     <message>
+        <source>ZELKLWCMainWindowController.graph.accessibleName</source>
+        <translation>Timeline</translation>
+    </message>
+    <message>
         <source>ZELKLWCMainWindowController.table.accessibleName</source>
         <translation>Events</translation>
     </message>

@@ -3,6 +3,7 @@
 #include "ZELKColourButton.h"
 #include "ZELKElidedLabel.h"
 #include "ZELKEventVocabulary.h"
+#include "ZELKLWCEntriesView.h"
 #include "ZELKPreferences.h"
 #include "ZELKSearchField.h"
 
@@ -229,6 +230,29 @@ private Q_SLOTS:
 
     // MARK: accessibility
 
+    void tableFollowsTheGraph()
+    {
+        const ApplicationFixture fixture;
+        Session session(fixture);
+        session.pick(8);
+        auto &graph = session.find<ZELKLWCEntriesView>("graph");
+        QTRY_VERIFY(graph.isVisible() && !graph.cell().dataSourceChanged());
+        QVERIFY(!graph.accessibleDescription().isEmpty());
+        const int rows = session.rows();
+        graph.setFocus();
+        session.press(Qt::Key_End);
+        QTRY_COMPARE(session.table().selectedRows().size(), std::size_t(1));
+        const ZELKLWCLogEntry *last = session.table().firstSelectedEntry();
+        QCOMPARE(last->date(), session.wiring.log().objectAtIndex(session.wiring.log().count() - 1)->date());
+        session.press(Qt::Key_Home);
+        QTRY_COMPARE(session.table().firstSelectedEntry(), session.wiring.log().objectAtIndex(0));
+        session.press(Qt::Key_Return);
+        QCOMPARE(session.shownTag(), ZELKLWCDateRangeController::customTag);
+        QTRY_VERIFY(session.rows() < rows);
+        Session empty(ApplicationFixture{}, false);
+        QVERIFY(!empty.find<ZELKLWCEntriesView>("graph").isVisible());
+    }
+
     void everyControlIsReachableAndNamed()
     {
         const ApplicationFixture fixture;
@@ -276,7 +300,7 @@ private Q_SLOTS:
                                      u"actionDayBackwardButton"_s, u"actionRange1Button"_s,
                                      u"actionDayForwardButton"_s, u"actionMonthForwardButton"_s,
                                      u"actionZoomInButton"_s, u"actionZoomOutButton"_s, u"startStopButton"_s,
-                                     u"filterField"_s, u"table"_s}));
+                                     u"filterField"_s, u"graph"_s, u"table"_s}));
     }
 
     void menusAreUnambiguous()
