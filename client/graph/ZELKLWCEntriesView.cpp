@@ -19,7 +19,7 @@
 namespace {
 
 // In lines and characters of the view's font.
-constexpr int usualLines = 11;
+constexpr int usualLines = 14;
 constexpr int fewestLines = 7;
 constexpr int usualCharacters = 100;
 constexpr int fewestCharacters = 30;
