@@ -7,6 +7,7 @@
 #include "ZELKEnvironment.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCEntriesView.h"
+#include "ZELKLWCWelcomeController.h"
 #include "ZELKMainMenu.h"
 #include "ZELKMessage.h"
 #include "ZELKRangeControls.h"
@@ -114,6 +115,10 @@ void ZELKLWCMainWindowController::connectGraph()
     graph->awakeFromNib();
     connect(graph, &ZELKLWCEntriesView::selectionDidChange, this,
             [this, graph] { zelkGuard([&] { m_table.controller().selectEntryByDate(graph); }); });
+    if (!m_wiring.settings().knowsAgent())
+        return; // nobody can start it, then
+    auto *welcome = new ZELKLWCWelcomeController({m_wiring.agentController(), *graph, m_wiring.log()}, graph);
+    welcome->awakeFromNib();
 }
 
 /// As they stand: the tool bar, then what is below it.
@@ -153,8 +158,9 @@ void ZELKLWCMainWindowController::updatePage()
     const bool isEmpty = m_table.controller().model().rowCount() == 0;
     if (isEmpty)
         showEmptyPage();
-    // Before anything is recorded, what to do next has all the room.
-    outlet<ZELKLWCEntriesView>("graph")->setVisible(m_wiring.log().count() > 0);
+    // Without entries only the welcome is worth the room.
+    const bool isWelcome = m_wiring.settings().knowsAgent() && !m_wiring.agentController().installed();
+    outlet<ZELKLWCEntriesView>("graph")->setVisible(m_wiring.log().count() > 0 || isWelcome);
     outlet<QStackedWidget>("pages")->setCurrentIndex(isEmpty ? 1 : 0);
 }
 

@@ -249,8 +249,20 @@ private Q_SLOTS:
         session.press(Qt::Key_Return);
         QCOMPARE(session.shownTag(), ZELKLWCDateRangeController::customTag);
         QTRY_VERIFY(session.rows() < rows);
-        Session empty(ApplicationFixture{}, false);
-        QVERIFY(!empty.find<ZELKLWCEntriesView>("graph").isVisible());
+    }
+
+    void newcomersAreWelcomed()
+    {
+        const ApplicationFixture fixture;
+        Session session(fixture, false);
+        const auto &graph = session.find<ZELKLWCEntriesView>("graph");
+        QVERIFY(graph.isVisible());
+        session.wiring.log().updateVisibleEntries();
+        QVERIFY(graph.labelTopLeft().string().contains("Start Recording"_L1));
+        QVERIFY(graph.labelBanner().string().contains("Welcome"_L1));
+        session.add(1);
+        QVERIFY(graph.labelTopLeft().isEmpty() && graph.labelBanner().isEmpty());
+        QVERIFY(graph.isVisible());
     }
 
     void everyControlIsReachableAndNamed()
