@@ -95,7 +95,7 @@ void ZELKSystemBus::dropConnection()
 void ZELKSystemBus::await()
 {
     if (!m_socket.isEmpty())
-        m_watcher.addPath(folderTowards(m_socket));
+        watchNearestFolder();
     m_next.stop();
     if (!m_socket.isEmpty() && !QFileInfo::exists(m_socket))
         return; // its coming will be a sign
@@ -103,11 +103,30 @@ void ZELKSystemBus::await()
     m_next.start(millisecondsToTheFirst);
 }
 
-/// Folders on the way may come and go; each change of what is watched is a sign.
-void ZELKSystemBus::socketMayHaveChanged()
+/// Folders on the way may come and go while they are looked for: the one watched must be the nearest
+/// afterwards too. Not for ever, since one that may not be read cannot be watched.
+void ZELKSystemBus::watchNearestFolder()
+{
+    constexpr int mostLooks = 20;
+    for (int look = 0; look < mostLooks; ++look) {
+        const QString folder = folderTowards(m_socket);
+        if (m_watcher.directories() == QStringList{folder})
+            return;
+        stopWatching();
+        m_watcher.addPath(folder);
+    }
+}
+
+void ZELKSystemBus::stopWatching()
 {
     if (const QStringList watched = m_watcher.directories(); !watched.isEmpty())
         m_watcher.removePaths(watched);
+}
+
+/// Each change of what is watched is a sign; it may not be what it was.
+void ZELKSystemBus::socketMayHaveChanged()
+{
+    stopWatching();
     await();
 }
 
@@ -120,8 +139,7 @@ void ZELKSystemBus::attempt()
             m_next.start(millisecondsToTheFirst << (attemptsASign - m_attemptsLeft));
         return;
     }
-    if (const QStringList watched = m_watcher.directories(); !watched.isEmpty())
-        m_watcher.removePaths(watched);
+    stopWatching();
     m_bus = bus;
     ZELKConsole::log(QStringLiteral("The system bus is there."));
     Q_EMIT changed(m_bus);

@@ -42,6 +42,8 @@ private:
     QDBusConnection connectAnew();
     void dropConnection();
     void await();
+    void watchNearestFolder();
+    void stopWatching();
     void socketMayHaveChanged();
     void attempt();
 
