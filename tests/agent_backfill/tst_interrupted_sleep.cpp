@@ -1,33 +1,17 @@
 #include "BackfillFixture.h"
+#include "TestClock.h"
 #include "ZELKInterruptedSleep.h"
 
 namespace {
 
-/// A machine that is told how long it was awake and how long it slept.
-class TwoClocks final : public ZELKClock, public ZELKSuspendClock
-{
-public:
-    ZELKDate now() const override { return m_now.date; }
-    ZELKMoment read(ZELKDate date) const override { return {date, m_now.awake, m_now.suspended}; }
-    void pass(double awake, double suspended)
-    {
-        m_now.date = m_now.date.addingTimeInterval(awake + suspended);
-        m_now.awake += awake;
-        m_now.suspended += suspended;
-    }
-
-private:
-    ZELKMoment m_now{ZELKDate::fromSecondsSince1970(1000000000.0), 50.0, 5.0};
-};
-
 ZELKLWAEvent eventAt(QLatin1String name, double date)
 {
-    return {ZELKDate::fromSecondsSince1970(1000000000.0 + date), name, ZELKMonitorPowerEvents};
+    return {ZELKDate::fromSecondsSince1970(1700000000.0 + date), name, ZELKMonitorPowerEvents};
 }
 
 } // namespace
 
-/// Announced at 1000000000, with the agent dead from then on.
+/// Announced at 1700000000, with the agent dead from then on.
 class TestInterruptedSleep : public QObject
 {
     Q_OBJECT
@@ -105,7 +89,7 @@ private Q_SLOTS:
 
     void init()
     {
-        m_clock = std::make_shared<TwoClocks>();
+        m_clock = std::make_shared<TestClock>();
         ZELKEnvironment environment = ZELKEnvironment::system();
         environment.clock = m_clock;
         m_scope.emplace(environment);
@@ -131,13 +115,13 @@ private:
                 if (told.event == nameOf(word))
                     parts.append(word + u' ' +
                                  QString::number(told.date.timeIntervalSinceReferenceDate() +
-                                                     ZELKDate::secondsFrom1970 - 1000000000.0,
+                                                     ZELKDate::secondsFrom1970 - 1700000000.0,
                                                  'f', 0));
         return parts.join(u", "_s);
     }
 
     QTemporaryDir m_folder;
-    std::shared_ptr<TwoClocks> m_clock;
+    std::shared_ptr<TestClock> m_clock;
     std::optional<ZELKEnvironmentScope> m_scope;
 };
 
