@@ -3,7 +3,7 @@
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
 #include "ZELKDefaultBinding.h"
-#include "ZELKInterfaceLoader.h"
+#include "ZELKMainWindowInterface.h"
 #include "ZELKMessage.h"
 #include "ZELKPreferences.h"
 
@@ -16,31 +16,11 @@
 
 #include <utility>
 
-namespace {
-
-QString className()
-{
-    return QStringLiteral("ZELKLWCMainWindowController");
-}
-
-QString text(const char *topic)
-{
-    return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
-}
-
-template <typename Type>
-Type *outlet(const QMainWindow &window, const char *name)
-{
-    return ZELKInterfaceLoader::outlet<Type>(window, className(), name);
-}
-
-} // namespace
-
 ZELKMainMenu::ZELKMainMenu(QMainWindow &window, ZELKApplicationWiring &wiring)
     : QObject(&window)
     , m_window(window)
     , m_wiring(wiring)
-    , m_fullScreen(outlet<QAction>(window, "actionFullScreen"))
+    , m_fullScreen(ZELKMainWindowInterface::outlet<QAction>(window, "actionFullScreen"))
     , m_preferences(new ZELKPreferences(window, *wiring.settings().bundle, wiring.defaults()))
 {
     connectWindow();
@@ -52,7 +32,7 @@ ZELKMainMenu::ZELKMainMenu(QMainWindow &window, ZELKApplicationWiring &wiring)
 template <typename Receiver, typename Function>
 void ZELKMainMenu::onTriggered(const char *action, Receiver *receiver, Function function)
 {
-    connect(outlet<QAction>(m_window, action), &QAction::triggered, receiver,
+    connect(ZELKMainWindowInterface::outlet<QAction>(m_window, action), &QAction::triggered, receiver,
             [receiver, function](bool isOn) {
                 zelkGuard([&] {
                     if constexpr (std::is_invocable_v<Function, Receiver *, bool>)
@@ -70,9 +50,9 @@ void ZELKMainMenu::connectWindow()
     onTriggered("actionFullScreen", this, &ZELKMainMenu::setFullScreen);
     onTriggered("actionPreferences", m_preferences, &ZELKPreferences::show);
     m_window.installEventFilter(this);
-    QAction *toolBar = outlet<QToolBar>(m_window, "toolBar")->toggleViewAction();
-    toolBar->setText(text("showToolBar"));
-    outlet<QMenu>(m_window, "viewMenu")->insertAction(m_fullScreen, toolBar);
+    QAction *toolBar = ZELKMainWindowInterface::outlet<QToolBar>(m_window, "toolBar")->toggleViewAction();
+    toolBar->setText(ZELKMainWindowInterface::text("showToolBar"));
+    ZELKMainWindowInterface::outlet<QMenu>(m_window, "viewMenu")->insertAction(m_fullScreen, toolBar);
 }
 
 void ZELKMainMenu::connectSettings()
@@ -80,19 +60,20 @@ void ZELKMainMenu::connectSettings()
     for (const auto &[action, key] :
          {std::pair("actionDetail", "eventDetail"), std::pair("actionRelativeDates", "relativeDates"),
           std::pair("actionHighlight", "highlight")})
-        ZELKDefaultBinding::bind(*outlet<QAction>(m_window, action), m_wiring.defaults(),
-                                 QString::fromLatin1(key));
+        ZELKDefaultBinding::bind(*ZELKMainWindowInterface::outlet<QAction>(m_window, action),
+                                 m_wiring.defaults(), QString::fromLatin1(key));
 }
 
 void ZELKMainMenu::connectHelp()
 {
-    auto *guide = outlet<QAction>(m_window, "actionUserGuide");
+    auto *guide = ZELKMainWindowInterface::outlet<QAction>(m_window, "actionUserGuide");
     ZELKLWClientAppDelegate &delegate = m_wiring.delegate();
     guide->setEnabled(delegate.canOpenUserGuide());
     connect(&delegate, &ZELKLWClientAppDelegate::canOpenUserGuideChanged, guide, &QAction::setEnabled);
     onTriggered("actionUserGuide", &delegate, &ZELKLWClientAppDelegate::openUserGuide);
     onTriggered("actionAbout", this, &ZELKMainMenu::showAbout);
-    connect(outlet<QAction>(m_window, "actionAboutQt"), &QAction::triggered, qApp, &QApplication::aboutQt);
+    connect(ZELKMainWindowInterface::outlet<QAction>(m_window, "actionAboutQt"), &QAction::triggered, qApp,
+            &QApplication::aboutQt);
 }
 
 /// A hint that was given; without one, an item's own text stands in its place.
@@ -121,6 +102,7 @@ void ZELKMainMenu::showAbout()
 {
     const QString version =
         m_wiring.settings().bundle->infoDictionary().string(QStringLiteral("CFBundleVersion"));
-    ZELKMessage::open(m_window, QMessageBox::Information, ZELKFormat(text("about"), {version}),
-                      text("about.informative"));
+    ZELKMessage::open(m_window, QMessageBox::Information,
+                      ZELKFormat(ZELKMainWindowInterface::text("about"), {version}),
+                      ZELKMainWindowInterface::text("about.informative"));
 }

@@ -5,6 +5,7 @@
 #include "ZELKElidedLabel.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCLog.h"
+#include "ZELKMainWindowInterface.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -16,17 +17,6 @@
 #include <utility>
 
 namespace {
-
-QString className()
-{
-    return QStringLiteral("ZELKLWCMainWindowController");
-}
-
-template <typename Type>
-Type *outlet(const QMainWindow &window, const char *name)
-{
-    return ZELKInterfaceLoader::outlet<Type>(window, className(), name);
-}
 
 /// Keys of the presets that are wanted most, by tag.
 QKeySequence shortcutOf(int tag)
@@ -56,10 +46,10 @@ ZELKRangeControls::ZELKRangeControls(QMainWindow &window, const ZELKBundle &bund
     , m_dateRange(dateRange)
     , m_log(log)
     , m_customRange(new ZELKCustomRange(window, bundle, dateRange))
-    , m_filterPopUpButton(outlet<QComboBox>(window, "filterPopUpButton"))
-    , m_rangeMenu(outlet<QMenu>(window, "rangeMenu"))
+    , m_filterPopUpButton(ZELKMainWindowInterface::outlet<QComboBox>(window, "filterPopUpButton"))
+    , m_rangeMenu(ZELKMainWindowInterface::outlet<QMenu>(window, "rangeMenu"))
     , m_presets(new QActionGroup(this))
-    , m_periodLabel(outlet<ZELKElidedLabel>(window, "periodLabel"))
+    , m_periodLabel(ZELKMainWindowInterface::outlet<ZELKElidedLabel>(window, "periodLabel"))
 {
     fillPresets();
     connectMoves(window);
@@ -86,7 +76,9 @@ void ZELKRangeControls::fillPresets()
 QAction *ZELKRangeControls::makePreset(int tag)
 {
     auto *action = new QAction(
-        ZELKInterfaceLoader::text(className(), ZELKFormat("%@.range.%d", {className(), tag})), m_presets);
+        ZELKInterfaceLoader::text(ZELKMainWindowInterface::className(),
+                                  ZELKFormat("%@.range.%d", {ZELKMainWindowInterface::className(), tag})),
+        m_presets);
     action->setObjectName(QStringLiteral("actionRange%1").arg(tag));
     action->setCheckable(true);
     action->setData(tag);
@@ -112,7 +104,7 @@ void ZELKRangeControls::connectMoves(QMainWindow &window)
                                                      {"actionZoomIn", Action::ZoomIn},
                                                      {"actionZoomOut", Action::ZoomOut}};
     for (const auto &[name, kind] : moves) {
-        auto *action = outlet<QAction>(window, name);
+        auto *action = ZELKMainWindowInterface::outlet<QAction>(window, name);
         m_moves.append({action, kind});
         if (kind == Action::ZoomIn) // the plus of many keyboards takes another key
             action->setShortcuts({Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal});

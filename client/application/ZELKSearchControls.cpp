@@ -2,39 +2,14 @@
 
 #include "ZELKAssertion.h"
 #include "ZELKEnvironment.h"
-#include "ZELKInterfaceLoader.h"
 #include "ZELKLWCLog.h"
 #include "ZELKLWCLogTableController.h"
+#include "ZELKMainWindowInterface.h"
 #include "ZELKSearchField.h"
 
 #include <QAction>
 #include <QLabel>
 #include <QMainWindow>
-
-namespace {
-
-QString className()
-{
-    return QStringLiteral("ZELKLWCMainWindowController");
-}
-
-QString text(const char *topic)
-{
-    return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
-}
-
-QString number(std::uint64_t value)
-{
-    return ZELKEnvironment::current().locale.toString(qulonglong(value));
-}
-
-template <typename Type>
-Type *outlet(const QMainWindow &window, const char *name)
-{
-    return ZELKInterfaceLoader::outlet<Type>(window, className(), name);
-}
-
-} // namespace
 
 ZELKSearchControls::ZELKSearchControls(QMainWindow &window, ZELKLWCLogTableController &table,
                                        ZELKLWCLogTableView &view, const ZELKLWCLog &log)
@@ -42,10 +17,10 @@ ZELKSearchControls::ZELKSearchControls(QMainWindow &window, ZELKLWCLogTableContr
     , m_table(table)
     , m_view(view)
     , m_log(log)
-    , m_filterField(outlet<ZELKSearchField>(window, "filterField"))
-    , m_matchLabel(outlet<QLabel>(window, "matchLabel"))
-    , m_find(outlet<QAction>(window, "actionFind"))
-    , m_clear(outlet<QAction>(window, "actionClearSearch"))
+    , m_filterField(ZELKMainWindowInterface::outlet<ZELKSearchField>(window, "filterField"))
+    , m_matchLabel(ZELKMainWindowInterface::outlet<QLabel>(window, "matchLabel"))
+    , m_find(ZELKMainWindowInterface::outlet<QAction>(window, "actionFind"))
+    , m_clear(ZELKMainWindowInterface::outlet<QAction>(window, "actionClearSearch"))
 {
     follow();
     update();
@@ -71,7 +46,8 @@ void ZELKSearchControls::update()
 {
     m_clear->setEnabled(m_table.validateMenuItem(ZELKLWCLogTableController::MenuItem::CancelFilter));
     m_matchLabel->setVisible(m_clear->isEnabled());
-    const QString passing = number(std::uint64_t(m_table.model().rowCount()));
+    const QString passing = ZELKMainWindowInterface::number(std::uint64_t(m_table.model().rowCount()));
     const std::uint64_t all = m_log.countOfVisibleEntries();
-    m_matchLabel->setText(ZELKFormat(text(all == 1 ? "search.ofOne" : "search.of"), {passing, number(all)}));
+    m_matchLabel->setText(ZELKFormat(ZELKMainWindowInterface::text(all == 1 ? "search.ofOne" : "search.of"),
+                                     {passing, ZELKMainWindowInterface::number(all)}));
 }

@@ -4,7 +4,7 @@
 #include "ZELKAssertion.h"
 #include "ZELKElidedLabel.h"
 #include "ZELKEnvironment.h"
-#include "ZELKInterfaceLoader.h"
+#include "ZELKMainWindowInterface.h"
 #include "ZELKShortDate.h"
 #include "ZELKSymbolLabel.h"
 
@@ -19,35 +19,6 @@
 
 namespace {
 
-QString className()
-{
-    return QStringLiteral("ZELKLWCMainWindowController");
-}
-
-QString text(const char *topic)
-{
-    return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
-}
-
-QString number(std::uint64_t value)
-{
-    return ZELKEnvironment::current().locale.toString(qulonglong(value));
-}
-
-template <typename Type>
-Type *outlet(const QMainWindow &window, const char *name)
-{
-    return ZELKInterfaceLoader::outlet<Type>(window, className(), name);
-}
-
-template <typename Type>
-Type *make(QWidget *parent, const char *name)
-{
-    auto *widget = new Type(parent);
-    widget->setObjectName(QString::fromLatin1(name));
-    return widget;
-}
-
 QString symbolOf(const ZELKAgentController &agent)
 {
     if (!agent.enabled() || agent.state() == ZELKAgentController::Inconsistent)
@@ -61,12 +32,12 @@ ZELKStatusLine::ZELKStatusLine(QMainWindow &window, ZELKApplicationWiring &wirin
     : QObject(&window)
     , m_wiring(wiring)
     , m_dates(wiring.defaults())
-    , m_stateIcon(make<ZELKSymbolLabel>(&window, "stateIcon"))
-    , m_stateLabel(make<QLabel>(&window, "stateLabel"))
-    , m_countLabel(make<QLabel>(&window, "countLabel"))
-    , m_synchronisationLabel(make<ZELKElidedLabel>(&window, "synchronisationLabel"))
-    , m_failure(outlet<QWidget>(window, "failure"))
-    , m_failureLine(outlet<QLineEdit>(window, "failureLine"))
+    , m_stateIcon(ZELKMainWindowInterface::make<ZELKSymbolLabel>(&window, "stateIcon"))
+    , m_stateLabel(ZELKMainWindowInterface::make<QLabel>(&window, "stateLabel"))
+    , m_countLabel(ZELKMainWindowInterface::make<QLabel>(&window, "countLabel"))
+    , m_synchronisationLabel(ZELKMainWindowInterface::make<ZELKElidedLabel>(&window, "synchronisationLabel"))
+    , m_failure(ZELKMainWindowInterface::outlet<QWidget>(window, "failure"))
+    , m_failureLine(ZELKMainWindowInterface::outlet<QLineEdit>(window, "failureLine"))
 {
     QPalette plain; // all else is the application's, light or dark
     plain.setBrush(QPalette::Base, Qt::transparent);
@@ -76,14 +47,15 @@ ZELKStatusLine::ZELKStatusLine(QMainWindow &window, ZELKApplicationWiring &wirin
     clearFailure();
     updateState();
     updateCount();
-    m_synchronisationLabel->setFullText(text("synchronised.never")); // the cache is not open yet
+    m_synchronisationLabel->setFullText(
+        ZELKMainWindowInterface::text("synchronised.never")); // the cache is not open yet
     follow();
 }
 
 /// What the agent does makes room for the hints of menus; the rest stays.
 void ZELKStatusLine::fillStatusBar(QMainWindow &window)
 {
-    auto *state = make<QWidget>(&window, "state");
+    auto *state = ZELKMainWindowInterface::make<QWidget>(&window, "state");
     auto *layout = new QHBoxLayout(state);
     layout->setContentsMargins({});
     layout->addWidget(m_stateIcon);
@@ -115,13 +87,14 @@ void ZELKStatusLine::updateState()
     const ZELKApplicationSettings &settings = m_wiring.settings();
     const ZELKAgentController &agent = m_wiring.agentController();
     m_stateIcon->setSymbol(settings.knowsAgent() ? symbolOf(agent) : QStringLiteral("state-idle"));
-    m_stateLabel->setText(settings.knowsAgent() ? agent.localisedState()
-                                                : ZELKFormat(text("profile"), {settings.profile}));
+    m_stateLabel->setText(settings.knowsAgent()
+                              ? agent.localisedState()
+                              : ZELKFormat(ZELKMainWindowInterface::text("profile"), {settings.profile}));
     const QString version = agent.agentVersion();
     const bool isKnown = !version.isEmpty() && version != QLatin1String("0");
-    QString hint = isKnown ? ZELKFormat(text("version"), {version}) : QString();
+    QString hint = isKnown ? ZELKFormat(ZELKMainWindowInterface::text("version"), {version}) : QString();
     if (!agent.enabled())
-        hint = text("remains");
+        hint = ZELKMainWindowInterface::text("remains");
     m_stateLabel->setToolTip(hint.isEmpty() ? hint : Qt::convertFromPlainText(hint));
 }
 
@@ -131,10 +104,12 @@ void ZELKStatusLine::updateCount()
     const std::uint64_t visible = m_wiring.log().countOfVisibleEntries();
     QString words;
     if (visible != all)
-        words =
-            ZELKFormat(text(all == 1 ? "entries.someOfOne" : "entries.some"), {number(visible), number(all)});
+        words = ZELKFormat(ZELKMainWindowInterface::text(all == 1 ? "entries.someOfOne" : "entries.some"),
+                           {ZELKMainWindowInterface::number(visible), ZELKMainWindowInterface::number(all)});
     else
-        words = all == 1 ? text("entries.one") : ZELKFormat(text("entries.all"), {number(all)});
+        words = all == 1 ? ZELKMainWindowInterface::text("entries.one")
+                         : ZELKFormat(ZELKMainWindowInterface::text("entries.all"),
+                                      {ZELKMainWindowInterface::number(all)});
     m_countLabel->setText(words);
 }
 
@@ -144,8 +119,9 @@ void ZELKStatusLine::updateSynchronisation()
     const ZELKDate date = qMax(m_synchronised, m_wiring.store().lastSyncDate());
     const bool isKnown = date > ZELKDate::distantPast();
     m_synchronisationLabel->setFullText(
-        isKnown ? ZELKFormat(text("synchronised"), {m_dates.stringForObjectValue(QVariant::fromValue(date))})
-                : text("synchronised.never"));
+        isKnown ? ZELKFormat(ZELKMainWindowInterface::text("synchronised"),
+                             {m_dates.stringForObjectValue(QVariant::fromValue(date))})
+                : ZELKMainWindowInterface::text("synchronised.never"));
 }
 
 void ZELKStatusLine::fetchFinished(bool complete)
@@ -169,16 +145,18 @@ QString ZELKStatusLine::fetchFailure()
     const ZELKDatabaseResult result = m_wiring.store().lastResult();
     if (result.failed())
         return ZELKEnvironment::current().mainBundle->localizedStringForKey(
-            ZELKFormat("%@.failure.cache.%d", {className(), result.code}),
-            ZELKFormat(text("failure.cache"), {result.code}), className());
-    return m_wiring.agentController().installed() ? text("failure.agent") : QString();
+            ZELKFormat("%@.failure.cache.%d", {ZELKMainWindowInterface::className(), result.code}),
+            ZELKFormat(ZELKMainWindowInterface::text("failure.cache"), {result.code}),
+            ZELKMainWindowInterface::className());
+    return m_wiring.agentController().installed() ? ZELKMainWindowInterface::text("failure.agent")
+                                                  : QString();
 }
 
 void ZELKStatusLine::showFailure(const QString &message)
 {
     m_failureIsNew = true;
     const QString now = ZELKShortDate::text(ZELKEnvironment::current().clock->now());
-    setFailureText(ZELKFormat(text("failure"), {now, message}).simplified());
+    setFailureText(ZELKFormat(ZELKMainWindowInterface::text("failure"), {now, message}).simplified());
     m_failure->show();
 }
 

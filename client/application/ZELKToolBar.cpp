@@ -1,6 +1,6 @@
 #include "ZELKToolBar.h"
 
-#include "ZELKInterfaceLoader.h"
+#include "ZELKMainWindowInterface.h"
 #include "ZELKSymbolIcon.h"
 
 #include <QAction>
@@ -16,30 +16,6 @@ namespace {
 
 constexpr char todayAction[] = "actionRange1";
 
-QString className()
-{
-    return QStringLiteral("ZELKLWCMainWindowController");
-}
-
-QString text(const char *topic)
-{
-    return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
-}
-
-template <typename Type>
-Type *outlet(const QMainWindow &window, const char *name)
-{
-    return ZELKInterfaceLoader::outlet<Type>(window, className(), name);
-}
-
-template <typename Type>
-Type *make(QWidget *parent, const char *name)
-{
-    auto *widget = new Type(parent);
-    widget->setObjectName(QString::fromLatin1(name));
-    return widget;
-}
-
 QString withKey(const QString &hint, const QKeySequence &key)
 {
     return key.isEmpty() ? hint : hint + QStringLiteral(" (%1)").arg(key.toString(QKeySequence::NativeText));
@@ -51,19 +27,19 @@ ZELKToolBar::ZELKToolBar(QMainWindow &window, const ZELKBundle &bundle)
     : QObject(&window)
     , m_window(window)
     , m_bundle(bundle)
-    , m_bar(outlet<QToolBar>(window, "toolBar"))
+    , m_bar(ZELKMainWindowInterface::outlet<QToolBar>(window, "toolBar"))
 {
-    auto *popUp = make<QComboBox>(m_bar, "filterPopUpButton");
+    auto *popUp = ZELKMainWindowInterface::make<QComboBox>(m_bar, "filterPopUpButton");
     popUp->setSizeAdjustPolicy(QComboBox::AdjustToContents);
     popUp->setMaxVisibleItems(12);
-    popUp->setToolTip(text("range.toolTip"));
-    popUp->setAccessibleName(text("range.accessibleName"));
-    make<QPushButton>(m_bar, "startStopButton");
+    popUp->setToolTip(ZELKMainWindowInterface::text("range.toolTip"));
+    popUp->setAccessibleName(ZELKMainWindowInterface::text("range.accessibleName"));
+    ZELKMainWindowInterface::make<QPushButton>(m_bar, "startStopButton");
 }
 
 void ZELKToolBar::fill()
 {
-    auto *today = outlet<QAction>(m_window, todayAction);
+    auto *today = ZELKMainWindowInterface::outlet<QAction>(m_window, todayAction);
     today->setIcon(ZELKSymbolIcon::icon(m_bundle, QStringLiteral("today")));
     today->setIconVisibleInMenu(false);
     addPopUp();
@@ -77,9 +53,9 @@ void ZELKToolBar::fill()
 /// The label and what it names keep together.
 void ZELKToolBar::addPopUp()
 {
-    auto *popUp = outlet<QComboBox>(m_window, "filterPopUpButton");
-    auto *label = make<QLabel>(m_bar, "rangeLabel");
-    label->setText(text("range"));
+    auto *popUp = ZELKMainWindowInterface::outlet<QComboBox>(m_window, "filterPopUpButton");
+    auto *label = ZELKMainWindowInterface::make<QLabel>(m_bar, "rangeLabel");
+    label->setText(ZELKMainWindowInterface::text("range"));
     label->setBuddy(popUp);
     addWidgets("rangeChoiceLayout", {label, popUp});
     m_controls.append(popUp);
@@ -99,7 +75,7 @@ void ZELKToolBar::addWidgets(const char *layoutName, const QList<QWidget *> &wid
 void ZELKToolBar::addButtons(const QList<const char *> &actions)
 {
     for (const char *action : actions)
-        addButton(*outlet<QAction>(m_window, action));
+        addButton(*ZELKMainWindowInterface::outlet<QAction>(m_window, action));
 }
 
 void ZELKToolBar::addButton(QAction &action)
@@ -115,11 +91,11 @@ void ZELKToolBar::addButton(QAction &action)
 
 void ZELKToolBar::addAgentButton()
 {
-    auto *space = make<QWidget>(m_bar, "toolBarSpace");
+    auto *space = ZELKMainWindowInterface::make<QWidget>(m_bar, "toolBarSpace");
     space->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     m_bar->addWidget(space);
-    auto *button = outlet<QPushButton>(m_window, "startStopButton");
-    const auto *action = outlet<QAction>(m_window, "actionStartStop");
+    auto *button = ZELKMainWindowInterface::outlet<QPushButton>(m_window, "startStopButton");
+    const auto *action = ZELKMainWindowInterface::outlet<QAction>(m_window, "actionStartStop");
     button->setToolTip(withKey(action->toolTip(), action->shortcut()));
     addWidgets("agentChoiceLayout", {button});
     m_controls.append(button);

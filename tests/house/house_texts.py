@@ -55,8 +55,8 @@ class HouseTexts(unittest.TestCase):
 
     def test_window(self):
         """Topics of the code, and the keys that stand in the interface file."""
-        controllers = [path for path in sources("client/application") if "QString text(const char *topic)" in
-                       path.read_text()]
+        asks = re.compile(r"QString text\(const char \*topic\)|ZELKMainWindowInterface::text\(")
+        controllers = [path for path in sources("client/application") if asks.search(path.read_text())]
         keys = {f"{WINDOW}.{topic}" for topic in keys_of_calls(controllers, "text")}
         keys |= set(re.findall(rf">({WINDOW}\.[\w.]+)<", (ROOT / f"resources/{WINDOW}.ui").read_text()))
         self.check(WINDOW, keys)
