@@ -7,11 +7,13 @@
 #include "ZELKEnvironment.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCEntriesView.h"
+#include "ZELKLWCLogTableView.h"
 #include "ZELKLWCWelcomeController.h"
 #include "ZELKMainMenu.h"
 #include "ZELKMessage.h"
 #include "ZELKRangeControls.h"
 #include "ZELKSearchControls.h"
+#include "ZELKSearchField.h"
 #include "ZELKStatusLine.h"
 #include "ZELKTableActions.h"
 #include "ZELKToolBar.h"
@@ -38,7 +40,10 @@ QString text(const char *topic)
 
 std::unique_ptr<QMainWindow> loadWindow(const ZELKBundle &bundle)
 {
-    std::unique_ptr<QWidget> root = ZELKInterfaceLoader::loadInterface(bundle, className());
+    std::unique_ptr<QWidget> root = ZELKInterfaceLoader::loadInterface(
+        bundle, className(),
+        {ZELKInterfaceLoader::widget<ZELKLWCEntriesView>(),
+         ZELKInterfaceLoader::widget<ZELKLWCLogTableView>(), ZELKInterfaceLoader::widget<ZELKSearchField>()});
     auto *window = qobject_cast<QMainWindow *>(root.get());
     if (!window)
         ZELKAssertion::fail(QStringLiteral("client/") + className(), 0,

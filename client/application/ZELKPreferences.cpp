@@ -28,7 +28,8 @@ QString className()
 
 QDialog *loadDialog(QWidget &window, const ZELKBundle &bundle)
 {
-    std::unique_ptr<QWidget> root = ZELKInterfaceLoader::loadInterface(bundle, className());
+    std::unique_ptr<QWidget> root = ZELKInterfaceLoader::loadInterface(
+        bundle, className(), {ZELKInterfaceLoader::widget<ZELKColourButton>()});
     auto *dialog = qobject_cast<QDialog *>(root.get());
     if (!dialog)
         ZELKAssertion::fail(QStringLiteral("client/") + className(), 0,

@@ -1,11 +1,7 @@
 #include "ZELKInterfaceLoader.h"
 
-#include "ZELKColourButton.h"
 #include "ZELKElidedLabel.h"
 #include "ZELKEnvironment.h"
-#include "ZELKLWCEntriesView.h"
-#include "ZELKLWCLogTableView.h"
-#include "ZELKSearchField.h"
 #include "ZELKSymbolIcon.h"
 #include "ZELKSymbolLabel.h"
 
@@ -13,7 +9,6 @@
 #include <QFile>
 
 #include <array>
-#include <utility>
 
 namespace {
 
@@ -42,27 +37,19 @@ void giveSymbols(const QWidget &root, const ZELKBundle &bundle)
     }
 }
 
-template <typename Type>
-QWidget *makeWidget(QWidget *parent)
-{
-    return new Type(parent);
-}
-
-/// Our own classes that interface files name.
-constexpr std::pair<const char *, QWidget *(*)(QWidget *)> ourWidgets[] = {
-    {"ZELKLWCEntriesView", makeWidget<ZELKLWCEntriesView>},
-    {"ZELKLWCLogTableView", makeWidget<ZELKLWCLogTableView>},
-    {"ZELKElidedLabel", makeWidget<ZELKElidedLabel>},
-    {"ZELKSymbolLabel", makeWidget<ZELKSymbolLabel>},
-    {"ZELKSearchField", makeWidget<ZELKSearchField>},
-    {"ZELKColourButton", makeWidget<ZELKColourButton>}};
-
 } // namespace
 
-std::unique_ptr<QWidget> ZELKInterfaceLoader::loadInterface(const ZELKBundle &mainBundle,
-                                                            const QString &className)
+ZELKInterfaceLoader::ZELKInterfaceLoader(const Widgets &widgets)
+    : m_widgets(widgets)
 {
-    std::unique_ptr<QWidget> root = loadIfSound(mainBundle, className);
+    m_widgets.push_back(widget<ZELKElidedLabel>());
+    m_widgets.push_back(widget<ZELKSymbolLabel>());
+}
+
+std::unique_ptr<QWidget> ZELKInterfaceLoader::loadInterface(const ZELKBundle &mainBundle,
+                                                            const QString &className, const Widgets &widgets)
+{
+    std::unique_ptr<QWidget> root = loadIfSound(mainBundle, className, widgets);
     if (!root)
         ZELKAssertion::fail(QStringLiteral("client/") + className, 0,
                             ZELKFormat("%@ interface file is missing or malformed", {className}));
@@ -70,9 +57,9 @@ std::unique_ptr<QWidget> ZELKInterfaceLoader::loadInterface(const ZELKBundle &ma
 }
 
 std::unique_ptr<QWidget> ZELKInterfaceLoader::loadIfSound(const ZELKBundle &mainBundle,
-                                                          const QString &className)
+                                                          const QString &className, const Widgets &widgets)
 {
-    ZELKInterfaceLoader loader;
+    ZELKInterfaceLoader loader(widgets);
     loader.setTranslationEnabled(false);
     const QString path = mainBundle.pathForResource(className, QStringLiteral("ui"));
     QFile file(path);
@@ -100,10 +87,10 @@ void ZELKInterfaceLoader::localise(QObject &root, const QString &className)
 
 QWidget *ZELKInterfaceLoader::createWidget(const QString &className, QWidget *parent, const QString &name)
 {
-    for (const auto &[ourName, make] : ourWidgets) {
-        if (className != QLatin1String(ourName))
+    for (const Widget &ours : m_widgets) {
+        if (className != ours.className)
             continue;
-        QWidget *widget = make(parent);
+        QWidget *widget = ours.make(parent);
         widget->setObjectName(name);
         return widget;
     }

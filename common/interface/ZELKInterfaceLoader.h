@@ -7,11 +7,13 @@
 #include <QWidget>
 
 #include <memory>
+#include <vector>
 
 class ZELKBundle;
 
 /// Loads an interface file of the main bundle, named after the class that it belongs to. Its texts are keys
-/// of the string table of that name. An action's property "symbol" names its symbol.
+/// of the string table of that name. An action's property "symbol" names its symbol. Labels that elide and
+/// symbols are known to every file; the widgets of other libraries are given along.
 class ZELKInterfaceLoader : public QUiLoader
 {
     Q_OBJECT
@@ -19,10 +21,26 @@ class ZELKInterfaceLoader : public QUiLoader
 public:
     static constexpr char symbolProperty[] = "symbol";
 
+    /// A class that a file may name.
+    struct Widget
+    {
+        QString className;
+        QWidget *(*make)(QWidget *parent);
+    };
+    using Widgets = std::vector<Widget>;
+    template <typename Type>
+    static Widget widget()
+    {
+        return {QString::fromLatin1(Type::staticMetaObject.className()),
+                [](QWidget *parent) -> QWidget * { return new Type(parent); }};
+    }
+
     /// A missing or malformed file raises "%@ interface file is missing or malformed".
-    static std::unique_ptr<QWidget> loadInterface(const ZELKBundle &mainBundle, const QString &className);
+    static std::unique_ptr<QWidget> loadInterface(const ZELKBundle &mainBundle, const QString &className,
+                                                  const Widgets &widgets = {});
     /// The same for a class that reports such a file in its own words: null.
-    static std::unique_ptr<QWidget> loadIfSound(const ZELKBundle &mainBundle, const QString &className);
+    static std::unique_ptr<QWidget> loadIfSound(const ZELKBundle &mainBundle, const QString &className,
+                                                const Widgets &widgets = {});
     /// The text of `key` in the table that belongs to the class.
     static QString text(const QString &className, const QString &key);
 
@@ -39,5 +57,8 @@ public:
     QWidget *createWidget(const QString &className, QWidget *parent, const QString &name) override;
 
 private:
+    explicit ZELKInterfaceLoader(const Widgets &widgets);
     static void localise(QObject &root, const QString &className);
+
+    Widgets m_widgets;
 };
