@@ -1,0 +1,16 @@
+#pragma once
+
+#include "ZELKTextFileWriter.h"
+
+/// Long rich text files (RTF), as ZELKRtfWriter writes short ones: of fonts and colours that were announced.
+/// They may have any length, and the device need not be able to go back.
+class ZELKRtfFileWriter : public ZELKTextFileWriter
+{
+public:
+    using ZELKTextFileWriter::ZELKTextFileWriter;
+
+private:
+    void begin() override;
+    void write(const ZELKAttributedString &piece) override;
+    void end() override;
+};
