@@ -9,6 +9,7 @@
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLogTableView.h"
 #include "ZELKLWCWelcomeController.h"
+#include "ZELKHelpMenu.h"
 #include "ZELKMainMenu.h"
 #include "ZELKMessage.h"
 #include "ZELKRangeControls.h"
@@ -100,6 +101,7 @@ void ZELKLWCMainWindowController::makeParts()
     auto *toolBar = new ZELKToolBar(*m_window, bundle);
     new ZELKRangeControls(*m_window, bundle, m_wiring.dateRange(), m_wiring.log());
     new ZELKAgentControls(*m_window, m_wiring);
+    new ZELKHelpMenu(*m_window, m_wiring); // before the main menu, which shows all hints
     new ZELKMainMenu(*m_window, m_wiring);
     toolBar->fill();
     orderTabs(toolBar->controls());
@@ -117,13 +119,14 @@ void ZELKLWCMainWindowController::connectGraph()
     auto *graph = outlet<ZELKLWCEntriesView>("graph");
     graph->setLog(&m_wiring.log());
     graph->setDateRange(&m_wiring.dateRange());
+    const ZELKLWCLogTableModel &rows = m_table.controller().model();
+    graph->setListedEntries(
+        {[&rows] { return rows.rowCount(); }, [&rows](int row) { return rows.entryAtRow(row); }});
     graph->awakeFromNib();
     connect(graph, &ZELKLWCEntriesView::selectionDidChange, this,
             [this, graph] { zelkGuard([&] { m_table.controller().selectEntryByDate(graph); }); });
-    if (!m_wiring.settings().knowsAgent())
-        return; // nobody can start it, then
-    auto *welcome = new ZELKLWCWelcomeController({m_wiring.agentController(), *graph, m_wiring.log()}, graph);
-    welcome->awakeFromNib();
+    m_welcome = new ZELKLWCWelcomeController({m_wiring.agentController(), *graph, m_wiring.log()}, graph);
+    m_welcome->awakeFromNib();
 }
 
 /// As they stand: the tool bar, then what is below it.
@@ -154,19 +157,26 @@ void ZELKLWCMainWindowController::follow()
     });
     connect(&m_wiring.store(), &ZELKLWCStore::logIsBehindChanged, this, update);
     connect(&agent, &ZELKAgentController::installedChanged, this, update);
+    connect(&agent, &ZELKAgentController::enabledChanged, this, update);
     connect(&agent, &ZELKAgentController::errorPresented, this,
             [this](const ZELKAgentError &error) { zelkGuard([&] { presentError(error); }); });
 }
 
 void ZELKLWCMainWindowController::updatePage()
 {
-    const bool isEmpty = m_table.controller().model().rowCount() == 0;
+    const bool isEmpty = m_hasFinishedLaunching && m_table.controller().model().rowCount() == 0;
     if (isEmpty)
         showEmptyPage();
-    // Without entries only the welcome is worth the room.
-    const bool isWelcome = m_wiring.settings().knowsAgent() && !m_wiring.agentController().installed();
-    outlet<ZELKLWCEntriesView>("graph")->setVisible(m_wiring.log().count() > 0 || isWelcome);
+    outlet<ZELKLWCEntriesView>("graph")->setVisible(hasPicture());
     outlet<QStackedWidget>("pages")->setCurrentIndex(isEmpty ? 1 : 0);
+}
+
+/// The graph gives its room away only where nothing will come: what came and went while a window starts, or
+/// while recording begins, would flicker.
+bool ZELKLWCMainWindowController::hasPicture() const
+{
+    const bool canGrow = m_wiring.settings().knowsAgent() && !m_wiring.store().isLogBehind();
+    return !m_hasFinishedLaunching || m_wiring.log().count() > 0 || canGrow;
 }
 
 void ZELKLWCMainWindowController::showEmptyPage()
@@ -179,15 +189,26 @@ void ZELKLWCMainWindowController::showEmptyPage()
     else if (log.count() > 0)
         m_emptyPage->show({QStringLiteral("no-entries"), text("empty.range"), text("empty.range.hint"),
                            outlet<QAction>("actionRange8"), text("empty.range.show")});
-    else if (m_wiring.store().isLogBehind())
-        m_emptyPage->show({QStringLiteral("warning"), text("empty.unreadable"), {}});
-    else if (!m_wiring.settings().knowsAgent())
-        m_emptyPage->show({QStringLiteral("asleep"), text("empty.profile"), text("empty.profile.hint")});
-    else if (m_wiring.agentController().installed())
-        m_emptyPage->show({QStringLiteral("asleep"), text("empty.recording"), text("empty.recording.hint")});
     else
-        m_emptyPage->show({QStringLiteral("asleep"), text("empty"), text("empty.hint"),
-                           outlet<QAction>("actionStartStop")});
+        showPageOfEmptyLog();
+}
+
+/// What starts the recording is told by the welcome, and stands in the tool bar.
+void ZELKLWCMainWindowController::showPageOfEmptyLog()
+{
+    const ZELKAgentController &agent = m_wiring.agentController();
+    const QString symbol = QStringLiteral("asleep");
+    if (m_wiring.store().isLogBehind())
+        m_emptyPage->show(
+            {QStringLiteral("warning"), text("empty.unreadable"), text("empty.unreadable.hint")});
+    else if (!m_wiring.settings().knowsAgent())
+        m_emptyPage->show({symbol, text("empty.profile"), text("empty.profile.hint")});
+    else if (!agent.installed())
+        m_emptyPage->show({symbol, text("empty"), text("empty.hint")});
+    else if (agent.enabled())
+        m_emptyPage->show({symbol, text("empty.recording"), text("empty.recording.hint")});
+    else
+        m_emptyPage->show({symbol, text("empty"), text("empty.silent.hint")});
 }
 
 void ZELKLWCMainWindowController::presentError(const ZELKAgentError &error)
@@ -199,6 +220,13 @@ void ZELKLWCMainWindowController::showWindow()
 {
     m_window->show();
     m_table.view().setFocus();
+}
+
+void ZELKLWCMainWindowController::applicationDidFinishLaunching()
+{
+    m_hasFinishedLaunching = true;
+    m_welcome->applyLogLabels();
+    updatePage();
 }
 
 bool ZELKLWCMainWindowController::eventFilter(QObject *watched, QEvent *event)

@@ -10,7 +10,7 @@
 class QMainWindow;
 class ZELKApplicationWiring;
 class ZELKEmptyPage;
-class ZELKLWCEntriesView;
+class ZELKLWCWelcomeController;
 class ZELKStatusLine;
 class ZELKWindowState;
 
@@ -27,7 +27,10 @@ public:
     ~ZELKLWCMainWindowController() override;
 
     QMainWindow *window() const { return m_window.get(); }
+    /// Whether anything was recorded is not known yet, and nothing is said of it.
     void showWindow();
+    /// The cache was read: what there is to say of an empty log is true now.
+    void applicationDidFinishLaunching();
     /// Remembers how the user arranged the window.
     void saveState();
     /// Window-modal; does not wait.
@@ -44,7 +47,9 @@ private:
     void fitFont();
     void follow();
     void updatePage();
+    bool hasPicture() const;
     void showEmptyPage();
+    void showPageOfEmptyLog();
     template <typename Type>
     Type *outlet(const char *name) const;
 
@@ -53,6 +58,8 @@ private:
     ZELKLogTable m_table;
     // Owned by the window.
     ZELKEmptyPage *m_emptyPage;
+    ZELKLWCWelcomeController *m_welcome = nullptr;
     ZELKStatusLine *m_statusLine = nullptr;
     ZELKWindowState *m_state;
+    bool m_hasFinishedLaunching = false;
 };

@@ -87,6 +87,28 @@ void ZELKLWClientAppDelegate::openUserGuide()
     QDesktopServices::openUrl(userGuideURL());
 }
 
+void ZELKLWClientAppDelegate::setFeedbackWorld(const std::optional<ZELKFeedbackController::World> &world)
+{
+    m_feedbackController.reset();
+    m_feedbackWorld.reset();
+    if (world)
+        m_feedbackWorld.emplace(*world);
+}
+
+ZELKFeedbackController &ZELKLWClientAppDelegate::feedbackController()
+{
+    if (!m_feedbackController)
+        m_feedbackController = ZELKFeedbackController::feedbackController(m_feedbackWorld.value());
+    return *m_feedbackController;
+}
+
+void ZELKLWClientAppDelegate::feedback()
+{
+    feedbackController().setMessage(ZELKEnvironment::current().mainBundle->localizedStringForKey(
+        QStringLiteral("ZELKLWClientAppDelegateFeedbackMessage"), {}, QStringLiteral("Localizable")));
+    feedbackController().beginModalForWindow(*m_window);
+}
+
 bool ZELKLWClientAppDelegate::applicationDelegateHandlesKey(const QString &key) const
 {
     return key == QLatin1String("database");

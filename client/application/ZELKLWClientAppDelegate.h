@@ -1,8 +1,13 @@
 #pragma once
 
+#include "ZELKFeedbackController.h"
+
 #include <QObject>
 #include <QString>
 #include <QUrl>
+
+#include <memory>
+#include <optional>
 
 class QWidget;
 class ZELKAgentController;
@@ -49,6 +54,13 @@ public:
     /// False until launching has finished.
     bool canOpenUserGuide() const { return m_canOpenUserGuide; }
 
+    /// What the sheet for reports needs, set before it is first asked for; nothing takes the sheet away.
+    void setFeedbackWorld(const std::optional<ZELKFeedbackController::World> &world);
+    /// Made on first use, and kept.
+    ZELKFeedbackController &feedbackController();
+    /// Opens the sheet for reports on the window.
+    void feedback();
+
     /// True exactly for "database".
     bool applicationDelegateHandlesKey(const QString &key) const;
     /// What scripts know as "database": the log.
@@ -63,4 +75,6 @@ private:
     ZELKLWCStore *m_store = nullptr;
     ZELKAgentController *m_agentController = nullptr;
     bool m_canOpenUserGuide = false;
+    std::optional<ZELKFeedbackController::World> m_feedbackWorld;
+    std::unique_ptr<ZELKFeedbackController> m_feedbackController;
 };

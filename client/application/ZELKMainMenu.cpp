@@ -4,11 +4,9 @@
 #include "ZELKAssertion.h"
 #include "ZELKDefaultBinding.h"
 #include "ZELKMainWindowInterface.h"
-#include "ZELKMessage.h"
 #include "ZELKPreferences.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QEvent>
 #include <QMainWindow>
 #include <QMenu>
@@ -25,7 +23,6 @@ ZELKMainMenu::ZELKMainMenu(QMainWindow &window, ZELKApplicationWiring &wiring)
 {
     connectWindow();
     connectSettings();
-    connectHelp();
     showHintsInStatusBar();
 }
 
@@ -64,18 +61,6 @@ void ZELKMainMenu::connectSettings()
                                  m_wiring.defaults(), QString::fromLatin1(key));
 }
 
-void ZELKMainMenu::connectHelp()
-{
-    auto *guide = ZELKMainWindowInterface::outlet<QAction>(m_window, "actionUserGuide");
-    ZELKLWClientAppDelegate &delegate = m_wiring.delegate();
-    guide->setEnabled(delegate.canOpenUserGuide());
-    connect(&delegate, &ZELKLWClientAppDelegate::canOpenUserGuideChanged, guide, &QAction::setEnabled);
-    onTriggered("actionUserGuide", &delegate, &ZELKLWClientAppDelegate::openUserGuide);
-    onTriggered("actionAbout", this, &ZELKMainMenu::showAbout);
-    connect(ZELKMainWindowInterface::outlet<QAction>(m_window, "actionAboutQt"), &QAction::triggered, qApp,
-            &QApplication::aboutQt);
-}
-
 /// A hint that was given; without one, an item's own text stands in its place.
 void ZELKMainMenu::showHintsInStatusBar()
 {
@@ -96,13 +81,4 @@ bool ZELKMainMenu::eventFilter(QObject *watched, QEvent *event)
 void ZELKMainMenu::setFullScreen(bool isFull)
 {
     m_window.setWindowState(m_window.windowState().setFlag(Qt::WindowFullScreen, isFull));
-}
-
-void ZELKMainMenu::showAbout()
-{
-    const QString version =
-        m_wiring.settings().bundle->infoDictionary().string(QStringLiteral("CFBundleVersion"));
-    ZELKMessage::open(m_window, QMessageBox::Information,
-                      ZELKFormat(ZELKMainWindowInterface::text("about"), {version}),
-                      ZELKMainWindowInterface::text("about.informative"));
 }

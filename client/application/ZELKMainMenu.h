@@ -8,7 +8,7 @@ class ZELKApplicationWiring;
 class ZELKPreferences;
 
 /// The items of the main window's menus that belong to nothing else in it: the window itself, the settings
-/// that are shown as ticks, preferences and help. What an item does is told in the status bar.
+/// that are shown as ticks, and preferences. What an item does is told in the status bar.
 class ZELKMainMenu : public QObject
 {
     Q_OBJECT
@@ -23,10 +23,8 @@ public:
 private:
     void connectWindow();
     void connectSettings();
-    void connectHelp();
     void showHintsInStatusBar();
     void setFullScreen(bool isFull);
-    void showAbout();
     template <typename Receiver, typename Function>
     void onTriggered(const char *action, Receiver *receiver, Function function);
 

@@ -98,6 +98,10 @@
         <source>yesterday</source>
         <translation>yesterday</translation>
     </message>
+    <message>
+        <source>ZELKLWClientAppDelegateFeedbackMessage</source>
+        <translation>What is wrong with Lullwatch, or what do you miss? Every report is read.</translation>
+    </message>
 </context>
 <context>
     <name>Monitor</name>
@@ -1038,11 +1042,19 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCEntriesView.once</source>
-        <translation>%@ once</translation>
+        <translation>%@ once, %@</translation>
     </message>
     <message>
         <source>ZELKLWCEntriesView.times</source>
-        <translation>%@ %d times</translation>
+        <translation>%@ %d times, %@ in all</translation>
+    </message>
+    <message>
+        <source>ZELKLWCEntriesView.level</source>
+        <translation>%@ at %d %%</translation>
+    </message>
+    <message>
+        <source>ZELKLWCEntriesView.levels</source>
+        <translation>%@ from %d %% to %d %%</translation>
     </message>
 </context>
 <context>
@@ -1183,6 +1195,18 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>&amp;User Guide</translation>
     </message>
     <message>
+        <source>ZELKLWCMainWindowController.feedback</source>
+        <translation>Send &amp;Feedback…</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.feedback.toolTip</source>
+        <translation>Tell the makers what is wrong, or what you miss</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.feedback.noAddress</source>
+        <translation>This build was made without an address that reports could go to</translation>
+    </message>
+    <message>
         <source>ZELKLWCMainWindowController.about.menu</source>
         <translation>&amp;About Lullwatch</translation>
     </message>
@@ -1256,7 +1280,7 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.unreadable</source>
-        <translation>The recorded entries cannot be read.</translation>
+        <translation>The recorded entries cannot be read</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.recording</source>
@@ -1456,7 +1480,15 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.hint</source>
-        <translation>While it is recording, Lullwatch notes when this computer sleeps, wakes, starts and changes its power.</translation>
+        <translation>Each sleep, wake, start and change of power will be listed here.</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.silent.hint</source>
+        <translation>The list fills once the recording agent answers.</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.empty.unreadable.hint</source>
+        <translation>The line below says why. Lullwatch will try again.</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.recording.hint</source>
@@ -1585,6 +1617,69 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>ZELKPreferences.revert</source>
         <translation>Restore &amp;Initial Values</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKFeedbackController</name>
+    <message>
+        <source>ZELKFeedbackController.title</source>
+        <translation>Send Feedback</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.message</source>
+        <translation>Tell us what is wrong, or what you miss.</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.name</source>
+        <translation>&amp;Name:</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.name.accessibleName</source>
+        <translation>Your name</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.email</source>
+        <translation>&amp;E-mail:</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.email.accessibleName</source>
+        <translation>Your e-mail address</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.optional</source>
+        <translation>Optional</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.detail</source>
+        <translation>&amp;What would you like to tell us?</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.detail.accessibleName</source>
+        <translation>Your report</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.sentAlong</source>
+        <translation>Sent along with it, and nothing else:</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.sentTo</source>
+        <translation>to: %@</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.connecting</source>
+        <translation>Sending…</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.cancel</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.report</source>
+        <translation>&amp;Send</translation>
+    </message>
+    <message>
+        <source>ZELKFeedbackController.report.toolTip</source>
+        <translation>Send what this window shows</translation>
     </message>
 </context>
 </TS>

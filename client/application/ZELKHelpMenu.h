@@ -1,0 +1,35 @@
+#pragma once
+
+#include "ZELKAddressBook.h"
+
+#include <QNetworkAccessManager>
+#include <QObject>
+
+class QAction;
+class QMainWindow;
+class ZELKApplicationWiring;
+
+/// The items of the Help menu: what to read, whom to tell, and what this is.
+class ZELKHelpMenu : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Outlets are looked up by name; those that are missing raise. `wiring` outlives the window, which owns
+    /// the menu.
+    ZELKHelpMenu(QMainWindow &window, ZELKApplicationWiring &wiring);
+    ~ZELKHelpMenu() override;
+
+private:
+    void connectGuide();
+    void connectFeedback();
+    void connectAbout();
+    void showAbout();
+    QAction &action(const char *name) const;
+    void onTriggered(QAction &action, const std::function<void()> &perform);
+
+    QMainWindow &m_window;
+    ZELKApplicationWiring &m_wiring;
+    QNetworkAccessManager m_network;
+    ZELKSystemAddressBook m_addressBook;
+};
