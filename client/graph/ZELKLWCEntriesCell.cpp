@@ -16,14 +16,14 @@ void ZELKLWCEntriesCell::setDateRange(const ZELKLWCDateRangeController *dateRang
 
 void ZELKLWCEntriesCell::setTitled(bool titled)
 {
+    m_dataSourceChanged = m_dataSourceChanged || titled != m_subject.isTitled;
     m_subject.isTitled = titled;
-    m_dataSourceChanged = true;
 }
 
 void ZELKLWCEntriesCell::setBordered(bool bordered)
 {
+    m_dataSourceChanged = m_dataSourceChanged || bordered != m_subject.isBordered;
     m_subject.isBordered = bordered;
-    m_dataSourceChanged = true;
 }
 
 void ZELKLWCEntriesCell::setLabelTopLeft(const ZELKAttributedString &label)
@@ -59,7 +59,7 @@ void ZELKLWCEntriesCell::drawInteriorWithFrame(QPainter &painter, const QRectF &
     painter.restore();
 }
 
-QImage ZELKLWCEntriesCell::imageValueWithWidthHeight(float width, float height, double scaleFactor) const
+QImage ZELKLWCEntriesCell::imageValueWithWidth(float width, float height, double scaleFactor) const
 {
     return ZELKGraphDrawing(m_subject, QSizeF(double(width), double(height)), scaleFactor).image();
 }

@@ -42,7 +42,7 @@ public:
 
     /// A picture of its own, of that many points; the view's drawing stays. Limits to the size are the
     /// caller's; a picture that memory does not suffice for is null.
-    QImage imageValueWithWidthHeight(float width, float height, double scaleFactor = 1.0) const;
+    QImage imageValueWithWidth(float width, float height, double scaleFactor = 1.0) const;
 
 private:
     ZELKGraphSubject m_subject;

@@ -1,12 +1,13 @@
 #include "ZELKLWCEntriesView.h"
 
+#include "ZELKAccessibleEntriesView.h"
 #include "ZELKAssertion.h"
 #include "ZELKGraphColours.h"
 #include "ZELKGraphDescription.h"
 #include "ZELKGraphImage.h"
 #include "ZELKLWCDateRangeController.h"
 #include "ZELKLWCLog.h"
-#include "ZELKVisibleTimes.h"
+#include "ZELKLWCLogEntry.h"
 
 #include <QApplication>
 #include <QDrag>
@@ -24,6 +25,9 @@ constexpr int fewestLines = 7;
 constexpr int usualCharacters = 100;
 constexpr int fewestCharacters = 30;
 
+// Who looks for the nearest entry finds none at the very date of the last one, and the last one after it.
+constexpr double moment = 0.001; // seconds
+
 constexpr Qt::KeyboardModifiers draggingKeys = Qt::AltModifier | Qt::ControlModifier;
 
 } // namespace
@@ -31,6 +35,7 @@ constexpr Qt::KeyboardModifiers draggingKeys = Qt::AltModifier | Qt::ControlModi
 ZELKLWCEntriesView::ZELKLWCEntriesView(QWidget *parent)
     : QWidget(parent)
 {
+    ZELKAccessibleEntriesView::install();
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
@@ -42,6 +47,8 @@ void ZELKLWCEntriesView::awakeFromNib()
     m_cell.setLog(m_log);
     m_cell.setDateRange(m_dateRange);
     const auto follow = [this] { zelkGuard([this] { dataDidChange(); }); };
+    if (m_log && !m_listedEntries.count)
+        m_listedEntries = ZELKListedEntries::visibleEntries(*m_log);
     if (m_log)
         connect(m_log, &ZELKLWCLog::visibleEntriesDidChange, this, follow);
     if (m_dateRange)
@@ -54,14 +61,24 @@ void ZELKLWCEntriesView::awakeFromNib()
 void ZELKLWCEntriesView::dataDidChange()
 {
     m_cell.setDataSourceChanged(true);
+    m_description.reset();
     m_queue.enqueue(QStringLiteral("redisplay"));
 }
 
 void ZELKLWCEntriesView::redisplay()
 {
     update();
-    if (m_log && m_dateRange)
-        setAccessibleDescription(ZELKGraphDescription::description(*m_log, *m_dateRange));
+    if (!QAccessible::isActive())
+        return;
+    QAccessibleEvent event(this, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&event);
+}
+
+QString ZELKLWCEntriesView::description() const
+{
+    if (!m_description && m_log && m_dateRange)
+        m_description = ZELKGraphDescription::description(*m_log, *m_dateRange);
+    return m_description.value_or(QString());
 }
 
 void ZELKLWCEntriesView::setTitled(bool titled)
@@ -129,12 +146,12 @@ void ZELKLWCEntriesView::paintEvent(QPaintEvent *)
 
 QImage ZELKLWCEntriesView::imageValue() const
 {
-    return m_cell.imageValueWithWidthHeight(float(width()), float(height()), devicePixelRatioF());
+    return m_cell.imageValueWithWidth(float(width()), float(height()), devicePixelRatioF());
 }
 
-QImage ZELKLWCEntriesView::imageValueWithWidthHeight(float width, float height) const
+QImage ZELKLWCEntriesView::imageValueWithWidth(float width, float height) const
 {
-    return m_cell.imageValueWithWidthHeight(width, height);
+    return m_cell.imageValueWithWidth(width, height);
 }
 
 QByteArray ZELKLWCEntriesView::PNGRepresentation() const
@@ -167,7 +184,6 @@ void ZELKLWCEntriesView::showToolTip(const QHelpEvent &event)
 
 void ZELKLWCEntriesView::setSelection(std::optional<ZELKDate> selection)
 {
-    m_entry = nullptr;
     m_cell.setSelection(selection);
 }
 
@@ -178,10 +194,8 @@ QVariant ZELKLWCEntriesView::selectionValue() const
 
 void ZELKLWCEntriesView::selectAt(QPointF position)
 {
-    if (!m_cell.selectDateAtPoint(unflipped(position)))
-        return;
-    m_entry = nullptr;
-    Q_EMIT selectionDidChange();
+    if (m_cell.selectDateAtPoint(unflipped(position)))
+        Q_EMIT selectionDidChange();
 }
 
 void ZELKLWCEntriesView::startTracking(const QMouseEvent &event)
@@ -201,13 +215,14 @@ void ZELKLWCEntriesView::mousePressEvent(QMouseEvent *event)
         event->ignore();
 }
 
-/// With a key held the picture is dragged, once the pointer has moved far enough to mean it.
+/// With a key held the picture is dragged, once the pointer has moved far enough to mean it; that may be
+/// beyond the view's edge. Without one, leaving the view ends the tracking.
 void ZELKLWCEntriesView::mouseMoveEvent(QMouseEvent *event)
 {
     if (!m_isTracking)
         return;
     zelkGuard([&] {
-        m_isTracking = rect().contains(event->position().toPoint());
+        m_isTracking = m_dragOrigin || rect().contains(event->position().toPoint());
         const QPointF way = m_dragOrigin ? event->position() - *m_dragOrigin : QPointF();
         if (way.manhattanLength() >= QApplication::startDragDistance())
             dragImage();
@@ -220,18 +235,20 @@ void ZELKLWCEntriesView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton || !std::exchange(m_isTracking, false))
         return;
-    m_dragOrigin.reset();
-    zelkGuard([&] { selectAt(event->position()); });
+    const bool hasKey = std::exchange(m_dragOrigin, std::nullopt).has_value();
+    if (!hasKey)
+        zelkGuard([&] { selectAt(event->position()); });
 }
 
-/// Tracking ends here: where the button is let go the chart shows other times already.
+/// Tracking ends here: where the button is let go the chart shows other times already. The third press of
+/// three comes as a single one: the range is that one day by then, which a third time would not change.
 void ZELKLWCEntriesView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
     zelkGuard([&] {
         startTracking(*event);
-        m_isTracking = false;
+        m_isTracking = m_dragOrigin.has_value();
         narrowToSelectedDay();
     });
 }
@@ -248,21 +265,23 @@ void ZELKLWCEntriesView::narrowToSelectedDay()
 void ZELKLWCEntriesView::dragImage()
 {
     m_isTracking = false;
-    m_dragOrigin.reset();
+    const QPointF grip = std::exchange(m_dragOrigin, std::nullopt).value_or(QPointF());
     const QImage image = imageValue();
     auto pasteboard = std::make_unique<QMimeData>();
     pasteboard->setData(QLatin1String(tiffType), ZELKGraphImage::TIFFRepresentation(image));
-    drag(std::move(pasteboard), image);
+    drag(std::move(pasteboard), image, grip);
 }
 
-/// The picture that goes along with the pointer is small, so that one sees where it will fall.
-void ZELKLWCEntriesView::drag(std::unique_ptr<QMimeData> pasteboard, const QImage &image)
+/// The picture that goes along with the pointer is small, so that one sees where it will fall. The pointer
+/// holds it where it was grabbed.
+void ZELKLWCEntriesView::drag(std::unique_ptr<QMimeData> pasteboard, const QImage &image, QPointF grip)
 {
     constexpr int widest = 320;
     const int across = qMin(image.width(), qRound(widest * image.devicePixelRatio()));
     auto *drag = new QDrag(this); // deletes itself
     drag->setMimeData(pasteboard.release());
     drag->setPixmap(QPixmap::fromImage(image.scaledToWidth(across, Qt::SmoothTransformation)));
+    drag->setHotSpot((grip * across / qMax(1, image.width())).toPoint());
     drag->exec(Qt::CopyAction);
 }
 
@@ -275,43 +294,49 @@ void ZELKLWCEntriesView::keyPressEvent(QKeyEvent *event)
         if ((event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
             return;
         isTaken = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-        if (isTaken)
-            narrowToSelectedDay();
-        else
+        if (!isTaken)
             isTaken = moveSelection(event->key());
+        else if (isSelectionShown())
+            narrowToSelectedDay();
     });
     if (!isTaken)
         QWidget::keyPressEvent(event);
 }
 
-/// Without a selection in the range the nearest end is the first step.
-const ZELKLWCLogEntry *ZELKLWCEntriesView::entryForKey(int key) const
+/// A selection that the range was moved away from is none.
+bool ZELKLWCEntriesView::isSelectionShown() const
 {
-    const ZELKVisibleTimes times(*m_log);
+    if (!selection() || !m_dateRange || !m_dateRange->absoluteDuration())
+        return false;
     const ZELKLWCAbsoluteDuration &period = *m_dateRange->absoluteDuration();
-    const bool isSelected = selection() && period.contains(*selection());
-    const std::optional<ZELKDate> from = m_entry ? m_entry->date() : selection();
-    if (key == Qt::Key_Home || (key == Qt::Key_Right && !isSelected))
-        return times.nearestEntryToDate(ZELKDate::distantPast());
-    if (key == Qt::Key_End || (key == Qt::Key_Left && !isSelected))
-        return times.nearestEntryToDate(ZELKDate::distantFuture());
-    return key == Qt::Key_Right ? times.firstEntryAfterDate(*from) : times.lastEntryBeforeDate(*from);
+    return period.startDate() <= *selection() && *selection() <= period.endDate().addingTimeInterval(moment);
 }
 
-/// Who looks for the nearest entry finds none at the very date of the last one, and the last one after it.
+/// A step from the entry that the selection stands for; without one the nearest end is the first step.
+const ZELKLWCLogEntry *ZELKLWCEntriesView::entryForKey(int key) const
+{
+    const ZELKEntrySteps steps(m_listedEntries);
+    const bool isSelected = isSelectionShown();
+    if (key == Qt::Key_Home || (key == Qt::Key_Right && !isSelected))
+        return steps.nearestEntryToDate(ZELKDate::distantPast());
+    if (key == Qt::Key_End || (key == Qt::Key_Left && !isSelected))
+        return steps.nearestEntryToDate(ZELKDate::distantFuture());
+    const ZELKLWCLogEntry *entry = steps.nearestEntryToDate(*selection());
+    if (!entry)
+        return nullptr;
+    return key == Qt::Key_Right ? steps.firstEntryAfterDate(entry->date())
+                                : steps.lastEntryBeforeDate(entry->date());
+}
+
 bool ZELKLWCEntriesView::moveSelection(int key)
 {
-    constexpr double moment = 0.001; // seconds
     if (key != Qt::Key_Left && key != Qt::Key_Right && key != Qt::Key_Home && key != Qt::Key_End)
         return false;
     if (!m_log || !m_dateRange || !m_dateRange->absoluteDuration())
         return true;
-    const ZELKLWCLogEntry *entry = entryForKey(key);
-    if (!entry)
-        return true;
-    const bool isLast = !ZELKVisibleTimes(*m_log).firstEntryAfterDate(entry->date());
-    m_cell.setSelection(isLast ? entry->date().addingTimeInterval(moment) : entry->date());
-    m_entry = entry;
-    Q_EMIT selectionDidChange();
+    if (const ZELKLWCLogEntry *entry = entryForKey(key)) {
+        m_cell.setSelection(entry->date().addingTimeInterval(moment));
+        Q_EMIT selectionDidChange();
+    }
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZELKEntrySteps.h"
 #include "ZELKLWCEntriesCell.h"
 #include "ZELKNotificationQueue.h"
 
@@ -10,14 +11,13 @@
 
 class QHelpEvent;
 class QMimeData;
-class ZELKLWCLogEntry;
 
 /// The timeline graph in a window. Pointing at the chart selects a date and says so, also while the pointer
 /// is dragged; a double click narrows the range to the day. With Alt or Ctrl held the graph is dragged out
-/// as a picture. Left and Right go from entry to entry, Home and End to the first and the last, Return does
-/// what a double click does.
+/// as a picture. Left and Right go from entry to entry, Home and End to the first and the last, Return shows
+/// the selected day alone.
 ///
-/// Blocks answer with tool tips, and the accessible description tells what the range shows.
+/// Blocks answer with tool tips, and assistive programs are told what the range shows.
 class ZELKLWCEntriesView : public QWidget
 {
     Q_OBJECT
@@ -33,6 +33,9 @@ public:
     /// Not owned, to outlive the view. Connect both before awakeFromNib().
     void setLog(ZELKLWCLog *log) { m_log = log; }
     void setDateRange(ZELKLWCDateRangeController *dateRange) { m_dateRange = dateRange; }
+    /// What keys go through, and dates chosen here stand for: the rows of a list that follows the selection.
+    /// The log's visible entries, unless it is set.
+    void setListedEntries(ZELKListedEntries entries) { m_listedEntries = std::move(entries); }
     /// From here on log and range are shown and followed.
     void awakeFromNib();
 
@@ -54,8 +57,10 @@ public:
     /// The graph as it stands here, in the pixels of this screen; without the sign of the focus.
     QImage imageValue() const;
     /// In points, of one pixel each.
-    QImage imageValueWithWidthHeight(float width, float height) const;
+    QImage imageValueWithWidth(float width, float height) const;
     QByteArray PNGRepresentation() const;
+    /// What the range shows, in words. Made when it is first asked for after a change.
+    QString description() const;
 
     const ZELKLWCEntriesCell &cell() const { return m_cell; }
     QSize sizeHint() const override;
@@ -74,8 +79,8 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
-    /// Carries the picture away, as a copy; returns when it was dropped.
-    virtual void drag(std::unique_ptr<QMimeData> pasteboard, const QImage &image);
+    /// Carries the picture away, as a copy; returns when it was dropped. `grip` is where it was grabbed.
+    virtual void drag(std::unique_ptr<QMimeData> pasteboard, const QImage &image, QPointF grip);
 
 private:
     void dataDidChange();
@@ -85,6 +90,7 @@ private:
     void selectAt(QPointF position);
     void dragImage();
     void narrowToSelectedDay();
+    bool isSelectionShown() const;
     const ZELKLWCLogEntry *entryForKey(int key) const;
     bool moveSelection(int key);
     void showToolTip(const QHelpEvent &event);
@@ -93,7 +99,8 @@ private:
     ZELKLWCDateRangeController *m_dateRange = nullptr;
     ZELKLWCEntriesCell m_cell;
     ZELKNotificationQueue m_queue;
-    const ZELKLWCLogEntry *m_entry = nullptr; // the log's; that the selection was moved to by keys
+    ZELKListedEntries m_listedEntries;
+    mutable std::optional<QString> m_description;
     bool m_isTracking = false;
-    std::optional<QPointF> m_dragOrigin;
+    std::optional<QPointF> m_dragOrigin; // while a drag may begin, with a key held
 };

@@ -34,14 +34,13 @@ ZELKLWCEntriesViewBatterySegment *ZELKLWCEntriesViewBatteries::currentSegmentFor
     return find(name) ? battery(name).currentSegment() : nullptr;
 }
 
-void ZELKLWCEntriesViewBatteries::addSegmentToBattery(const ZELKLWCEntriesViewBatterySegment &segment,
-                                                      const QString &name)
+void ZELKLWCEntriesViewBatteries::addSegment(const ZELKLWCEntriesViewBatterySegment &segment,
+                                             const QString &name)
 {
     battery(name).segments.push_back(segment);
 }
 
-void ZELKLWCEntriesViewBatteries::setLastEntryForBattery(const ZELKLWCLogEntryPowerStatus *entry,
-                                                         const QString &name)
+void ZELKLWCEntriesViewBatteries::setLastEntry(const ZELKLWCLogEntryPowerStatus *entry, const QString &name)
 {
     battery(name).lastEntry = entry;
 }

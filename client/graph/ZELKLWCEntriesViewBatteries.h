@@ -41,9 +41,9 @@ public:
     Segments segments(const QString &name) const;
     /// The last segment started; null when there is none.
     ZELKLWCEntriesViewBatterySegment *currentSegmentForBattery(const QString &name);
-    void addSegmentToBattery(const ZELKLWCEntriesViewBatterySegment &segment, const QString &name);
+    void addSegment(const ZELKLWCEntriesViewBatterySegment &segment, const QString &name);
     /// The entry is the log's.
-    void setLastEntryForBattery(const ZELKLWCLogEntryPowerStatus *entry, const QString &name);
+    void setLastEntry(const ZELKLWCLogEntryPowerStatus *entry, const QString &name);
     const ZELKLWCLogEntryPowerStatus *lastEntryForBattery(const QString &name) const;
 
 private:

@@ -25,6 +25,7 @@ inline ZELKEnvironment inUtc()
 {
     ZELKEnvironment environment = ZELKEnvironment::system();
     environment.zone = QTimeZone::utc();
+    environment.mainBundle = std::make_shared<ZELKBundle>(ZELKBundle::mainBundlePath({}), u"en"_s);
     return environment;
 }
 

@@ -1,7 +1,7 @@
 // What a display list holds, in hours of the day shown and percent.
 #include "GraphFixture.h"
 #include "NamedRows.h"
-#include "ZELKVisibleTimes.h"
+#include "ZELKEntrySteps.h"
 
 #include <QRandomGenerator>
 
@@ -242,10 +242,11 @@ private Q_SLOTS:
             QCOMPARE(nothing, QString());
     }
 
-    void visibleTimes()
+    void steps()
     {
         const GraphFixture fixture(u"-1:plain 1:start 2:sleep 5:wake 3:plain 5:off 30:plain"_s);
-        const ZELKVisibleTimes times(fixture.log);
+        const auto visible = ZELKListedEntries::visibleEntries(fixture.log);
+        const ZELKEntrySteps times(visible);
         const auto look = [&](double hours) {
             return QStringList{fixture.place(times.lastEntryBeforeDate(at(hours))),
                                fixture.place(times.nearestEntryToDate(at(hours))),
@@ -256,7 +257,8 @@ private Q_SLOTS:
         QCOMPARE(look(4), (QStringList{u"#4"_s, u"#3"_s, u"#3"_s}));
         QCOMPARE(look(5), (QStringList{u"#4"_s, u"#3"_s, u"-"_s}));
         const GraphFixture empty;
-        QVERIFY(!ZELKVisibleTimes(empty.log).nearestEntryToDate(at(0)));
+        const auto none = ZELKListedEntries::visibleEntries(empty.log);
+        QVERIFY(!ZELKEntrySteps(none).nearestEntryToDate(at(0)));
     }
 };
 

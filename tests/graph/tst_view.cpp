@@ -4,6 +4,7 @@
 #include "ZELKGraphDescription.h"
 #include "ZELKLWCEntriesView.h"
 
+#include <QAccessible>
 #include <QHelpEvent>
 #include <QMimeData>
 #include <QSignalSpy>
@@ -13,11 +14,13 @@ namespace {
 
 struct DragView : ZELKLWCEntriesView
 {
-    void drag(std::unique_ptr<QMimeData> pasteboard, const QImage &) override
+    void drag(std::unique_ptr<QMimeData> pasteboard, const QImage &, QPointF grip) override
     {
+        grips.append(grip.toPoint());
         dragged.append(pasteboard->data(QLatin1String(tiffType)));
     }
     QList<QByteArray> dragged;
+    QList<QPoint> grips;
 };
 
 /// Three days, of which the second is shown first: asleep from 4 to 8, off from 12 to 18.
@@ -134,6 +137,22 @@ private Q_SLOTS:
         QCOMPARE(bed.selected(), drags > 0 ? 6.0 : 11.0);
     }
 
+    void dragsMayBeginAtTheEdge()
+    {
+        Bed bed;
+        const QPoint nearEdge(bed.placeOf(6).x(), bed.view.height() - 3);
+        const auto move = [&](int below) {
+            QTest::mouseMove(&bed.view, QPoint(nearEdge.x(), bed.view.height() + below));
+        };
+        QTest::mousePress(&bed.view, Qt::LeftButton, Qt::ControlModifier, nearEdge);
+        move(4);
+        QVERIFY(bed.view.dragged.isEmpty());
+        move(10);
+        QCOMPARE(bed.view.grips, QList<QPoint>{nearEdge});
+        QTest::mouseRelease(&bed.view, Qt::LeftButton, {}, bed.placeOf(8));
+        QVERIFY(!bed.view.selection());
+    }
+
     void keysGoFromEntryToEntry_data()
     {
         NamedRows<QList<Qt::Key>, double> row("keys", "hours");
@@ -154,15 +173,52 @@ private Q_SLOTS:
         QTEST(bed.selected(), "hours");
         QVERIFY(spy.count() > 0);
     }
-    void keysGoOnFromWhereThePointerWas()
+    void keysGoOnFromWhatWasChosen_data()
     {
+        const NamedRows<double, Qt::Key, double> row("clicked", "key", "hours");
+        row("back from the entry before", 9.0, Qt::Key_Left, 4.0);
+        row("and from the one after", 7.5, Qt::Key_Left, 4.0);
+        row("on from the one after", 7.5, Qt::Key_Right, 12.0);
+        row("half way is later", 10.0, Qt::Key_Right, 18.0);
+    }
+    void keysGoOnFromWhatWasChosen()
+    {
+        QFETCH(double, clicked);
+        QFETCH(Qt::Key, key);
         Bed bed;
-        QTest::mouseClick(&bed.view, Qt::LeftButton, {}, bed.placeOf(10));
-        QTest::keyClick(&bed.view, Qt::Key_Left);
-        QCOMPARE(bed.selected(), 8.0);
+        QTest::mouseClick(&bed.view, Qt::LeftButton, {}, bed.placeOf(clicked));
+        bed.view.setSelection(at(clicked)); // to the second
+        QTest::keyClick(&bed.view, key);
+        QTEST(bed.selected(), "hours");
         bed.show(1, 1); // the selection is left behind
+        QTest::keyClick(&bed.view, Qt::Key_Return);
+        QCOMPARE(bed.range.absoluteDuration()->startDate(), at(24));
         QTest::keyClick(&bed.view, Qt::Key_Right);
         QCOMPARE(bed.selected(), 40.0);
+    }
+
+    void keysStepThroughWhatIsListed()
+    {
+        Bed bed;
+        QList<const ZELKLWCLogEntry *> rows;
+        for (const ZELKLWCLogEntry *entry : bed.log.visibleEntriesArray())
+            if (entry->date() == at(18) || entry->date() == at(4) || entry->date() == at(12))
+                rows.prepend(entry);
+        bed.view.setListedEntries(
+            {[&rows] { return int(rows.size()); }, [&rows](int row) { return rows.at(row); }});
+        QList<double> hours;
+        for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Left}) {
+            QTest::keyClick(&bed.view, key);
+            hours.append(bed.selected());
+            // A list looks for the last entry before a date and the first one after it.
+            QVERIFY(bed.view.selection()->timeIntervalSinceDate(at(hours.last())) > 0.0);
+        }
+        QCOMPARE(hours, (QList<double>{4.0, 12.0, 18.0, 18.0, 12.0}));
+        rows.clear();
+        QTest::keyClick(&bed.view, Qt::Key_Right);
+        QCOMPARE(bed.selected(), 12.0);
+        QTest::keyClick(&bed.view, Qt::Key_Return);
+        QCOMPARE(bed.range.absoluteDuration()->startDate(), at(0));
     }
 
     void onlyChangesAreDrawnAnew()
@@ -200,14 +256,41 @@ private Q_SLOTS:
         QTRY_VERIFY(!QToolTip::isVisible());
     }
 
+    void whatItShowsIsTold_data()
+    {
+        const NamedRows<const char *, const char *> row("events", "told");
+        row("nothing", "40:plain", "0 events");
+        row("blocks and curves", "1:b50 4:sleep 8:wake 9:sleep 9.5:wake 12:off 18:on 23:b40 40:plain",
+            "8 events; Off once, 6 hours; Asleep 2 times, 4 hours, 30 minutes in all; BAT0 from 50 % to 40 "
+            "%");
+        row("off all day", "-30:off 30:on", "0 events; Off once, 1 day");
+        row("across both ends", "-8:sleep 6:wake 22:sleep 30:wake",
+            "2 events; Asleep 2 times, 8 hours in all");
+        row("duplicates beyond the day", "1:off 3:on 30:boot", "2 events; Off once, 23 hours");
+        row("levels that readings outside tell", "-4:b80@BAT1 -2:a50 4:sleep 26:a64 40:b20@BAT1",
+            "1 event; BAT1 from 75 % to 42 %; BAT0 from 51 % to 63 %");
+        row("away", "-4:x80 40:plain", "0 events");
+    }
     void whatItShowsIsTold()
     {
+        QFETCH(QString, events);
+        QFETCH(QString, told);
+        const GraphFixture fixture(events);
+        QCOMPARE(ZELKGraphDescription::description(fixture.log, fixture.range),
+                 u"Tuesday,  5 March 2024; "_s + told);
+    }
+
+    void assistiveProgramsAreTold()
+    {
         Bed bed;
-        const QString told = ZELKGraphDescription::description(bed.log, bed.range);
-        QVERIFY(told.startsWith(bed.range.absoluteDuration()->periodDescription()));
-        QTRY_COMPARE(bed.view.accessibleDescription(), told);
+        QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&bed.view);
+        QCOMPARE(interface->role(), QAccessible::Chart);
+        const QString told = interface->text(QAccessible::Description);
+        QCOMPARE(told, ZELKGraphDescription::description(bed.log, bed.range));
         bed.show(1, 1);
-        QTRY_VERIFY(bed.view.accessibleDescription() != told);
+        QCOMPARE(interface->text(QAccessible::Description),
+                 ZELKGraphDescription::description(bed.log, bed.range));
+        QVERIFY(interface->text(QAccessible::Description) != told);
     }
 };
 
