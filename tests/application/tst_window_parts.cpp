@@ -237,7 +237,7 @@ private Q_SLOTS:
         session.pick(8);
         auto &graph = session.find<ZELKLWCEntriesView>("graph");
         QTRY_VERIFY(graph.isVisible() && !graph.cell().dataSourceChanged());
-        QVERIFY(!graph.accessibleDescription().isEmpty());
+        QVERIFY(!graph.description().isEmpty());
         const int rows = session.rows();
         graph.setFocus();
         session.press(Qt::Key_End);
