@@ -261,45 +261,6 @@ void ZELKLWCLogEntry::setAttributeValue(const QVariant &value, const QString &ke
 
 // MARK: texts
 
-QString ZELKLWCLogEntry::attributeDictionaryToString(const ZELKDictionary &dictionary)
-{
-    QStringList items;
-    for (const auto &[key, value] : dictionary)
-        items.append(ZELKFormat("%@:%@", {key, value}));
-    return items.join(QLatin1String(", "));
-}
-
-QString ZELKLWCLogEntry::attributeArrayToString(const QVariantList &array)
-{
-    QStringList items;
-    for (const QVariant &value : array)
-        if (value.isValid()) // no property list holds another
-            items.append(ZELKValue::description(value));
-    return items.join(QLatin1String(", "));
-}
-
-QString ZELKLWCLogEntry::attributesAsString() const
-{
-    const ZELKEntryArena::Attributes attributes = builtAttributes();
-    QStringList items;
-    for (const QString &key : attributes.keys) {
-        const QVariant value = attributes.values.value(key);
-        if (value.userType() == qMetaTypeId<ZELKDictionary>())
-            items.append(
-                ZELKFormat("%@:[%@]", {key, attributeDictionaryToString(value.value<ZELKDictionary>())}));
-        else if (value.typeId() == QMetaType::QVariantList || value.typeId() == QMetaType::QStringList)
-            items.append(ZELKFormat("%@:(%@)", {key, attributeArrayToString(value.toList())}));
-        else
-            items.append(key);
-    }
-    return items.join(QLatin1String(", "));
-}
-
-QString ZELKLWCLogEntry::stringValue() const
-{
-    return ZELKFormat("%@\t%@\t%@", {date(), summary(), attributesAsString()});
-}
-
 QString ZELKLWCLogEntry::shortDescription() const
 {
     return componentsAsStringArray().join(QLatin1String("; "));

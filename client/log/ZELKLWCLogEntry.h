@@ -86,6 +86,13 @@ public:
     /// Date, summary and attributes, separated by tabs.
     QString stringValue() const;
     QString description() const { return stringValue(); }
+    QString exportAsTabSeparatedString() const { return stringValue(); }
+    /// "Date", "Summary", "Monitor" and "Attributes", of nothing but property-list values.
+    ZELKDictionary exportAsDictionary() const;
+    /// Lengths of time as their texts, also those within dictionaries and arrays; all else as it is.
+    static QVariant propertyListSafeValue(const QVariant &value);
+    static ZELKDictionary propertyListSafeDictionary(const ZELKDictionary &dictionary);
+    static QVariantList propertyListSafeArray(const QVariantList &array);
     QString shortDescription() const;
     QStringList componentsAsStringArray() const;
 
