@@ -1303,6 +1303,34 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>Shows when this computer slept, woke, started and changed its power.</translation>
     </message>
     <message>
+        <source>ZELKLWCMainWindowController.pageSetup</source>
+        <translation>Page Set&amp;up…</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.pageSetup.toolTip</source>
+        <translation>Choose the paper, its direction and its margins</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.printPreview</source>
+        <translation>Print Pre&amp;view…</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.printPreview.toolTip</source>
+        <translation>See the table as it would be printed</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.print</source>
+        <translation>&amp;Print…</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.print.toolTip</source>
+        <translation>Print the table as it is shown, or write it to a PDF file</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.print.failed</source>
+        <translation>The report could not be printed.</translation>
+    </message>
+    <message>
         <source>ZELKLWCMainWindowController.monthBackward.toolTip</source>
         <translation>The days before, moved by one month</translation>
     </message>
@@ -1521,6 +1549,28 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>ZELKLWCMainWindowController.empty.range.show</source>
         <translation>Show Everything</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKLWCPrintController</name>
+    <message>
+        <source>ZELKLWCPrintController.progress.title</source>
+        <translation>Print</translation>
+    </message>
+    <message>
+        <source>ZELKLWCPrintController.progress</source>
+        <translation>Printing the report…</translation>
+    </message>
+    <message>
+        <source>ZELKLWCPrintController.preview.first</source>
+        <translation>Print Preview: the first %d of %d pages</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKLWCPrintableReportView</name>
+    <message>
+        <source>Page %d of %d</source>
+        <translation>Page %d of %d</translation>
     </message>
 </context>
 <context>
