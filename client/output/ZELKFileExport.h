@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ZELKExportFile.h"
+#include "ZELKExportSource.h"
+
+#include <memory>
+
+/// One export to a file, in slices between which its owner does what else there is to do. Who destroys it
+/// before it is done has cancelled it; then the file is as it was.
+class ZELKFileExport
+{
+public:
+    enum class State : std::uint8_t {
+        Producing,
+        Placing, ///< a file that was there is being replaced: ending it now costs that file
+        Done,
+        Failed ///< error() says why
+    };
+
+    ZELKFileExport(std::unique_ptr<ZELKExportSource> source, std::unique_ptr<ZELKExportFile> file);
+
+    /// Goes on for about so long.
+    State advance(int milliseconds);
+    State state() const { return m_state; }
+    /// How far it is, from 0 to 1.
+    double fraction() const;
+    const QString &path() const { return m_file->path(); }
+    /// The system's words.
+    QString error() const;
+
+private:
+    void produce();
+    void place();
+
+    std::unique_ptr<ZELKExportSource> m_source;
+    std::unique_ptr<ZELKExportFile> m_file;
+    State m_state = State::Producing;
+    int m_error = 0;
+};
