@@ -1,5 +1,5 @@
 # Everything the project links from outside; why each one, stands in docs/decisions.
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Network Widgets UiTools Svg LinguistTools)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core DBus Gui Network Widgets PrintSupport UiTools Svg LinguistTools)
 if(LULLWATCH_TESTS)
   find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
   # It defines each test's folders besides, with which no two tests could share their headers.
