@@ -3,9 +3,6 @@
 #include "ZELKAssertion.h"
 #include "ZELKNoAgent.h"
 #include "ZELKSQLitePort.h"
-#include "ZELKServiceNames.h"
-
-#include <utility>
 
 using Notification = ZELKLWCDateRangeController::ApplicationNotification;
 
@@ -32,6 +29,8 @@ ZELKApplicationWiring::World ZELKApplicationWiring::World::real(const ZELKApplic
     const QDBusConnection system = QDBusConnection::systemBus();
     World world{ZELKAgentPorts::onBuses(system, session), session, std::make_shared<ZELKSQLitePort>()};
     world.systemBus = system;
+    if (settings.databaseFile.isEmpty())
+        world.applicationsMenu = ZELKApplicationsMenu::Folders::standard();
     return world;
 }
 
@@ -42,17 +41,19 @@ ZELKApplicationWiring::World ZELKApplicationWiring::World::withoutAgent()
 
 ZELKApplicationWiring::ZELKApplicationWiring(const ZELKApplicationSettings &settings, const World &world)
     : m_settings(settings)
+    , m_applicationsMenu(world.applicationsMenu)
     , m_defaults(settings.defaultsFile())
     , m_dateRange(m_defaults)
     , m_agentController(world.ports)
     , m_store(new ZELKLWCStore(storeWorld(settings, world)))
+    , m_agentWatch(m_agentController, world.agentPatience)
 {
     ZELKLWClientAppDelegate::initialize(*settings.bundle, m_defaults);
     connectOutlets();
     awakeFromNib();
-    watchAgent(world.bus);
+    m_agentWatch.watchBus(world.bus);
     if (world.systemBus)
-        watchAgent(*world.systemBus);
+        m_agentWatch.watchBus(*world.systemBus);
 }
 
 ZELKApplicationWiring::~ZELKApplicationWiring() = default;
@@ -71,8 +72,6 @@ void ZELKApplicationWiring::connectOutlets()
     m_delegate.setLog(&m_log);
     m_delegate.setStore(m_store.get());
     m_delegate.setAgentController(&m_agentController);
-    QObject::connect(&m_agentController, &ZELKAgentController::stateChanged, &m_agentController,
-                     [this] { zelkGuard([this] { agentStateChanged(); }); });
 }
 
 void ZELKApplicationWiring::awakeFromNib()
@@ -80,45 +79,6 @@ void ZELKApplicationWiring::awakeFromNib()
     m_dateRange.awakeFromNib();
     m_log.awakeFromNib();
     m_store->awakeFromNib();
-}
-
-/// The controller only looks when somebody asks it to. An agent that was killed, or started from elsewhere,
-/// shows at the bus; then the controller is to look until the state has settled.
-void ZELKApplicationWiring::watchAgent(const QDBusConnection &bus)
-{
-    if (!bus.isConnected())
-        return;
-    auto watcher = std::make_unique<QDBusServiceWatcher>(
-        ZELKServiceNames::controlServiceName(m_agentController.agentName()), bus);
-    QObject::connect(watcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, &m_agentController,
-                     [this](const QString &, const QString &, const QString &owner) {
-                         zelkGuard([&] { agentOwnerChanged(!owner.isEmpty()); });
-                     });
-    m_agentWatchers.push_back(std::move(watcher));
-}
-
-/// The service of a job that died comes back when the job's manager starts it again. Then nothing has
-/// changed, and the controller, which waits for a change, would look without end.
-void ZELKApplicationWiring::agentOwnerChanged(bool isThere)
-{
-    const bool works = m_agentController.installed() && m_agentController.enabled();
-    if (isThere && works && std::exchange(m_isAgentMissing, false)) {
-        m_agentController.checkForStateChange();
-        m_agentController.forgetExpectedStateChange();
-    }
-    if (isThere == m_agentController.installed() || m_agentController.isStateChangeExpected())
-        return;
-    m_isAgentMissing = !isThere;
-    m_agentController.expectStateChange();
-}
-
-void ZELKApplicationWiring::agentStateChanged()
-{
-    const int state = m_agentController.state();
-    if (state == ZELKAgentController::Inconsistent || !std::exchange(m_isAgentMissing, false))
-        return;
-    if (state != ZELKAgentController::NotInstalled)
-        m_agentController.forgetExpectedStateChange();
 }
 
 void ZELKApplicationWiring::applicationDidFinishLaunching()

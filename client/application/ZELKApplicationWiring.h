@@ -1,7 +1,9 @@
 #pragma once
 
 #include "ZELKAgentController.h"
+#include "ZELKAgentWatch.h"
 #include "ZELKApplicationSettings.h"
+#include "ZELKApplicationsMenu.h"
 #include "ZELKLWCDateRangeController.h"
 #include "ZELKLWCLog.h"
 #include "ZELKLWCStore.h"
@@ -9,11 +11,9 @@
 #include "ZELKUserDefaults.h"
 
 #include <QDBusConnection>
-#include <QDBusServiceWatcher>
 
 #include <memory>
 #include <optional>
-#include <vector>
 
 class ZELKSQLitePort;
 
@@ -33,6 +33,9 @@ public:
         bool setsDamagedAside = true;
         /// Where a job of the system is watched for; nothing where it is not.
         std::optional<QDBusConnection> systemBus = {};
+        /// The desktop's applications menu, where this run may offer to come into it.
+        std::optional<ZELKApplicationsMenu::Folders> applicationsMenu = {};
+        std::chrono::milliseconds agentPatience = ZELKAgentWatch::usualPatience;
 
         /// The user's session bus and the system's; without an agent for settings that know of none.
         static World real(const ZELKApplicationSettings &settings);
@@ -58,6 +61,7 @@ public:
     void applicationWillTerminate();
 
     const ZELKApplicationSettings &settings() const { return m_settings; }
+    const std::optional<ZELKApplicationsMenu::Folders> &applicationsMenu() const { return m_applicationsMenu; }
     ZELKUserDefaults &defaults() { return m_defaults; }
     ZELKLWCDateRangeController &dateRange() { return m_dateRange; }
     ZELKLWCLog &log() { return m_log; }
@@ -75,17 +79,14 @@ private:
 
     void connectOutlets();
     void awakeFromNib();
-    void watchAgent(const QDBusConnection &bus);
-    void agentOwnerChanged(bool isThere);
-    void agentStateChanged();
 
     ZELKApplicationSettings m_settings;
+    std::optional<ZELKApplicationsMenu::Folders> m_applicationsMenu;
     ZELKUserDefaults m_defaults;
     ZELKLWCDateRangeController m_dateRange;
     ZELKLWCLog m_log;
     ZELKAgentController m_agentController;
     std::unique_ptr<ZELKLWCStore, EndStore> m_store;
     ZELKLWClientAppDelegate m_delegate;
-    std::vector<std::unique_ptr<QDBusServiceWatcher>> m_agentWatchers;
-    bool m_isAgentMissing = false; // its service went, and nobody knows yet whether for good
+    ZELKAgentWatch m_agentWatch;
 };

@@ -1,14 +1,42 @@
 #include "ZELKHelpMenu.h"
 
+#include "ZELKApplicationExtras.h"
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
 #include "ZELKMainWindowInterface.h"
-#include "ZELKMessage.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QMainWindow>
+#include <QMenu>
+#include <QProcess>
 #include <QRandomGenerator>
+
+namespace {
+
+ZELKApplicationsMenuOffer::World offerWorld(const ZELKApplicationsMenu::Folders &folders,
+                                            const ZELKBundle &bundle, const QString &icon)
+{
+    return {ZELKApplicationsMenu(folders),
+            {bundle.bundleIdentifier(), bundle.infoDictionary().string(QStringLiteral("CFBundleName")),
+             ZELKMainWindowInterface::text("menuComment"), QCoreApplication::applicationFilePath(), icon},
+            [](const QStringList &command) {
+                return !command.isEmpty() && QProcess::startDetached(command.first(), command.mid(1));
+            },
+            [] { QCoreApplication::quit(); }};
+}
+
+ZELKApplicationExtras::World extrasWorld(const ZELKApplicationWiring &wiring)
+{
+    const ZELKBundle &bundle = *wiring.settings().bundle;
+    const QString icon = bundle.pathForResource(QStringLiteral("icons/lullwatch"), QStringLiteral("svg"));
+    ZELKApplicationExtras::World world{bundle, QIcon(icon), QCoreApplication::applicationFilePath()};
+    if (wiring.applicationsMenu())
+        world.offer = offerWorld(*wiring.applicationsMenu(), bundle, icon);
+    return world;
+}
+
+} // namespace
 
 ZELKHelpMenu::ZELKHelpMenu(QMainWindow &window, ZELKApplicationWiring &wiring)
     : QObject(&window)
@@ -18,13 +46,14 @@ ZELKHelpMenu::ZELKHelpMenu(QMainWindow &window, ZELKApplicationWiring &wiring)
 {
     connectGuide();
     connectFeedback();
-    connectAbout();
+    connectExtras();
 }
 
-/// The sheet stands on the window and uses what belongs to the menu.
+/// Sheets stand on the window and use what belongs to the menu.
 ZELKHelpMenu::~ZELKHelpMenu()
 {
     m_wiring.delegate().setFeedbackWorld(std::nullopt);
+    m_wiring.delegate().setApplicationExtras({});
 }
 
 QAction &ZELKHelpMenu::action(const char *name) const
@@ -64,17 +93,11 @@ void ZELKHelpMenu::connectFeedback()
     onTriggered(feedback, [this] { m_wiring.delegate().feedback(); });
 }
 
-void ZELKHelpMenu::connectAbout()
+void ZELKHelpMenu::connectExtras()
 {
-    onTriggered(action("actionAbout"), [this] { showAbout(); });
+    m_extras = std::make_shared<ZELKApplicationExtras>(extrasWorld(m_wiring), m_wiring.defaults());
+    m_wiring.delegate().setApplicationExtras(m_extras);
+    m_extras->insertItems(*ZELKMainWindowInterface::outlet<QMenu>(m_window, "helpMenu"), m_window);
+    onTriggered(action("actionAbout"), [this] { m_extras->orderFrontAboutPanel(m_window); });
     onTriggered(action("actionAboutQt"), [] { QApplication::aboutQt(); });
-}
-
-void ZELKHelpMenu::showAbout()
-{
-    const QString version =
-        m_wiring.settings().bundle->infoDictionary().string(QStringLiteral("CFBundleVersion"));
-    ZELKMessage::open(m_window, QMessageBox::Information,
-                      ZELKFormat(ZELKMainWindowInterface::text("about"), {version}),
-                      ZELKMainWindowInterface::text("about.informative"));
 }

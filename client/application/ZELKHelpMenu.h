@@ -5,8 +5,11 @@
 #include <QNetworkAccessManager>
 #include <QObject>
 
+#include <memory>
+
 class QAction;
 class QMainWindow;
+class ZELKApplicationExtras;
 class ZELKApplicationWiring;
 
 /// The items of the Help menu: what to read, whom to tell, and what this is.
@@ -23,8 +26,7 @@ public:
 private:
     void connectGuide();
     void connectFeedback();
-    void connectAbout();
-    void showAbout();
+    void connectExtras();
     QAction &action(const char *name) const;
     void onTriggered(QAction &action, const std::function<void()> &perform);
 
@@ -32,4 +34,5 @@ private:
     ZELKApplicationWiring &m_wiring;
     QNetworkAccessManager m_network;
     ZELKSystemAddressBook m_addressBook;
+    std::shared_ptr<ZELKApplicationExtras> m_extras;
 };

@@ -67,6 +67,8 @@ void ZELKLWClientAppDelegate::registerDefaults(const ZELKBundle &mainBundle, ZEL
 void ZELKLWClientAppDelegate::applicationDidFinishLaunching()
 {
     // Each step stands for itself: a cache that cannot be read does not keep the agent from being asked.
+    if (m_applicationExtras && m_window)
+        zelkGuard([this] { m_applicationExtras->offerToMoveToApplicationsFolder(*m_window); });
     zelkGuard([this] { m_store->syncWithLocalCache(); });
     zelkGuard([this] { m_store->sync(); });
     zelkGuard([this] { m_agentController->applicationDidFinishLaunching(); });

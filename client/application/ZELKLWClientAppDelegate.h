@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ZELKApplicationExtras.h"
 #include "ZELKFeedbackController.h"
 
 #include <QObject>
@@ -8,6 +9,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 class QWidget;
 class ZELKAgentController;
@@ -42,7 +44,14 @@ public:
     ZELKAgentController *agentController() const { return m_agentController; }
     void setAgentController(ZELKAgentController *controller) { m_agentController = controller; }
 
-    /// Reads the cache into the log, asks the agent for what is new, and lets its controller offer an update.
+    std::shared_ptr<ZELKApplicationExtras> applicationExtras() const { return m_applicationExtras; }
+    void setApplicationExtras(std::shared_ptr<ZELKApplicationExtras> extras)
+    {
+        m_applicationExtras = std::move(extras);
+    }
+
+    /// Offers a portable build to come into the applications menu, reads the cache into the log, asks the
+    /// agent for what is new, and lets its controller offer an update.
     void applicationDidFinishLaunching();
     /// Does nothing: each event was cached when it came.
     void applicationWillTerminate() {}
@@ -74,6 +83,7 @@ private:
     ZELKLWCLog *m_log = nullptr;
     ZELKLWCStore *m_store = nullptr;
     ZELKAgentController *m_agentController = nullptr;
+    std::shared_ptr<ZELKApplicationExtras> m_applicationExtras;
     bool m_canOpenUserGuide = false;
     std::optional<ZELKFeedbackController::World> m_feedbackWorld;
     std::unique_ptr<ZELKFeedbackController> m_feedbackController;

@@ -204,6 +204,18 @@
 <context>
     <name>General</name>
     <message>
+        <source>%Y-%m-%d</source>
+        <translation>%Y-%m-%d</translation>
+    </message>
+    <message>
+        <source>%@-Lullwatch</source>
+        <translation>%@-Lullwatch</translation>
+    </message>
+    <message>
+        <source>Cannot save file: '%@': %s</source>
+        <translation>Cannot save file: '%@': %s</translation>
+    </message>
+    <message>
         <source>Battery
 %</source>
         <translation>Battery
@@ -1058,6 +1070,89 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
 </context>
 <context>
+    <name>ZELKLWCInspectorController</name>
+    <message>
+        <source>ZELKLWCInspectorController.title</source>
+        <translation>Inspector</translation>
+    </message>
+    <message>
+        <source>Summary</source>
+        <translation>Summary</translation>
+    </message>
+    <message>
+        <source>Event</source>
+        <translation>Event</translation>
+    </message>
+    <message>
+        <source>No Selection</source>
+        <translation>No Selection</translation>
+    </message>
+    <message>
+        <source>Unsupported attribute</source>
+        <translation>Unsupported attribute</translation>
+    </message>
+    <message>
+        <source>and %@ more</source>
+        <translation>and %@ more</translation>
+    </message>
+    <message>
+        <source>%@ entries</source>
+        <translation>%@ entries</translation>
+    </message>
+    <message>
+        <source>%@, %@</source>
+        <translation>%@, %@</translation>
+    </message>
+    <message>
+        <source>Date</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Time</translation>
+    </message>
+    <message>
+        <source>Repeated</source>
+        <translation>Repeated</translation>
+    </message>
+    <message>
+        <source>once</source>
+        <translation>once</translation>
+    </message>
+    <message>
+        <source>%@ times</source>
+        <translation>%@ times</translation>
+    </message>
+    <message>
+        <source>Last</source>
+        <translation>Last</translation>
+    </message>
+    <message>
+        <source>From then on</source>
+        <translation>From then on</translation>
+    </message>
+    <message>
+        <source>Since</source>
+        <translation>Since</translation>
+    </message>
+    <message>
+        <source>Reported by</source>
+        <translation>Reported by</translation>
+    </message>
+    <message>
+        <source>From</source>
+        <translation>From</translation>
+    </message>
+    <message>
+        <source>To</source>
+        <translation>To</translation>
+    </message>
+    <message>
+        <source>Length</source>
+        <translation>Length</translation>
+    </message>
+</context>
+<context>
     <name>ZELKLWCLogTableModel</name>
     <message>
         <source>ZELKLWCLogTableModel.date</source>
@@ -1195,6 +1290,10 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>&amp;User Guide</translation>
     </message>
     <message>
+        <source>ZELKLWCMainWindowController.menuComment</source>
+        <translation>When this computer slept, woke and ran on battery</translation>
+    </message>
+    <message>
         <source>ZELKLWCMainWindowController.feedback</source>
         <translation>Send &amp;Feedback…</translation>
     </message>
@@ -1293,14 +1392,6 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>ZELKLWCMainWindowController.empty.range</source>
         <translation>No entries in this range</translation>
-    </message>
-    <message>
-        <source>ZELKLWCMainWindowController.about</source>
-        <translation>Lullwatch %@</translation>
-    </message>
-    <message>
-        <source>ZELKLWCMainWindowController.about.informative</source>
-        <translation>Shows when this computer slept, woke, started and changed its power.</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.pageSetup</source>
@@ -1483,6 +1574,26 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>Show &amp;Toolbar</translation>
     </message>
     <message>
+        <source>ZELKLWCMainWindowController.inspector</source>
+        <translation>Show &amp;Inspector</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.inspector.hide</source>
+        <translation>Hide &amp;Inspector</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.inspector.toolTip</source>
+        <translation>What is known of the selected entries</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.goToInspector</source>
+        <translation>&amp;Go to Inspector</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.goToInspector.toolTip</source>
+        <translation>Select and copy what the inspector shows with the keys</translation>
+    </message>
+    <message>
         <source>ZELKLWCMainWindowController.fullScreen</source>
         <translation>&amp;Full Screen</translation>
     </message>
@@ -1549,6 +1660,61 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>ZELKLWCMainWindowController.empty.range.show</source>
         <translation>Show Everything</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.export</source>
+        <translation>&amp;Export…</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.export.toolTip</source>
+        <translation>Save the whole log, or the graph as a picture, for another program</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKLWCExportController</name>
+    <message>
+        <source>ZELKLWCExportController.title</source>
+        <translation>Export</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.format</source>
+        <translation>&amp;Format:</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.format.accessibleName</source>
+        <translation>Format</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.format.0</source>
+        <translation>Rich text (.rtf)</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.format.1</source>
+        <translation>Text with tabs, for spreadsheets (.txt)</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.format.2</source>
+        <translation>XML property list (.plist)</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.format.3</source>
+        <translation>Word document (.doc)</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.format.5</source>
+        <translation>Picture of the graph, TIFF (.tiff)</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.format.6</source>
+        <translation>Picture of the graph, PNG (.png)</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.progress.title</source>
+        <translation>Export</translation>
+    </message>
+    <message>
+        <source>ZELKLWCExportController.progress</source>
+        <translation>Exporting to “%@”</translation>
     </message>
 </context>
 <context>
@@ -1730,6 +1896,112 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>ZELKFeedbackController.report.toolTip</source>
         <translation>Send what this window shows</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKAboutPanel</name>
+    <message>
+        <source>ZELKAboutPanel.title</source>
+        <translation>About Lullwatch</translation>
+    </message>
+    <message>
+        <source>ZELKAboutPanel.version</source>
+        <translation>Version %@</translation>
+    </message>
+    <message>
+        <source>ZELKAboutPanel.purpose</source>
+        <translation>When this computer slept and woke, who kept it awake,
+and what it cost the battery.</translation>
+    </message>
+    <message>
+        <source>ZELKAboutPanel.license</source>
+        <translation>Free software under the Apache License, version 2.0.</translation>
+    </message>
+    <message>
+        <source>ZELKAboutPanel.builtWith</source>
+        <translation>Uses Qt %s, SQLite, libplist, libtiff, libgsf and libsystemd.</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKApplicationExtras</name>
+    <message>
+        <source>ZELKApplicationExtras.checkForUpdates</source>
+        <translation>Check for &amp;Updates…</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationExtras.checkForUpdates.toolTip</source>
+        <translation>Ask what this system knows of newer versions</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationExtras.updates.newest</source>
+        <translation>%@ %@ is the newest version known.</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationExtras.updates.source</source>
+        <translation>%@ knows of no newer one.</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationExtras.updates.newer</source>
+        <translation>%@ %@ is there.</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationExtras.updates.newer.informative</source>
+        <translation>This is version %@. %@ brings the newer one with the next update of the system.</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationExtras.updates.unknown</source>
+        <translation>Nobody here knows of newer versions of %@ %@.</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationExtras.updates.unknown.informative</source>
+        <translation>It did not come with a package of this system. Look where you got it from.</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKApplicationsMenuOffer</name>
+    <message>
+        <source>ZELKApplicationsMenuOffer.message</source>
+        <translation>Add %@ to your applications menu?</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.informative</source>
+        <translation>It runs from “%@”, of which no menu knows. It stays there; only an entry and an icon are put into your own menu.</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.suppress</source>
+        <translation>Do not ask again</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.add</source>
+        <translation>&amp;Add</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.notNow</source>
+        <translation>&amp;Not Now</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.failed</source>
+        <translation>%@ cannot be added to the menu.</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.added</source>
+        <translation>%@ is in your applications menu.</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.added.informative</source>
+        <translation>It can be started again from there, so that the desktop knows it by its icon.</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.startAgain</source>
+        <translation>&amp;Start Again</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.goOn</source>
+        <translation>&amp;Go On</translation>
+    </message>
+    <message>
+        <source>ZELKApplicationsMenuOffer.notStarted</source>
+        <translation>It could not be started from the menu.</translation>
     </message>
 </context>
 </TS>
