@@ -1,0 +1,83 @@
+#include "ZELKLabelDrawing.h"
+
+#include <QPalette>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double readableContrast = 7.0;
+
+double linear(double channel)
+{
+    return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+}
+
+/// Of black on the colour, as the guidelines for accessible contents reckon it.
+double contrastOfBlack(const QColor &colour)
+{
+    return (0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+            0.0722 * linear(colour.blueF()) + 0.05) /
+           0.05;
+}
+
+/// The titles are black, whatever tint the desktop has chosen.
+QColor tint(const QPalette &palette)
+{
+    const QColor chosen = palette.color(QPalette::Active, QPalette::Highlight).toRgb();
+    constexpr int steps = 20;
+    QColor colour = chosen;
+    for (int step = 1; step <= steps && contrastOfBlack(colour) < readableContrast; ++step) {
+        const float part = float(step) / steps;
+        const auto lighter = [part](float channel) { return channel + (1.0F - channel) * part; };
+        colour = QColor::fromRgbF(lighter(chosen.redF()), lighter(chosen.greenF()), lighter(chosen.blueF()));
+    }
+    return colour;
+}
+
+} // namespace
+
+ZELKLabelColours ZELKLabelColours::initial(const QPalette &palette)
+{
+    return {palette.color(QPalette::Active, QPalette::Highlight),
+            palette.color(QPalette::Active, QPalette::Light), tint(palette)};
+}
+
+ZELKLabelColours ZELKLabelColours::afterTintChange(const QPalette &palette)
+{
+    ZELKLabelColours colours = initial(palette);
+    colours.border = palette.color(QPalette::Active, QPalette::Dark);
+    return colours;
+}
+
+ZELKLabelLayout ZELKLabelLayout::of(const ZELKUprightRect &label, double borderWidth, double insetWidth,
+                                    bool hasImage)
+{
+    ZELKLabelLayout layout;
+    layout.insetFrame = label.inset(borderWidth);
+    layout.inside = layout.insetFrame.inset(insetWidth);
+    const ZELKUprightRect &inside = layout.inside;
+    layout.bottom = {inside.x, inside.y, inside.width, inside.height / 2.0};
+    layout.top = {inside.x, inside.y + inside.height / 2.0, inside.width, inside.height / 2.0};
+    layout.titleX = inside.x + titleGap;
+    if (hasImage) {
+        layout.image = {inside.x, inside.y, inside.height, inside.height};
+        layout.titleX += inside.height;
+    }
+    return layout;
+}
+
+std::pair<QColor, QColor> ZELKLabelGradient::colours(const QColor &base)
+{
+    float hue = 0.0F;
+    float saturation = 0.0F;
+    float brightness = 0.0F;
+    float alpha = 0.0F;
+    base.toRgb().getHsvF(&hue, &saturation, &brightness, &alpha);
+    const float sameHue = std::max(hue, 0.0F); // of grey it is none
+    return {QColor::fromHsvF(sameHue, std::max(saturation - 0.12F, 0.0F), std::min(brightness + 0.3F, 1.0F),
+                             alpha),
+            QColor::fromHsvF(sameHue, saturation > 0.04F ? std::min(saturation + 0.12F, 1.0F) : 0.0F,
+                             std::max(brightness - 0.09F, 0.0F), alpha)};
+}
