@@ -99,7 +99,7 @@ QString ZELKGraphDescription::description(const ZELKLWCLog &log, const ZELKLWCDa
     ZELKDisplayListBuilder(list, scale, log).prepareDisplayList();
 
     const int entries = int(log.countOfVisibleEntries());
-    QStringList parts{period.periodDescription(),
+    QStringList parts{period.periodDescription().simplified(),
                       ZELKFormat(text(entries == 1 ? "entry" : "entries"), {entries})};
     for (const QString &state : ZELKGraphColours::colouredStates())
         if (const Times times = timesOf(list, state, chartStart + period.duration()); times.count > 0)

@@ -67,7 +67,7 @@ void ZELKGraphDrawing::measure(const ZELKGraphSubject &subject)
     if (subject.dateRange && subject.dateRange->absoluteDuration())
         m_chartScale.period = *subject.dateRange->absoluteDuration();
     if (subject.isTitled && subject.dateRange && subject.dateRange->absoluteDuration())
-        m_title = m_chartScale.period.periodDescription();
+        m_title = m_chartScale.period.periodDescription().simplified(); // days are padded
     ZELKGraphMeasures measures;
     measures.isTitled = subject.isTitled;
     measures.title = ZELKGraphText::size(m_title, titleAttributes());

@@ -277,7 +277,7 @@ private Q_SLOTS:
         QFETCH(QString, told);
         const GraphFixture fixture(events);
         QCOMPARE(ZELKGraphDescription::description(fixture.log, fixture.range),
-                 u"Tuesday,  5 March 2024; "_s + told);
+                 u"Tuesday, 5 March 2024; "_s + told);
     }
 
     void assistiveProgramsAreTold()
