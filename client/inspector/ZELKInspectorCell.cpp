@@ -49,13 +49,14 @@ ZELKInspectorCell ZELKInspectorCell::ofValue(const QVariant &value)
     if (value.metaType() != QMetaType::fromType<ZELKAttributedString>())
         return {{},
                 ZELKAttributedString(bounded(described(value)),
-                                     ZELKLWCPresentationAssistant::miniPrimaryAttributes())};
+                                     ZELKLWCPresentationAssistant::miniPrimaryAttributes()),
+                true};
     const auto whole = value.value<ZELKAttributedString>().substring(0, longest);
     const qsizetype figure = lengthOfFigure(whole.string());
     qsizetype rest = figure;
     while (rest < whole.length() && whole.string().at(rest).isSpace())
         ++rest;
-    return {whole.substring(0, figure), whole.substring(rest, whole.length() - rest)};
+    return {whole.substring(0, figure), whole.substring(rest, whole.length() - rest), false};
 }
 
 ZELKInspectorCell ZELKInspectorCell::ofKey(const QVariant &key)

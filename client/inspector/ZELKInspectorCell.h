@@ -18,4 +18,5 @@ struct ZELKInspectorCell
     /// otherwise, and for plain values.
     ZELKAttributedString figure;
     ZELKAttributedString text;
+    bool isPlain = false; ///< not a text with attributes
 };

@@ -39,6 +39,14 @@ QString dayAndTime(ZELKDate date)
     return ZELKFormat(text("%@, %@"), {ZELKInspectorFacts::day(date), ZELKInspectorFacts::time(date)});
 }
 
+/// The state that the partner began, or what the partner is.
+QString sincePair(const ZELKLWCLogEntry &pair)
+{
+    const QString state = pair.pairRepresents();
+    return ZELKFormat(text("%@ since %@"),
+                      {state.isEmpty() ? pair.summary() : general(state), ZELKShortDate::text(pair.date())});
+}
+
 } // namespace
 
 QString ZELKInspectorFacts::day(ZELKDate date)
@@ -74,11 +82,10 @@ ZELKDictionary ZELKInspectorFacts::ofEntry(const ZELKLWCLogEntry &entry)
                      duplicates == 1 ? text("once") : ZELKFormat(text("%@ times"), {number(duplicates)}));
         facts.insert(text("Last"), dayAndTime(entry.finalDate()));
     }
+    if (const ZELKLWCLogEntry *pair = entry.pair())
+        facts.insert(text("Before"), sincePair(*pair));
     if (!entry.pairRepresents().isEmpty())
         facts.insert(text("From then on"), general(entry.pairRepresents()));
-    if (const ZELKLWCLogEntry *pair = entry.pair())
-        facts.insert(text("Since"),
-                     ZELKFormat(text("%@, %@"), {pair->summary(), ZELKShortDate::text(pair->date())}));
     if (!entry.monitor().isEmpty())
         facts.insert(text("Reported by"), entry.monitor());
     return facts;

@@ -15,8 +15,9 @@
 
 namespace {
 
-constexpr double keyPart = 40.0; // of the width, in hundredths
+constexpr double keyPart = 38.0; // of the width, in hundredths
 constexpr double cellPadding = 2.0;
+constexpr int longestFigure = 9; // characters
 
 struct Row
 {
@@ -38,6 +39,11 @@ double widthOf(const ZELKAttributedString &text)
     return width;
 }
 
+double ascentOf(const ZELKAttributedString &text)
+{
+    return text.isEmpty() ? 0.0 : QFontMetricsF(ZELKTextDocument::font(text.attributesAt(0))).ascent();
+}
+
 void insert(QTextCursor cursor, const ZELKAttributedString &text, const ZELKTextColours &colours,
             Qt::Alignment alignment)
 {
@@ -53,44 +59,81 @@ void insert(QTextCursor cursor, const ZELKAttributedString &text, const ZELKText
     }
 }
 
-/// The columns are those of what the rows are called, of figures where there are any, and of the rest.
-QTextTableFormat formatOf(const Rows &rows, bool hasFigures)
+/// Writes a row's cells; of different sizes, they stand on one line.
+class TableWriter
 {
-    QTextTableFormat format;
-    format.setBorder(0.0);
-    format.setCellSpacing(0.0);
-    format.setCellPadding(cellPadding);
-    format.setWidth(QTextLength(QTextLength::PercentageLength, 100.0));
-    QList<QTextLength> widths{QTextLength(QTextLength::PercentageLength, keyPart)};
-    if (hasFigures) {
-        double widest = 0.0;
-        for (const Row &row : rows)
-            widest = std::max(widest, widthOf(row.value.figure));
-        widths.append(QTextLength(QTextLength::FixedLength, std::ceil(widest) + 2.0 * cellPadding + 2.0));
+public:
+    TableWriter(QTextCursor cursor, const Rows &rows, const ZELKTextColours &colours)
+        : m_rows(rows)
+        , m_colours(colours)
+        , m_hasFigures(std::any_of(rows.begin(), rows.end(),
+                                   [](const Row &row) { return !row.value.figure.isEmpty(); }))
+        , m_table(cursor.insertTable(int(rows.size()), m_hasFigures ? 3 : 2))
+    {
+        QTextTableFormat format;
+        format.setBorder(0.0);
+        format.setCellSpacing(0.0);
+        format.setCellPadding(0.0);
+        format.setWidth(QTextLength(QTextLength::PercentageLength, 100.0));
+        format.setColumnWidthConstraints(widths());
+        m_table->setFormat(format);
     }
-    widths.append(QTextLength(QTextLength::VariableLength, 0.0));
-    format.setColumnWidthConstraints(widths);
-    return format;
-}
+    void write()
+    {
+        for (int row = 0; row < int(m_rows.size()); ++row)
+            writeRow(row, m_rows[std::size_t(row)]);
+    }
 
-void insertTable(QTextCursor cursor, const Rows &rows, const ZELKTextColours &colours)
-{
-    const bool hasFigures =
-        std::any_of(rows.begin(), rows.end(), [](const Row &row) { return !row.value.figure.isEmpty(); });
-    const int last = hasFigures ? 2 : 1;
-    QTextTable *table = cursor.insertTable(int(rows.size()), last + 1, formatOf(rows, hasFigures));
-    for (int i = 0; i < int(rows.size()); ++i) {
-        const Row &row = rows[std::size_t(i)];
-        const bool isFigure = !row.value.figure.isEmpty();
-        insert(table->cellAt(i, 0).firstCursorPosition(), row.key.text, colours, Qt::AlignRight);
-        if (isFigure)
-            insert(table->cellAt(i, 1).firstCursorPosition(), row.value.figure, colours, Qt::AlignRight);
-        else if (hasFigures)
-            table->mergeCells(i, 1, 1, 2);
-        insert(table->cellAt(i, isFigure ? last : 1).firstCursorPosition(), row.value.text, colours,
-               Qt::AlignLeft);
+private:
+    /// A short value among figures, such as a length of time, stands as they do.
+    ZELKAttributedString figureOf(const Row &row) const
+    {
+        const bool isShort = row.value.isPlain && row.value.text.length() <= longestFigure;
+        return m_hasFigures && isShort ? row.value.text : row.value.figure;
     }
-}
+    /// The columns are those of what the rows are called, of figures where there are any, and of the rest.
+    QList<QTextLength> widths() const
+    {
+        QList<QTextLength> widths{QTextLength(QTextLength::PercentageLength, keyPart)};
+        double widest = 0.0;
+        for (const Row &row : m_rows)
+            widest = std::max(widest, widthOf(figureOf(row)));
+        if (m_hasFigures)
+            widths.append(QTextLength(QTextLength::FixedLength, std::ceil(widest) + 2.0 * cellPadding + 2.0));
+        widths.append(QTextLength(QTextLength::VariableLength, 0.0));
+        return widths;
+    }
+    void writeRow(int row, const Row &content) const
+    {
+        const ZELKAttributedString figure = figureOf(content);
+        const bool isAllFigure = m_hasFigures && !figure.isEmpty() && content.value.figure.isEmpty();
+        const ZELKAttributedString rest = isAllFigure ? ZELKAttributedString() : content.value.text;
+        const double ascent = std::max({ascentOf(content.key.text), ascentOf(figure), ascentOf(rest)});
+        writeCell(row, 0, content.key.text, Qt::AlignRight, ascent);
+        if (m_hasFigures)
+            writeCell(row, 1, figure, Qt::AlignRight, ascent);
+        writeCell(row, m_table->columns() - 1, rest, Qt::AlignLeft, ascent);
+    }
+    /// What looks a cell has stands with its first characters, and so its padding comes last.
+    void writeCell(int row, int column, const ZELKAttributedString &text, Qt::Alignment alignment,
+                   double ascent) const
+    {
+        QTextTableCell cell = m_table->cellAt(row, column);
+        insert(cell.firstCursorPosition(), text, m_colours, alignment);
+        QTextTableCellFormat format = cell.format().toTableCellFormat();
+        format.setPadding(cellPadding);
+        if (text.isEmpty())
+            format.setFont(ZELKTextDocument::font(ZELKLWCPresentationAssistant::miniSecondaryAttributes()));
+        else
+            format.setTopPadding(cellPadding + ascent - ascentOf(text));
+        cell.setFormat(format);
+    }
+
+    const Rows &m_rows;
+    const ZELKTextColours &m_colours;
+    bool m_hasFigures;
+    QTextTable *m_table;
+};
 
 void insertList(QTextCursor cursor, const Rows &rows, const ZELKTextColours &colours)
 {
@@ -108,7 +151,8 @@ ZELKInspectorCell countOfRest(int rest)
                                                    QStringLiteral("and %@ more"));
     return {{},
             ZELKAttributedString(ZELKFormat(text, {ZELKEnvironment::current().locale.toString(rest)}),
-                                 ZELKLWCPresentationAssistant::miniSecondaryAttributes())};
+                                 ZELKLWCPresentationAssistant::miniSecondaryAttributes()),
+            true};
 }
 
 } // namespace
@@ -137,6 +181,6 @@ void ZELKInspectorTableView::fill(QTextDocument &document) const
     if (m_columns.size() == 1)
         insertList(cursor, rows, colours);
     else if (!rows.empty())
-        insertTable(cursor, rows, colours);
+        TableWriter(cursor, rows, colours).write();
     cursor.endEditBlock();
 }

@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr int usualWidthInCharacters = 38;
-constexpr int widestInCharacters = 52;
+constexpr int usualWidthInCharacters = 44;
+constexpr int widestInCharacters = 60;
 
 /// What is selected, a rectangle of cells or a stretch of text, block by block.
 class Selected

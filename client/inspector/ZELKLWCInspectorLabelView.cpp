@@ -119,6 +119,7 @@ void ZELKLWCInspectorLabelView::paintEvent(QPaintEvent *)
             ZELKLabelLayout::of(label, m_borderWidth, m_insetWidth, !m_image.isNull());
         const auto turned = [this](const ZELKUprightRect &rect) { return rect.turned(height()); };
         QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(m_colours.inset, m_insetWidth));
         painter.drawRect(turned(layout.insetFrame));
         painter.setPen(QPen(m_colours.border, m_borderWidth));

@@ -10,8 +10,6 @@
 #include "ZELKLWCInspectorLabelSubViewController.h"
 #include "ZELKLWCInspectorLabelView.h"
 
-#include <QLabel>
-
 namespace {
 
 using Controller = ZELKLWCInspectorSubViewController;
@@ -40,6 +38,15 @@ ZELKInterfaceLoader::Widgets widgets()
     return {ZELKInterfaceLoader::widget<ZELKLWCInspectorLabelView>(),
             ZELKInterfaceLoader::widget<ZELKInspectorTextView>(),
             ZELKInterfaceLoader::widget<ZELKInspectorTableView>()};
+}
+
+ZELKAttributedString centred(const QString &message)
+{
+    ZELKAttributedString text = ZELKInspectorCell::ofKey(message).text;
+    text.changeAttributes([](ZELKTextAttributes &attributes) {
+        attributes.paragraph.alignment = ZELKParagraphStyle::Alignment::Centre;
+    });
+    return text;
 }
 
 template <typename Type, typename... Arguments>
@@ -117,8 +124,8 @@ void Controller::loadNib(const QString &nib)
 
 void Controller::awakeFromNib()
 {
-    if (auto *message = outlet<QLabel>("messageView"))
-        message->setText(m_attributeKey);
+    if (auto *message = outlet<ZELKInspectorTextView>("messageView"))
+        message->setAttributedText(centred(m_attributeKey));
     if (auto *headline = outlet<ZELKInspectorTextView>("titleView"))
         headline->setAttributedText(title());
     if (auto *value = outlet<ZELKInspectorTextView>("valueView")) {
