@@ -9,6 +9,7 @@
 
 #include <QPageSetupDialog>
 #include <QPaintEngine>
+#include <QPointer>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
@@ -117,10 +118,15 @@ void ZELKLWCPrintController::printReport()
     m_progress->start();
 }
 
+/// This dialog passes on what was chosen only to those who wait for it.
 void ZELKLWCPrintController::pageSetup()
 {
-    if (!m_progress)
-        open(*new QPageSetupDialog(&printInfo(), &m_outlets.window));
+    if (m_progress)
+        return;
+    const QPointer<QPageSetupDialog> dialog = new QPageSetupDialog(&printInfo(), &m_outlets.window);
+    dialog->setWindowModality(Qt::WindowModal);
+    dialog->exec();
+    delete dialog; // unless the window has gone meanwhile
 }
 
 // MARK: preview

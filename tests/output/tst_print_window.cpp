@@ -1,0 +1,144 @@
+// The file menu's items for printing, and the dialogs that they open.
+#include "Files.h"
+#include "WindowBed.h"
+#include "ZELKPrintActions.h"
+#include "ZELKProgressSheet.h"
+
+#include <QMessageBox>
+#include <QPageSetupDialog>
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
+#include <QPrinter>
+#include <QSignalSpy>
+
+namespace {
+
+struct PrintBed : ApplicationFixture
+{
+    Session session;
+
+    explicit PrintBed(bool isFilled = true)
+        : session(*this, isFilled)
+    {
+        controller().printInfo().setOutputFileName(file());
+    }
+    QString file() const { return folder.filePath(u"report.pdf"_s); }
+    ZELKLWCPrintController &controller()
+    {
+        return session.window.findChild<ZELKPrintActions *>()->controller();
+    }
+    template <typename Dialog>
+    Dialog *opened(const char *action)
+    {
+        session.find<QAction>(action).trigger();
+        const QList<Dialog *> dialogs = session.window.findChildren<Dialog *>();
+        Dialog *dialog = dialogs.isEmpty() ? nullptr : dialogs.last(); // others may be on their way out
+        if (dialog && (!dialog->isVisible() || dialog->windowModality() != Qt::WindowModal))
+            qFatal("not as a sheet");
+        return dialog;
+    }
+};
+
+} // namespace
+
+class TestPrintWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void onlyRowsCanBePrinted()
+    {
+        PrintBed bed(false);
+        const auto &print = bed.session.find<QAction>("actionPrint");
+        const auto &preview = bed.session.find<QAction>("actionPrintPreview");
+        QVERIFY(!print.isEnabled() && !preview.isEnabled());
+        QVERIFY(bed.session.find<QAction>("actionPageSetup").isEnabled());
+        QVERIFY(!bed.controller().validateMenuItem(ZELKLWCPrintController::MenuItem::Print));
+        bed.session.add(2);
+        QVERIFY(print.isEnabled() && preview.isEnabled());
+        bed.session.table().setFilterString(u"nothing"_s);
+        bed.session.table().filter();
+        QVERIFY(!print.isEnabled() && !preview.isEnabled());
+    }
+
+    void whoAcceptsTheDialogGetsTheReport()
+    {
+        PrintBed bed;
+        QSignalSpy printed(&bed.controller(), &ZELKLWCPrintController::printed);
+        auto *dialog = bed.opened<QPrintDialog>("actionPrint");
+        QCOMPARE(dialog->maxPage(), int(bed.controller().makeReport(*dialog->printer())->pages()));
+        dialog->reject();
+        QVERIFY(!QFile::exists(bed.file()));
+        dialog = bed.opened<QPrintDialog>("actionPrint");
+        QCOMPARE(dialog->printer()->toPage(), dialog->maxPage());
+        dialog->accept();
+        QTRY_COMPARE(printed.count(), 1);
+        QVERIFY(printed.first().first().toString().isNull());
+        QVERIFY(QFileInfo(bed.file()).size() > 0);
+    }
+
+    void aFailureIsTold()
+    {
+        PrintBed bed;
+        QSignalSpy printed(&bed.controller(), &ZELKLWCPrintController::printed);
+        auto *dialog = bed.opened<QPrintDialog>("actionPrint");
+        QDir(bed.folder.path()).mkdir(u"report.pdf"_s);
+        Q_EMIT dialog->accepted(dialog->printer());
+        QTRY_COMPARE(printed.count(), 1);
+        QCOMPARE(bed.session.window.findChild<QMessageBox *>()->text(),
+                 u"The report could not be printed."_s);
+    }
+
+    void aPreviewShowsThePagesAndPrintsThem()
+    {
+        PrintBed bed;
+        QSignalSpy printed(&bed.controller(), &ZELKLWCPrintController::printed);
+        auto *dialog = bed.opened<QPrintPreviewDialog>("actionPrintPreview");
+        const auto *widget = dialog->findChild<QPrintPreviewWidget *>();
+        QTRY_COMPARE(widget->pageCount(), int(bed.controller().makeReport(*dialog->printer())->pages()));
+        QVERIFY(!QFile::exists(bed.file()));
+        dialog->printer()->setOutputFileName(bed.file());
+        dialog->findChild<QPrintPreviewWidget *>()->print(); // as the dialog's button, after it asked
+        dialog->accept();
+        QTRY_COMPARE(printed.count(), 1);
+        QVERIFY(QFileInfo(bed.file()).size() > 0);
+        QVERIFY(!bed.controller().printInfo().fullPage());
+    }
+
+    void thePaperIsRemembered()
+    {
+        PrintBed bed;
+        const qint64 before = bed.controller().makeReport(bed.controller().printInfo())->pages();
+        QTimer::singleShot(0, &bed.session.window, [&bed] {
+            auto *dialog = bed.session.window.findChild<QPageSetupDialog *>();
+            QCOMPARE(dialog->windowModality(), Qt::WindowModal);
+            for (auto *choice : dialog->findChildren<QComboBox *>())
+                choice->setCurrentIndex(std::max(choice->findText(u"A6"_s), choice->currentIndex()));
+            dialog->accept();
+        });
+        bed.session.find<QAction>("actionPageSetup").trigger();
+        QVERIFY(bed.controller().makeReport(bed.controller().printInfo())->pages() > before);
+    }
+
+    void aLongReportCanBeCancelled()
+    {
+        PrintBed bed;
+        bed.session.add(60'000);
+        writeFile(bed.file(), "older");
+        QSignalSpy printed(&bed.controller(), &ZELKLWCPrintController::printed);
+        auto *dialog = bed.opened<QPrintDialog>("actionPrint");
+        Q_EMIT dialog->accepted(dialog->printer());
+        dialog->reject();
+        ZELKProgressSheet *sheet = nullptr;
+        QTRY_VERIFY((sheet = bed.session.window.findChild<ZELKProgressSheet *>()) || printed.count() > 0);
+        if (!sheet)
+            QSKIP("this machine prints faster than anybody cancels");
+        sheet->reject();
+        QCOMPARE(printed.count(), 1);
+        QCOMPARE(readFile(bed.file()), QByteArray("older"));
+    }
+};
+
+QTEST_MAIN(TestPrintWindow)
+#include "tst_print_window.moc"
