@@ -12,6 +12,7 @@
 #include "ZELKHelpMenu.h"
 #include "ZELKMainMenu.h"
 #include "ZELKMessage.h"
+#include "ZELKPrintActions.h"
 #include "ZELKRangeControls.h"
 #include "ZELKSearchControls.h"
 #include "ZELKSearchField.h"
@@ -106,6 +107,7 @@ void ZELKLWCMainWindowController::makeParts()
     toolBar->fill();
     orderTabs(toolBar->controls());
     new ZELKTableActions(*m_window, m_table.controller(), m_table.view(), m_wiring.dateRange());
+    new ZELKPrintActions(*m_window, m_wiring.dateRange(), m_table.controller(), m_table.view());
     new ZELKSearchControls(*m_window, m_table.controller(), m_table.view(), m_wiring.log());
     connectGraph();
     m_statusLine = new ZELKStatusLine(*m_window, m_wiring);
