@@ -32,6 +32,7 @@ ZELKEmptyPage::ZELKEmptyPage(QMainWindow &window)
     page->setAutoFillBackground(true);
     for (QLabel *label : {m_headline, m_hint})
         label->setForegroundRole(QPalette::Text);
+    m_button->hide();
     connect(m_button, &QPushButton::clicked, this, [this] {
         if (m_remedy)
             m_remedy->trigger();

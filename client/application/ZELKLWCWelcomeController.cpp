@@ -6,7 +6,10 @@
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLog.h"
 #include "ZELKRtfReader.h"
+#include "ZELKSystemFonts.h"
+#include "ZELKTextDocument.h"
 
+#include <QEvent>
 #include <QFile>
 #include <QTimer>
 
@@ -17,6 +20,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto firstLook = 1s;
+constexpr double writtenFontSize = 10.0; // of the labels' running text, in their files
 
 QString className()
 {
@@ -37,6 +41,37 @@ ZELKAttributedString label(const char *topic)
     return *text;
 }
 
+/// As a label stands in the graph: in sizes that go with its other texts, and dark in a dark desktop too, for
+/// the graph stays white.
+ZELKAttributedString onPaper(ZELKAttributedString text)
+{
+    text = text.scaled(ZELKSystemFonts::systemFontSize() / writtenFontSize);
+    text.changeAttributes(
+        [](ZELKTextAttributes &run) { run.colour = ZELKTextColour::rgb(0x33, 0x33, 0x33); });
+    return text;
+}
+
+double heightOf(const ZELKAttributedString &text, int width)
+{
+    QTextDocument document;
+    ZELKTextDocument::fill(document, text, ZELKTextColours::forPaper());
+    document.setTextWidth(width);
+    return document.size().height();
+}
+
+/// The first paragraphs of `banner` that leave the other label alone; the first one in any case. A banner's
+/// middle is three fifths of the way up.
+ZELKAttributedString fitting(ZELKAttributedString banner, const ZELKLWCEntriesView &view)
+{
+    constexpr double middle = 0.4; // from above
+    const double room = 2.0 * (middle * view.height() - heightOf(view.labelTopLeft(), view.width()));
+    qsizetype end = -1;
+    while (heightOf(banner, view.width()) > room &&
+           (end = banner.string().lastIndexOf(QLatin1Char('\n'))) > 0)
+        banner = banner.substring(0, end);
+    return banner;
+}
+
 } // namespace
 
 ZELKLWCWelcomeController::ZELKLWCWelcomeController(const Outlets &outlets, QObject *parent)
@@ -50,6 +85,7 @@ void ZELKLWCWelcomeController::awakeFromNib()
     const auto apply = [this] { zelkGuard([this] { applyLogLabels(); }); };
     connect(&m_outlets.agentController, &ZELKAgentController::installedChanged, this, apply);
     connect(&m_outlets.log, &ZELKLWCLog::visibleEntriesDidChange, this, apply);
+    m_outlets.entriesView.installEventFilter(this);
     QTimer::singleShot(firstLook, this, apply);
 }
 
@@ -60,6 +96,22 @@ void ZELKLWCWelcomeController::applyLogLabels()
     view.setLabelBanner({});
     if (m_outlets.agentController.installed() || m_outlets.log.count() > 0)
         return;
-    view.setLabelTopLeft(label("LabelClickStart"));
-    view.setLabelBanner(label("LabelWelcome"));
+    zelkGuard([&] { view.setLabelTopLeft(onPaper(label("LabelClickStart"))); });
+    zelkGuard([&] { view.setLabelBanner(fitting(onPaper(label("LabelWelcome")), view)); });
+}
+
+bool ZELKLWCWelcomeController::isWelcoming() const
+{
+    const ZELKLWCEntriesView &view = m_outlets.entriesView;
+    return !view.labelTopLeft().isEmpty() || !view.labelBanner().isEmpty();
+}
+
+bool ZELKLWCWelcomeController::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::Resize)
+        zelkGuard([this] {
+            if (isWelcoming())
+                applyLogLabels();
+        });
+    return QObject::eventFilter(watched, event);
 }

@@ -24,12 +24,18 @@ public:
     };
 
     explicit ZELKLWCWelcomeController(const Outlets &outlets, QObject *parent = nullptr);
-    /// From here on agent and log are followed. The first look is taken a second later, when the agent had
-    /// time to answer and the cache was read.
+    /// From here on agent and log are followed, and the view's font and size. The first look is taken a
+    /// second later; whoever knows before that agent and log were asked calls applyLogLabels() at once.
     void awakeFromNib();
-    /// Puts the labels there, or takes them away. A label that the main bundle lacks asserts.
+    /// Puts the labels there, as large as the application's font asks for, or takes them away. Where the view
+    /// is too small for all of the banner, its last paragraphs are left out. A label that the main bundle
+    /// lacks is reported as a failed assertion, and the other one is shown without it.
     void applyLogLabels();
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    bool isWelcoming() const;
+
     Outlets m_outlets;
 };

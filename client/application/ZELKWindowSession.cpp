@@ -51,6 +51,7 @@ void ZELKWindowSession::applicationWillTerminate()
 void ZELKWindowSession::finishLaunching(bool startsAgent)
 {
     zelkGuard([this] { m_wiring.applicationDidFinishLaunching(); });
+    zelkGuard([this] { m_mainWindow.applicationDidFinishLaunching(); });
     zelkGuard([this] { watchCache(); });
     if (!startsAgent)
         return;

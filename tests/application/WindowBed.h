@@ -11,16 +11,23 @@
 #include <QStandardItemModel>
 #include <QTest>
 
-/// A window that has finished launching, over 77 days with an event each.
+/// A window that has finished launching, over 77 days with an event each, or over what is said.
 struct Session
 {
     explicit Session(const ApplicationFixture &fixture, bool isFilled = true)
-        : session(fixture.settings(), fixture.world)
+        : Session(fixture, fixture.settings(),
+                  isFilled ? eventEachDay(QDate(2024, 1, 15), QDate(2024, 3, 31)) : QList<ZELKRawEvent>())
+    {
+    }
+    Session(const ApplicationFixture &fixture, const ZELKApplicationSettings &settings,
+            const QList<ZELKRawEvent> &events = {})
+        : session(settings,
+                  settings.knowsAgent() ? fixture.world : ZELKApplicationWiring::World::real(settings))
         , wiring(session.wiring())
         , window(*session.mainWindow().window())
     {
-        if (isFilled)
-            wiring.store().cacheEvents(eventEachDay(QDate(2024, 1, 15), QDate(2024, 3, 31)));
+        if (!events.isEmpty())
+            wiring.store().cacheEvents(events);
         session.start(false);
         QCoreApplication::processEvents();
         window.activateWindow();
