@@ -6,6 +6,7 @@
 #include <QDBusServiceWatcher>
 #include <QEventLoop>
 #include <QProcess>
+#include <QTemporaryFile>
 #include <QTimer>
 #include <QVariantMap>
 
@@ -29,7 +30,9 @@ public:
         QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &loop, [&] { loop.exit(0); });
         QTimer::singleShot(millisecondsToStart, &loop, [&] { loop.exit(1); });
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.setStandardOutputFile(QProcess::nullDevice());
+        if (!m_log.open())
+            qFatal("the mock has no place for its log");
+        m_process.setStandardOutputFile(m_log.fileName());
         m_process.start(u"/usr/bin/python3"_s,
                         QStringList{u"-m"_s, u"dbusmock"_s, u"--system"_s} + arguments);
         if (loop.exec() != 0)
@@ -75,6 +78,12 @@ public:
     {
         return count(call(m_path, u"org.freedesktop.DBus.Mock"_s, u"GetMethodCalls"_s, {method}));
     }
+    /// Whether all the properties of one of its objects were asked for.
+    bool wasAskedFor(const QString &path) const
+    {
+        QFile log(m_log.fileName());
+        return log.open(QIODevice::ReadOnly) && log.readAll().contains(" GetAll " + path.toUtf8() + ' ');
+    }
     /// The elements of an answer that is a list.
     static int count(const QDBusMessage &answer)
     {
@@ -94,5 +103,6 @@ private:
     QString m_service;
     QString m_path;
     QString m_interface;
+    QTemporaryFile m_log;
     QProcess m_process;
 };

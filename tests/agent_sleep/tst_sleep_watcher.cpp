@@ -144,6 +144,7 @@ private Q_SLOTS:
             m_logind->tell(u"AddSeat"_s, {u"seat0"_s});
         }
         begin();
+        QTRY_VERIFY(!isBlocked || m_logind->wasAskedFor(seat)); // what it is told first is no news
         const QDBusMessage holder =
             m_logind->call(u"Inhibit"_s, {u"sleep:idle"_s, u"rsync"_s, u"Copying files"_s, u"block"_s});
         QVariantMap idle{{u"IdleSinceHint"_s, idleSince()}, {u"IdleHint"_s, true}};
