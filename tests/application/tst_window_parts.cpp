@@ -251,20 +251,6 @@ private Q_SLOTS:
         QTRY_VERIFY(session.rows() < rows);
     }
 
-    void newcomersAreWelcomed()
-    {
-        const ApplicationFixture fixture;
-        Session session(fixture, false);
-        const auto &graph = session.find<ZELKLWCEntriesView>("graph");
-        QVERIFY(graph.isVisible());
-        session.wiring.log().updateVisibleEntries();
-        QVERIFY(graph.labelTopLeft().string().contains("Start Recording"_L1));
-        QVERIFY(graph.labelBanner().string().contains("Welcome"_L1));
-        session.add(1);
-        QVERIFY(graph.labelTopLeft().isEmpty() && graph.labelBanner().isEmpty());
-        QVERIFY(graph.isVisible());
-    }
-
     void everyControlIsReachableAndNamed()
     {
         const ApplicationFixture fixture;
@@ -273,8 +259,11 @@ private Q_SLOTS:
             const bool isControl = widget->inherits("QAbstractButton") || widget->inherits("QComboBox") ||
                                    widget->inherits("QLineEdit") || widget->inherits("QDateEdit") ||
                                    widget == &session.find<QWidget>("table");
-            // Parts of other controls, and of the tool bar where it is too narrow.
-            if (!isControl || widget->objectName().startsWith("qt_"_L1) || widget->objectName().isEmpty())
+            // Parts of other controls, and of the tool bar where it is too narrow; a remedy that is not
+            // needed.
+            const bool isAway = widget->window() == &session.window && widget->isHidden();
+            if (!isControl || isAway || widget->objectName().startsWith("qt_"_L1) ||
+                widget->objectName().isEmpty())
                 continue;
             const QByteArray name = widget->objectName().toLatin1();
             const auto *button = qobject_cast<const QAbstractButton *>(widget);
