@@ -65,8 +65,8 @@ void ZELKRtfLooks::appendEscaped(QByteArray &out, QChar character)
         (out += '\\') += char(unit);
     else if (unit >= 0x20 && unit < 0x7F)
         out += char(unit);
-    else
-        ((out += "\\u") += QByteArray::number(qint16(unit))) += '?';
+    else // for readers without Unicode a question mark, in the form that all take for one character
+        ((out += "\\u") += QByteArray::number(qint16(unit))) += "\\'3f";
 }
 
 QByteArray ZELKRtfLooks::fontTable() const

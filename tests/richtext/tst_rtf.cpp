@@ -119,10 +119,11 @@ private Q_SLOTS:
         text.append(u"b\n{c}"_s, heading);
         QCOMPARE(ZELKRtfWriter::write(text),
                  QByteArray(
-                     "{\\rtf1\\ansi\\ansicpg1252\\uc1\n{\\fonttbl{\\f1\\fnil\\fcharset0 S\\u246?hne;}}\n"
+                     "{\\rtf1\\ansi\\ansicpg1252\\uc1\n{\\fonttbl{\\f1\\fnil\\fcharset0 S\\u246\\'3fhne;}}\n"
                      "{\\colortbl;\\red255\\green0\\blue16;"
                      "\\ctextone\\ctint138\\cshade255\\red117\\green117\\blue117;}\n"
-                     "{\\f1\\fs27\\b\\cf1 a\\\\\\u233?\\u-10179?\\u-8704?\\tab }{\\f1\\fs27\\b\\cf2 b\\par\n}"
+                     "{\\f1\\fs27\\b\\cf1 a\\\\\\u233\\'3f\\u-10179\\'3f\\u-8704\\'3f\\tab "
+                     "}{\\f1\\fs27\\b\\cf2 b\\par\n}"
                      "\\pard\\qr\n{\\f1\\fs27\\b\\cf2 \\{c\\}}}\n"));
     }
 

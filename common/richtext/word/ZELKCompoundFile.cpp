@@ -11,13 +11,24 @@
 
 namespace {
 
-/// The device as the library sees it. It is told to be quiet when the file is given up: the library makes
-/// even that one whole.
+/// The device as the library sees it. Of a device that failed it learns nothing, as it would try again for
+/// ever; nor of a file that is given up, which it makes whole none the less.
 struct DeviceOutput
 {
     GsfOutput base;
-    QIODevice *device;
+    QIODevice *device; ///< none: what is written is lost
+    bool hasFailed;
 };
+
+gboolean noteWhether(bool isDone, GsfOutput *output)
+{
+    auto *self = reinterpret_cast<DeviceOutput *>(output);
+    if (!isDone) {
+        self->hasFailed = true;
+        self->device = nullptr;
+    }
+    return TRUE;
+}
 
 using DeviceOutputClass = GsfOutputClass;
 
@@ -25,7 +36,7 @@ gboolean writeToDevice(GsfOutput *output, size_t count, const guint8 *bytes)
 {
     QIODevice *device = reinterpret_cast<DeviceOutput *>(output)->device;
     const auto size = qint64(count);
-    return !device || device->write(reinterpret_cast<const char *>(bytes), size) == size;
+    return noteWhether(!device || device->write(reinterpret_cast<const char *>(bytes), size) == size, output);
 }
 
 gboolean seekInDevice(GsfOutput *output, gsf_off_t offset, GSeekType whence)
@@ -34,7 +45,7 @@ gboolean seekInDevice(GsfOutput *output, gsf_off_t offset, GSeekType whence)
     if (!device)
         return TRUE;
     const qint64 base = whence == G_SEEK_CUR ? device->pos() : whence == G_SEEK_END ? device->size() : 0;
-    return device->seek(base + offset);
+    return noteWhether(device->seek(base + offset), output);
 }
 
 gboolean leaveDeviceOpen(GsfOutput * /*output*/)
@@ -87,6 +98,10 @@ void addText(GsfDocMetaData &data, const char *name, const QString &text)
 
 struct ZELKCompoundFile::Parts
 {
+    DeviceOutput &output() const { return *reinterpret_cast<DeviceOutput *>(device.get()); }
+    /// Whether the library did what was asked for, and the device everything so far.
+    bool isDone(bool byLibrary) const { return byLibrary && !output().hasFailed; }
+
     Owned<GsfOutput> device;
     Owned<GsfOutfile> file;
     Owned<GsfOutput> stream;
@@ -96,14 +111,14 @@ ZELKCompoundFile::ZELKCompoundFile(QIODevice &device, QByteArrayView classIdenti
     : m_parts(std::make_unique<Parts>())
 {
     m_parts->device.reset(static_cast<GsfOutput *>(g_object_new(deviceOutputType(), nullptr)));
-    reinterpret_cast<DeviceOutput *>(m_parts->device.get())->device = &device;
+    m_parts->output().device = &device;
     m_parts->file.reset(gsf_outfile_msole_new(m_parts->device.get()));
     gsf_outfile_msole_set_class_id(GSF_OUTFILE_MSOLE(m_parts->file.get()), raw(classIdentifier));
 }
 
 ZELKCompoundFile::~ZELKCompoundFile()
 {
-    reinterpret_cast<DeviceOutput *>(m_parts->device.get())->device = nullptr;
+    m_parts->output().device = nullptr;
     m_parts->stream.reset();
     m_parts->file.reset();
 }
@@ -111,12 +126,12 @@ ZELKCompoundFile::~ZELKCompoundFile()
 bool ZELKCompoundFile::beginStream(const char *name)
 {
     m_parts->stream.reset(gsf_outfile_new_child(m_parts->file.get(), name, FALSE));
-    return m_parts->stream != nullptr;
+    return m_parts->isDone(m_parts->stream != nullptr);
 }
 
 bool ZELKCompoundFile::append(QByteArrayView bytes)
 {
-    return gsf_output_write(m_parts->stream.get(), size_t(bytes.size()), raw(bytes));
+    return m_parts->isDone(gsf_output_write(m_parts->stream.get(), size_t(bytes.size()), raw(bytes)));
 }
 
 bool ZELKCompoundFile::replaceBeginning(QByteArrayView bytes)
@@ -129,7 +144,7 @@ bool ZELKCompoundFile::endStream()
 {
     const bool isWhole = gsf_output_close(m_parts->stream.get());
     m_parts->stream.reset();
-    return isWhole;
+    return m_parts->isDone(isWhole);
 }
 
 bool ZELKCompoundFile::addSummary(const QString &title, const QString &application)
@@ -145,5 +160,5 @@ bool ZELKCompoundFile::addSummary(const QString &title, const QString &applicati
 
 bool ZELKCompoundFile::finish()
 {
-    return gsf_output_close(GSF_OUTPUT(m_parts->file.get()));
+    return m_parts->isDone(gsf_output_close(GSF_OUTPUT(m_parts->file.get())));
 }
