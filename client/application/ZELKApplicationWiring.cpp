@@ -41,6 +41,7 @@ ZELKApplicationWiring::World ZELKApplicationWiring::World::withoutAgent()
 
 ZELKApplicationWiring::ZELKApplicationWiring(const ZELKApplicationSettings &settings, const World &world)
     : m_settings(settings)
+    , m_bus(world.bus)
     , m_applicationsMenu(world.applicationsMenu)
     , m_defaults(settings.defaultsFile())
     , m_dateRange(m_defaults)

@@ -61,6 +61,8 @@ public:
     void applicationWillTerminate();
 
     const ZELKApplicationSettings &settings() const { return m_settings; }
+    /// Where services of the application stand.
+    const QDBusConnection &bus() const { return m_bus; }
     const std::optional<ZELKApplicationsMenu::Folders> &applicationsMenu() const { return m_applicationsMenu; }
     ZELKUserDefaults &defaults() { return m_defaults; }
     ZELKLWCDateRangeController &dateRange() { return m_dateRange; }
@@ -81,6 +83,7 @@ private:
     void awakeFromNib();
 
     ZELKApplicationSettings m_settings;
+    QDBusConnection m_bus;
     std::optional<ZELKApplicationsMenu::Folders> m_applicationsMenu;
     ZELKUserDefaults m_defaults;
     ZELKLWCDateRangeController m_dateRange;

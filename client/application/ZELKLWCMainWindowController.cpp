@@ -5,6 +5,8 @@
 #include "ZELKAssertion.h"
 #include "ZELKEmptyPage.h"
 #include "ZELKEnvironment.h"
+#include "ZELKExportActions.h"
+#include "ZELKInspectorWiring.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLogTableView.h"
@@ -16,6 +18,7 @@
 #include "ZELKRangeControls.h"
 #include "ZELKSearchControls.h"
 #include "ZELKSearchField.h"
+#include "ZELKSliceWiring.h"
 #include "ZELKStatusLine.h"
 #include "ZELKTableActions.h"
 #include "ZELKToolBar.h"
@@ -104,9 +107,12 @@ void ZELKLWCMainWindowController::makeParts()
     new ZELKAgentControls(*m_window, m_wiring);
     new ZELKHelpMenu(*m_window, m_wiring); // before the main menu, which shows all hints
     new ZELKMainMenu(*m_window, m_wiring);
+    m_inspector = new ZELKInspectorWiring(*m_window, m_wiring, m_table);
     toolBar->fill();
     orderTabs(toolBar->controls());
-    new ZELKTableActions(*m_window, m_table.controller(), m_table.view(), m_wiring.dateRange());
+    auto *slice = new ZELKSliceWiring(*m_window, m_wiring, m_table.controller());
+    new ZELKTableActions(*m_window, m_table.controller(), m_table.view(), slice->dateJump());
+    new ZELKExportActions(*m_window, m_wiring);
     new ZELKPrintActions(*m_window, m_wiring.dateRange(), m_table.controller(), m_table.view());
     new ZELKSearchControls(*m_window, m_table.controller(), m_table.view(), m_wiring.log());
     connectGraph();
@@ -227,6 +233,7 @@ void ZELKLWCMainWindowController::showWindow()
 void ZELKLWCMainWindowController::applicationDidFinishLaunching()
 {
     m_hasFinishedLaunching = true;
+    m_inspector->applicationDidFinishLaunching();
     m_welcome->applyLogLabels();
     updatePage();
 }
@@ -241,4 +248,5 @@ bool ZELKLWCMainWindowController::eventFilter(QObject *watched, QEvent *event)
 void ZELKLWCMainWindowController::saveState()
 {
     m_state->save();
+    m_inspector->saveState();
 }

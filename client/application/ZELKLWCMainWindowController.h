@@ -10,6 +10,7 @@
 class QMainWindow;
 class ZELKApplicationWiring;
 class ZELKEmptyPage;
+class ZELKInspectorWiring;
 class ZELKLWCWelcomeController;
 class ZELKStatusLine;
 class ZELKWindowState;
@@ -61,5 +62,6 @@ private:
     ZELKLWCWelcomeController *m_welcome = nullptr;
     ZELKStatusLine *m_statusLine = nullptr;
     ZELKWindowState *m_state;
+    ZELKInspectorWiring *m_inspector = nullptr;
     bool m_hasFinishedLaunching = false;
 };

@@ -113,5 +113,5 @@ void ZELKLWClientAppDelegate::feedback()
 
 bool ZELKLWClientAppDelegate::applicationDelegateHandlesKey(const QString &key) const
 {
-    return key == QLatin1String("database");
+    return key == QLatin1String("database") || key == QLatin1String("visibleSlice");
 }

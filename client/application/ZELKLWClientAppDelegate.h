@@ -15,6 +15,7 @@ class QWidget;
 class ZELKAgentController;
 class ZELKBundle;
 class ZELKLWCLog;
+class ZELKLWCLogSlice;
 class ZELKLWCStore;
 class ZELKUserDefaults;
 
@@ -41,6 +42,8 @@ public:
     void setLog(ZELKLWCLog *log) { m_log = log; }
     ZELKLWCStore *store() const { return m_store; }
     void setStore(ZELKLWCStore *store) { m_store = store; }
+    ZELKLWCLogSlice *visibleSlice() const { return m_visibleSlice; }
+    void setVisibleSlice(ZELKLWCLogSlice *slice) { m_visibleSlice = slice; }
     ZELKAgentController *agentController() const { return m_agentController; }
     void setAgentController(ZELKAgentController *controller) { m_agentController = controller; }
 
@@ -70,7 +73,7 @@ public:
     /// Opens the sheet for reports on the window.
     void feedback();
 
-    /// True exactly for "database".
+    /// True exactly for "database" and "visibleSlice".
     bool applicationDelegateHandlesKey(const QString &key) const;
     /// What scripts know as "database": the log.
     ZELKLWCLog *database() const { return m_log; }
@@ -82,6 +85,7 @@ private:
     QWidget *m_window = nullptr;
     ZELKLWCLog *m_log = nullptr;
     ZELKLWCStore *m_store = nullptr;
+    ZELKLWCLogSlice *m_visibleSlice = nullptr;
     ZELKAgentController *m_agentController = nullptr;
     std::shared_ptr<ZELKApplicationExtras> m_applicationExtras;
     bool m_canOpenUserGuide = false;

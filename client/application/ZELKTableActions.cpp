@@ -2,8 +2,7 @@
 
 #include "ZELKAssertion.h"
 #include "ZELKInterfaceLoader.h"
-#include "ZELKLWCDateRangeController.h"
-#include "ZELKLWCLogEntry.h"
+#include "ZELKLWCDateJumpController.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -16,6 +15,7 @@
 namespace {
 
 using Item = ZELKLWCLogTableController::MenuItem;
+using Jump = ZELKLWCDateJumpController::MenuItem;
 
 QAction *action(const QMainWindow &window, const char *name)
 {
@@ -34,17 +34,17 @@ QActionGroup *group(QMainWindow &window, const QList<const char *> &names)
 } // namespace
 
 ZELKTableActions::ZELKTableActions(QMainWindow &window, ZELKLWCLogTableController &table,
-                                   ZELKLWCLogTableView &view, ZELKLWCDateRangeController &dateRange)
+                                   ZELKLWCLogTableView &view, ZELKLWCDateJumpController &dateJump)
     : QObject(&window)
     , m_window(window)
     , m_table(table)
     , m_view(view)
-    , m_dateRange(dateRange)
+    , m_dateJump(dateJump)
     , m_copy(connectAction("actionCopy", &ZELKTableActions::copy))
     , m_selectAll(connectAction("actionSelectAll", &ZELKTableActions::selectAll))
     , m_selectPair(connectAction("actionSelectPair", &ZELKTableActions::selectPair))
     , m_extendToPair(connectAction("actionExtendToPair", &ZELKTableActions::extendToPair))
-    , m_showSelectedDays(connectAction("actionShowSelectedDays", &ZELKTableActions::showSelectedDays))
+    , m_jumpToSelection(connectAction("actionJumpToSelection", &ZELKTableActions::jumpToSelection))
     , m_columns(group(window, {"actionSortByDate", "actionSortBySummary"}))
     , m_directions(group(window, {"actionSortAscending", "actionSortDescending"}))
     , m_contextMenu(new QMenu(&window))
@@ -69,7 +69,7 @@ void ZELKTableActions::makeContextMenu()
     m_contextMenu->addSeparator();
     m_contextMenu->addActions({m_selectPair, m_extendToPair});
     m_contextMenu->addSeparator();
-    m_contextMenu->addAction(m_showSelectedDays);
+    m_contextMenu->addAction(m_jumpToSelection);
     m_view.setContextMenuPolicy(Qt::CustomContextMenu);
     connect(&m_view, &QWidget::customContextMenuRequested, m_contextMenu,
             [this](const QPoint &place) { m_contextMenu->popup(m_view.viewport()->mapToGlobal(place)); });
@@ -99,12 +99,11 @@ void ZELKTableActions::follow()
 
 void ZELKTableActions::validate()
 {
-    const bool isSelected = m_view.hasSelectedRows();
     m_copy->setEnabled(m_view.validateMenuItem(ZELKLWCLogTableView::MenuItem::Copy));
     m_selectAll->setEnabled(m_table.model().rowCount() > 0);
     m_selectPair->setEnabled(m_table.validateMenuItem(Item::SelectPair));
     m_extendToPair->setEnabled(m_table.validateMenuItem(Item::ExtendSelectionToPair));
-    m_showSelectedDays->setEnabled(isSelected);
+    m_jumpToSelection->setEnabled(m_dateJump.validateMenuItem(Jump::JumpToSelection));
 }
 
 void ZELKTableActions::copy()
@@ -128,21 +127,9 @@ void ZELKTableActions::extendToPair()
 }
 
 /// In whatever order the rows are shown, from the earliest selected entry to the end of the latest.
-void ZELKTableActions::showSelectedDays()
+void ZELKTableActions::jumpToSelection()
 {
-    std::optional<ZELKLWCAbsoluteDuration> days;
-    for (const ZELKRowRange &rows : m_table.selectedRows())
-        for (int row = rows.first; row <= rows.last; ++row) {
-            const ZELKLWCLogEntry *entry = m_table.model().entryAtRow(row);
-            const ZELKDate start = days ? std::min(days->startDate(), entry->date()) : entry->date();
-            const ZELKDate end = days ? std::max(days->endDate(), entry->finalDate()) : entry->finalDate();
-            days = ZELKLWCAbsoluteDuration::absoluteDurationFromDate(start, end);
-        }
-    if (days)
-        m_dateRange.setAbsoluteDuration(
-            std::make_shared<ZELKLWCAbsoluteDuration>(ZELKLWCAbsoluteDuration::absoluteDurationFromDate(
-                ZELKLWCDateRangeController::floorDate(days->startDate()),
-                ZELKLWCDateRangeController::ceilingDate(days->endDate()))));
+    m_dateJump.jumpToSelection();
 }
 
 /// As a click on the header of the column does.

@@ -7,7 +7,7 @@ class QActionGroup;
 class QMainWindow;
 class QMenu;
 class QPoint;
-class ZELKLWCDateRangeController;
+class ZELKLWCDateJumpController;
 
 /// What menus do with the table's rows: copy and select them, find their partners, show their days alone,
 /// sort them. Some of it also stands in the context menu of rows.
@@ -19,7 +19,7 @@ public:
     /// Outlets are looked up by name; those that are missing raise. `window` owns the actions; the others
     /// outlive it.
     ZELKTableActions(QMainWindow &window, ZELKLWCLogTableController &table, ZELKLWCLogTableView &view,
-                     ZELKLWCDateRangeController &dateRange);
+                     ZELKLWCDateJumpController &dateJump);
 
 private:
     QAction *connectAction(const char *name, void (ZELKTableActions::*function)());
@@ -31,19 +31,19 @@ private:
     void selectAll();
     void selectPair();
     void extendToPair();
-    void showSelectedDays();
+    void jumpToSelection();
     void sort();
     void showSorting();
 
     QMainWindow &m_window;
     ZELKLWCLogTableController &m_table;
     ZELKLWCLogTableView &m_view;
-    ZELKLWCDateRangeController &m_dateRange;
+    ZELKLWCDateJumpController &m_dateJump;
     QAction *m_copy;
     QAction *m_selectAll;
     QAction *m_selectPair;
     QAction *m_extendToPair;
-    QAction *m_showSelectedDays;
+    QAction *m_jumpToSelection;
     QActionGroup *m_columns; // in the order of the columns
     QActionGroup *m_directions;
     QMenu *m_contextMenu;

@@ -898,6 +898,7 @@
 Usage: lullwatch [OPTIONS]                     opens the window
        lullwatch [OPTIONS] list [...]          prints entries
        lullwatch [OPTIONS] stats [RANGE] [...] tells how long it was awake, asleep, off, and what that cost
+       lullwatch [OPTIONS] export [...]        saves the log, or a picture of the graph, for other programs
        lullwatch [OPTIONS] import FILE         takes events in, from a file or "-" (standard input)
        lullwatch [OPTIONS] snapshot [...]      prints the latest entries, without a display
        lullwatch agent WHAT [...]              tells of the recording agent, installs, removes and updates it
@@ -922,6 +923,13 @@ list:
 
 stats: RANGE, --from and --to as for list
   --format FORMAT    text (which it is without this) or json, which is one object of raw totals
+
+export:
+  --output FILE      where to; - is standard output
+  --format FORMAT    txt (tabs between date, summary and attributes), rtf, plist, doc, tiff or png; without this, as
+                     the FILE's name ends
+  --width NUMBER, --height NUMBER, RANGE
+                     of a picture: its size from 150 to 15000 (1200 and 300 without these), and what it shows
 
 import: raw events, one JSON object a line, with the keys "date" (seconds since 2001-01-01 UTC),
 "description", "monitor" and "properties" (a property list as text, or "NULL")
@@ -1041,6 +1049,46 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <source>The recording agent's events could not be fetched; these are from the cache.</source>
         <translation>The recording agent's events could not be fetched; these are from the cache.</translation>
     </message>
+    <message>
+        <source>--%@ needs a number from %d to %d, not &quot;%@&quot;.</source>
+        <translation>--%@ needs a number from %d to %d, not &quot;%@&quot;.</translation>
+    </message>
+    <message>
+        <source>export needs --output FILE, or --output - for standard output.</source>
+        <translation>export needs --output FILE, or --output - for standard output.</translation>
+    </message>
+    <message>
+        <source>export needs --format txt, rtf, plist, doc, tiff or png.</source>
+        <translation>export needs --format txt, rtf, plist, doc, tiff or png.</translation>
+    </message>
+    <message>
+        <source>--width, --height and a range are for pictures; of the log, all is exported.</source>
+        <translation>--width, --height and a range are for pictures; of the log, all is exported.</translation>
+    </message>
+    <message>
+        <source>There is nothing to export yet.</source>
+        <translation>There is nothing to export yet.</translation>
+    </message>
+    <message>
+        <source>%@ is the file that the events are kept in.</source>
+        <translation>%@ is the file that the events are kept in.</translation>
+    </message>
+    <message>
+        <source>There is not enough memory for a picture of that size.</source>
+        <translation>There is not enough memory for a picture of that size.</translation>
+    </message>
+    <message>
+        <source>Cannot save file: '%@': %s</source>
+        <translation>Cannot save file: '%@': %s</translation>
+    </message>
+    <message>
+        <source>Cancelled; nothing was written to %@.</source>
+        <translation>Cancelled; nothing was written to %@.</translation>
+    </message>
+    <message>
+        <source>%d%%</source>
+        <translation>%d%%</translation>
+    </message>
 </context>
 <context>
     <name>ZELKLWCEntriesView</name>
@@ -1132,8 +1180,12 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>From then on</translation>
     </message>
     <message>
-        <source>Since</source>
-        <translation>Since</translation>
+        <source>%@ since %@</source>
+        <translation>%@ since %@</translation>
+    </message>
+    <message>
+        <source>Before</source>
+        <translation>Before</translation>
     </message>
     <message>
         <source>Reported by</source>
@@ -1438,11 +1490,19 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>More days: one more at each end</translation>
     </message>
     <message>
-        <source>ZELKLWCMainWindowController.showSelectedDays</source>
-        <translation>Show Se&amp;lected Days Only</translation>
+        <source>ZELKLWCMainWindowController.jumpToDate</source>
+        <translation>&amp;Jump to Date…</translation>
     </message>
     <message>
-        <source>ZELKLWCMainWindowController.showSelectedDays.toolTip</source>
+        <source>ZELKLWCMainWindowController.jumpToDate.toolTip</source>
+        <translation>Shows one day, which you choose</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.jumpToSelection</source>
+        <translation>Jump to Se&amp;lection</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.jumpToSelection.toolTip</source>
         <translation>Shows the days of the selected entries and no others</translation>
     </message>
     <message>
@@ -2002,6 +2062,25 @@ and what it cost the battery.</translation>
     <message>
         <source>ZELKApplicationsMenuOffer.notStarted</source>
         <translation>It could not be started from the menu.</translation>
+    </message>
+</context>
+<context>
+    <name>ZELKLWCDateJumpController</name>
+    <message>
+        <source>ZELKLWCDateJumpController.title</source>
+        <translation>Jump to Date</translation>
+    </message>
+    <message>
+        <source>ZELKLWCDateJumpController.date</source>
+        <translation>&amp;Day:</translation>
+    </message>
+    <message>
+        <source>ZELKLWCDateJumpController.date.accessibleName</source>
+        <translation>Day</translation>
+    </message>
+    <message>
+        <source>ZELKLWCDateJumpController.calendar.accessibleName</source>
+        <translation>Days that were recorded</translation>
     </message>
 </context>
 </TS>

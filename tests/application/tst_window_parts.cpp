@@ -102,7 +102,7 @@ private Q_SLOTS:
         const ApplicationFixture fixture;
         NapSession session(fixture);
         const QList<const char *> names{"actionCopy", "actionSelectPair", "actionExtendToPair",
-                                        "actionShowSelectedDays"};
+                                        "actionJumpToSelection"};
         for (const char *name : names)
             QVERIFY2(!session.action(name).isEnabled(), name);
         session.click(3);
@@ -137,7 +137,7 @@ private Q_SLOTS:
         QVERIFY(menu.isVisible() && menu.actions().contains(&session.action("actionCopy")));
         menu.close();
         session.click(3);
-        session.action("actionShowSelectedDays").trigger();
+        session.action("actionJumpToSelection").trigger();
         QCOMPARE(session.find<ZELKElidedLabel>("periodLabel").fullText(), u"Saturday, 30 March 2024"_s);
         QCOMPARE(session.rows(), 2);
     }
