@@ -32,7 +32,7 @@ void BLRoundedTableCell::drawInterior(QPainter &painter, const QStyleOptionViewI
     const bool isSelected = cell.state.testFlag(QStyle::State_Selected);
     const std::optional<QColor> background = isSelected ? std::nullopt : m_background(index);
     if (!background) {
-        drawText(painter, textFrame, index, ZELKTextColours::fromPalette(cell.palette, isSelected));
+        drawText(painter, textFrame, index, colours(cell));
         return;
     }
     painter.save();

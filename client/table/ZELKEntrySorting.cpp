@@ -1,6 +1,7 @@
 // The arrangement's filter and sorts.
 #include "ZELKEntryArrangement.h"
 #include "ZELKLWCLog.h"
+#include "ZELKSummarySearch.h"
 
 #include <algorithm>
 #include <numeric>
@@ -9,8 +10,6 @@ namespace {
 
 /// Below this, tables as long as the pool of texts cost more than they save.
 constexpr std::size_t fewEntries = 1000;
-
-enum class Verdict : std::uint8_t { Unknown, Passes, Fails };
 
 /// The first of ascending numbers that is not below `value`, looked for from `from` on in growing steps.
 template <typename Iterator>
@@ -48,26 +47,10 @@ std::vector<ZELKEntryArrangement::Index> ZELKEntryArrangement::passing(ZELKVisib
                 entries.push_back(i);
         return entries;
     }
-    const ZELKStringPool::Id *summaries = m_summaries.filledFrom(Index(range.location));
     const ZELKStringPool &texts = m_log.objectAtIndex(int(range.location))->arena().texts();
-    std::vector<Verdict> verdicts(texts.size() + 1, Verdict::Unknown);
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < range.length; ++i) {
-        Verdict &verdict = verdicts[summaries[i]];
-        if (verdict == Verdict::Unknown)
-            verdict = passes(summaries[i]) ? Verdict::Passes : Verdict::Fails;
-        count += verdict == Verdict::Passes;
-    }
-    // Without a branch, which would be guessed wrong at every other entry; one place more takes those that
-    // fail.
-    entries.resize(count + 1);
-    std::size_t place = 0;
-    for (std::size_t i = 0; i < range.length; ++i) {
-        entries[place] = Index(range.location + i);
-        place += verdicts[summaries[i]] == Verdict::Passes;
-    }
-    entries.pop_back();
-    return entries;
+    const std::string_view filter(m_filter.constData(), std::size_t(m_filter.size()));
+    const ZELKStringPool::Id *summaries = m_summaries.filledFrom(Index(range.location));
+    return ZELKSummarySearch(texts, filter).placesIn({summaries, range.length}, Index(range.location));
 }
 
 /// Brings indexes, rising as the log has them, into the kept order.

@@ -2,7 +2,6 @@
 
 #include "ZELKAssertion.h"
 #include "ZELKAttributedString.h"
-#include "ZELKTextLines.h"
 
 #include <QApplication>
 #include <QPainter>
@@ -48,12 +47,21 @@ void ZELKTextCell::drawInterior(QPainter &painter, const QStyleOptionViewItem &c
 {
     const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
     const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &cell, cell.widget) + 1;
-    drawText(painter, cell.rect.adjusted(margin, 0, -margin, 0), index,
-             ZELKTextColours::fromPalette(cell.palette, cell.state.testFlag(QStyle::State_Selected)));
+    drawText(painter, cell.rect.adjusted(margin, 0, -margin, 0), index, colours(cell));
 }
 
 void ZELKTextCell::drawText(QPainter &painter, const QRectF &frame, const QModelIndex &index,
                             const ZELKTextColours &colours) const
 {
-    ZELKTextLines::draw(painter, frame, index.data(m_textRole).value<ZELKAttributedString>(), colours);
+    m_lines.draw(painter, frame, index.data(m_textRole).value<ZELKAttributedString>(), colours);
+}
+
+const ZELKTextColours &ZELKTextCell::colours(const QStyleOptionViewItem &cell) const
+{
+    const bool isSelected = cell.state.testFlag(QStyle::State_Selected);
+    Colours &known = m_colours[isSelected];
+    const QPalette::ColorGroup group = cell.palette.currentColorGroup();
+    if (group != known.group || !cell.palette.isCopyOf(known.palette))
+        known = {cell.palette, group, ZELKTextColours::fromPalette(cell.palette, isSelected)};
+    return known.colours;
 }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "ZELKTextColours.h"
+#include "ZELKTextLineCache.h"
 
+#include <QPalette>
 #include <QStyledItemDelegate>
 
-class ZELKAttributedString;
+#include <array>
 
 /// A cell that draws its text as it is attributed, one paragraph a line, whatever the text; taken from the
 /// model under the role given.
@@ -26,7 +28,19 @@ protected:
                               const QModelIndex &index) const;
     void drawText(QPainter &painter, const QRectF &frame, const QModelIndex &index,
                   const ZELKTextColours &colours) const;
+    /// Of a text without a background of its own.
+    const ZELKTextColours &colours(const QStyleOptionViewItem &cell) const;
 
 private:
+    /// Colours that stand out from a palette's background take longer to find than a text to draw.
+    struct Colours
+    {
+        QPalette palette;
+        QPalette::ColorGroup group = QPalette::NColorGroups;
+        ZELKTextColours colours;
+    };
+
     int m_textRole;
+    mutable ZELKTextLineCache m_lines;
+    mutable std::array<Colours, 2> m_colours; // of rows that are not selected, and of those that are
 };
