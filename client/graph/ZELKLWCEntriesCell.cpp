@@ -59,6 +59,18 @@ void ZELKLWCEntriesCell::drawInteriorWithFrame(QPainter &painter, const QRectF &
     painter.restore();
 }
 
+bool ZELKLWCEntriesCell::drawStretchedWithFrame(QPainter &painter, const QRectF &frame) const
+{
+    if (m_dataSourceChanged || m_drawing.image().isNull() ||
+        m_drawing.scaleFactor() != painter.device()->devicePixelRatioF())
+        return false;
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(frame, m_drawing.image());
+    painter.restore();
+    return true;
+}
+
 QImage ZELKLWCEntriesCell::imageValueWithWidth(float width, float height, double scaleFactor) const
 {
     return ZELKGraphDrawing(m_subject, QSizeF(double(width), double(height)), scaleFactor).image();

@@ -36,6 +36,9 @@ public:
 
     /// `frame` in the painter's coordinates, where y grows downwards. Replaces what was there.
     void drawInteriorWithFrame(QPainter &painter, const QRectF &frame);
+    /// The last drawing stretched to another frame, for the moment until there is a full one. False, and
+    /// nothing drawn, where it shows something else, or there is none.
+    bool drawStretchedWithFrame(QPainter &painter, const QRectF &frame) const;
     /// The last drawing; empty before the first.
     const ZELKGraphDrawing &drawing() const { return m_drawing; }
     const QRectF &chartRect() const { return m_drawing.layout().chartRect; }

@@ -28,6 +28,9 @@ constexpr int fewestCharacters = 30;
 // Who looks for the nearest entry finds none at the very date of the last one, and the last one after it.
 constexpr double moment = 0.001; // seconds
 
+// Without a new size for so long it is taken to be the last.
+constexpr int resizingPause = 120; // milliseconds
+
 constexpr Qt::KeyboardModifiers draggingKeys = Qt::AltModifier | Qt::ControlModifier;
 
 } // namespace
@@ -39,6 +42,9 @@ ZELKLWCEntriesView::ZELKLWCEntriesView(QWidget *parent)
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    m_resizing.setSingleShot(true);
+    m_resizing.setInterval(resizingPause);
+    connect(&m_resizing, &QTimer::timeout, this, qOverload<>(&QWidget::update));
     connect(&m_queue, &ZELKNotificationQueue::posted, this, [this] { zelkGuard([this] { redisplay(); }); });
 }
 
@@ -132,11 +138,19 @@ void ZELKLWCEntriesView::changeEvent(QEvent *event)
     }
 }
 
+/// Full drawings of very many entries would lag behind the edge that is being dragged.
+void ZELKLWCEntriesView::resizeEvent(QResizeEvent *)
+{
+    if (m_log && m_log->countOfVisibleEntries() > m_mostEntriesWhileResizing)
+        m_resizing.start();
+}
+
 void ZELKLWCEntriesView::paintEvent(QPaintEvent *)
 {
     zelkGuard([this] {
         QPainter painter(this);
-        m_cell.drawInteriorWithFrame(painter, QRectF(rect()));
+        if (!m_resizing.isActive() || !m_cell.drawStretchedWithFrame(painter, QRectF(rect())))
+            m_cell.drawInteriorWithFrame(painter, QRectF(rect()));
         if (!hasFocus())
             return;
         painter.setPen(palette().color(QPalette::Highlight));

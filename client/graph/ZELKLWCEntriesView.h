@@ -4,6 +4,7 @@
 #include "ZELKLWCEntriesCell.h"
 #include "ZELKNotificationQueue.h"
 
+#include <QTimer>
 #include <QVariant>
 #include <QWidget>
 
@@ -43,6 +44,8 @@ public:
     void setTitled(bool titled);
     bool isBordered() const { return m_cell.isBordered(); }
     void setBordered(bool bordered);
+    /// With more visible entries than these the picture is stretched as long as the size changes.
+    void setMostEntriesWhileResizing(std::uint64_t count) { m_mostEntriesWhileResizing = count; }
     const ZELKAttributedString &labelTopLeft() const { return m_cell.labelTopLeft(); }
     void setLabelTopLeft(const ZELKAttributedString &label);
     const ZELKAttributedString &labelBanner() const { return m_cell.labelBanner(); }
@@ -74,6 +77,7 @@ protected:
     bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -101,6 +105,8 @@ private:
     ZELKNotificationQueue m_queue;
     ZELKListedEntries m_listedEntries;
     mutable std::optional<QString> m_description;
+    QTimer m_resizing; // runs as long as the size changes
+    std::uint64_t m_mostEntriesWhileResizing = 50'000;
     bool m_isTracking = false;
     std::optional<QPointF> m_dragOrigin; // while a drag may begin, with a key held
 };
