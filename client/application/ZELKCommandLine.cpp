@@ -3,6 +3,7 @@
 #include "ZELKAgentCommand.h"
 #include "ZELKAssertion.h"
 #include "ZELKCommandLineText.h"
+#include "ZELKExportCommand.h"
 #include "ZELKLWCLogEntrySelection.h"
 #include "ZELKLWCMainWindowController.h"
 #include "ZELKLineSource.h"
@@ -56,6 +57,8 @@ bool ZELKCommandLine::runCommand()
         return list();
     case Command::Stats:
         return stats();
+    case Command::Export:
+        return exportLog();
     case Command::Import:
         return import();
     case Command::Snapshot:
@@ -179,6 +182,17 @@ bool ZELKCommandLine::stats()
     else
         ZELKStatisticsWriter::writeText(selection, m_output);
     return isWhole;
+}
+
+// MARK: export
+
+bool ZELKCommandLine::exportLog()
+{
+    ZELKApplicationWiring wiring(m_settings, world());
+    const bool isWhole = synchronise(wiring);
+    wiring.dateRange().takeSelectionTagFrom(m_options.rangeTag);
+    ZELKExportCommand command(wiring, [this](const QString &words) { complain(words); });
+    return command.run(m_options.exportRequest) && isWhole;
 }
 
 // MARK: import

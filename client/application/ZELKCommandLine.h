@@ -28,6 +28,7 @@ private:
     bool runCommand();
     bool list();
     bool stats();
+    bool exportLog();
     bool import();
     bool importFrom(int descriptor);
     bool snapshot();

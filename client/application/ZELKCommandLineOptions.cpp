@@ -51,11 +51,10 @@ const QHash<QString, Format> &formats()
 
 const QHash<QString, Command> &commands()
 {
-    static const QHash<QString, Command> commands{{QStringLiteral("list"), Command::List},
-                                                  {QStringLiteral("stats"), Command::Stats},
-                                                  {QStringLiteral("import"), Command::Import},
-                                                  {QStringLiteral("snapshot"), Command::Snapshot},
-                                                  {QStringLiteral("agent"), Command::Agent}};
+    static const QHash<QString, Command> commands{
+        {QStringLiteral("list"), Command::List},         {QStringLiteral("stats"), Command::Stats},
+        {QStringLiteral("export"), Command::Export},     {QStringLiteral("import"), Command::Import},
+        {QStringLiteral("snapshot"), Command::Snapshot}, {QStringLiteral("agent"), Command::Agent}};
     return commands;
 }
 
@@ -91,7 +90,8 @@ constexpr OptionRow optionRows[] = {
     {"range", "RANGE", Command::List},      {"from", "DATE", Command::List},
     {"to", "DATE", Command::List},          {"format", "FORMAT", Command::List},
     {"picture", "FILE", Command::Snapshot}, {"count", "NUMBER", Command::Snapshot},
-    {"as", "FORM", Command::Agent},
+    {"as", "FORM", Command::Agent},         {"output", "FILE", Command::Export},
+    {"width", "NUMBER", Command::Export},   {"height", "NUMBER", Command::Export},
 };
 
 class Reader
@@ -103,7 +103,7 @@ public:
 private:
     void takeCommand();
     QStringList takeImport(QStringList words);
-    QStringList takeStatsRange(QStringList words);
+    QStringList takeBareRange(QStringList words);
     QStringList takeAgentAction(QStringList words);
     void takeAgent();
     void checkBelonging() const;
@@ -112,6 +112,7 @@ private:
     void takeFormat(const QString &format);
     void takeList();
     void takeSnapshot();
+    void takeExport();
     std::optional<QString> value(const char *name) const;
     std::optional<Options::Moment> moment(const char *name) const;
 
@@ -145,6 +146,7 @@ Options::Parsed Reader::read()
     takeCommand();
     takeGlobals();
     takeList();
+    takeExport();
     takeSnapshot();
     takeAgent();
     return {Options::Outcome::Run, {}, m_options};
@@ -163,8 +165,8 @@ void Reader::takeCommand()
         words = takeImport(words);
     if (m_options.command == Command::Agent)
         words = takeAgentAction(words);
-    if (m_options.command == Command::Stats)
-        words = takeStatsRange(words);
+    if (m_options.command == Command::Stats || m_options.command == Command::Export)
+        words = takeBareRange(words);
     if (!words.isEmpty())
         complain("Unexpected argument \"%@\".", words.constFirst());
     checkBelonging();
@@ -181,7 +183,7 @@ QStringList Reader::takeImport(QStringList words)
 }
 
 /// A range may stand without its option.
-QStringList Reader::takeStatsRange(QStringList words)
+QStringList Reader::takeBareRange(QStringList words)
 {
     if (!words.isEmpty())
         takeRange(words.takeFirst());
@@ -201,6 +203,7 @@ void Reader::checkBelonging() const
 {
     const bool isStatus =
         m_options.command == Command::Agent && m_options.agent.action == AgentAction::Status;
+    const bool isExport = m_options.command == Command::Export;
     const bool orPicture = m_parser.isSet(QStringLiteral("or-picture"));
     if (orPicture && m_options.command != Command::Window)
         complain("--or-picture stands in for the window: it does not go together with a command.");
@@ -209,6 +212,7 @@ void Reader::checkBelonging() const
         const bool goes = row.command == Command::Window || row.command == m_options.command ||
                           (m_options.command == Command::Stats && row.command == Command::List) ||
                           (orPicture && name == QLatin1String("count")) ||
+                          (isExport && (name == QLatin1String("format") || name == QLatin1String("range"))) ||
                           (isStatus && name == QLatin1String("format"));
         if (!goes && m_parser.isSet(name))
             complain("--%@ belongs to the command %@.", name, commands().key(row.command));
@@ -281,8 +285,19 @@ void Reader::takeList()
         complain("--range does not go together with --from and --to.");
     if (m_options.from && m_options.to && !(m_options.from->begin() < m_options.to->end()))
         complain("--from lies after --to.");
-    if (const auto format = value("format"))
+    const auto format = value("format");
+    if (format && m_options.command != Command::Export) // which has formats of its own
         takeFormat(*format);
+}
+
+void Reader::takeExport()
+{
+    if (m_options.command != Command::Export)
+        return;
+    const QString complaint = m_options.exportRequest.take(
+        {value("format"), value("output"), value("width"), value("height"), m_hasRange});
+    if (!complaint.isEmpty())
+        throw Complaint{complaint};
 }
 
 void Reader::takeSnapshot()

@@ -3,6 +3,7 @@
 #include "ZELKAgentCommand.h"
 #include "ZELKDate.h"
 #include "ZELKEntryWriter.h"
+#include "ZELKExportCommand.h"
 
 #include <QDate>
 #include <QString>
@@ -14,7 +15,7 @@
 /// What the command line asks for. A value.
 struct ZELKCommandLineOptions
 {
-    enum class Command { Window, List, Stats, Import, Snapshot, Agent };
+    enum class Command { Window, List, Stats, Export, Import, Snapshot, Agent };
 
     /// A local day, or a moment of one.
     struct Moment
@@ -37,12 +38,13 @@ struct ZELKCommandLineOptions
     /// window: where there is no display, a snapshot with this picture instead; empty for a refusal.
     QString orPicture;
 
-    /// list, stats: the tag of a preset range, and within that from and to.
+    /// list, stats and exported pictures: the tag of a preset range, and within that from and to.
     int rangeTag = 8;
     std::optional<Moment> from;
     std::optional<Moment> to;
     ZELKEntryWriter::Format format = ZELKEntryWriter::Format::Table;
     bool statsAsJson = false;
+    ZELKExportRequest exportRequest;
     /// import: "-" for standard input.
     QString file;
     /// snapshot: empty for no picture. The count goes with orPicture too.

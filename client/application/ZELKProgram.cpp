@@ -36,13 +36,24 @@ void leaveOutSizeHints(QtMsgType type, const QMessageLogContext &context, const 
         otherMessages(type, context, text);
 }
 
+bool exportsPicture(const Options &options)
+{
+    return options.command == Options::Command::Export && options.exportRequest.isPicture();
+}
+
+/// What draws for a file needs no display.
+bool isOffscreen(const Options &options)
+{
+    return options.command == Options::Command::Snapshot || exportsPicture(options);
+}
+
 /// Qt ends the program when it finds no display. Where the user has not chosen a platform, it is told to fall
 /// back on one without a display, which is then refused in words.
 void preparePlatform(const Options &options)
 {
-    if (options.command == Options::Command::Snapshot || !options.orPicture.isEmpty())
+    if (isOffscreen(options) || !options.orPicture.isEmpty())
         otherMessages = qInstallMessageHandler(leaveOutSizeHints);
-    if (options.command == Options::Command::Snapshot) {
+    if (isOffscreen(options)) {
         qputenv(platformVariable, "offscreen");
     } else if (!isSet(platformVariable)) {
         const bool prefersWayland = qgetenv("XDG_SESSION_TYPE") == "wayland" || !isSet("DISPLAY");
@@ -68,7 +79,7 @@ std::unique_ptr<QCoreApplication> makeWidgetApplication(const Options &options, 
 
 bool needsWidgets(const Options &options)
 {
-    return options.command == Options::Command::Window ||
+    return options.command == Options::Command::Window || exportsPicture(options) ||
            (options.command == Options::Command::Snapshot && !options.picture.isEmpty());
 }
 
@@ -151,6 +162,7 @@ int Run::runOptions()
     const Options &options = m_parsed.options;
     const ZELKApplicationSettings settings{ZELKEnvironment::current().mainBundle, options.profile,
                                            options.databaseFile};
+    }
     if (options.command != Options::Command::Window)
         return runCommand(settings, options);
     const bool isSeen = QGuiApplication::platformName() != QLatin1String("offscreen");

@@ -23,7 +23,7 @@ ZELKFileExport::State ZELKFileExport::advance(int milliseconds)
             produce();
         else
             place();
-        if (timer.hasExpired(milliseconds))
+        if (timer.elapsed() >= milliseconds)
             break;
     }
     return m_state;

@@ -19,7 +19,7 @@ public:
 
     ZELKFileExport(std::unique_ptr<ZELKExportSource> source, std::unique_ptr<ZELKExportFile> file);
 
-    /// Goes on for about so long.
+    /// Goes on for about so long; one piece at least.
     State advance(int milliseconds);
     State state() const { return m_state; }
     /// How far it is, from 0 to 1.

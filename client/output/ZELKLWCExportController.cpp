@@ -154,6 +154,11 @@ void ZELKLWCExportController::exportLog()
         panel->setRequiredFileType(suffix);
 }
 
+ZELKSavePanel *ZELKLWCExportController::activeExportPanel() const
+{
+    return m_activeExportPanel;
+}
+
 void ZELKLWCExportController::setActiveExportPanel(ZELKSavePanel *panel)
 {
     const QPointer<ZELKSavePanel> previous = std::exchange(m_activeExportPanel, panel);

@@ -44,7 +44,7 @@ public:
     /// The view with the chooser, loaded when it is first asked for; "Unable to load %@ nib." is raised where
     /// that fails.
     QWidget *exportView();
-    ZELKSavePanel *activeExportPanel() const { return m_activeExportPanel; }
+    ZELKSavePanel *activeExportPanel() const;
     /// Takes the panel over; the one before it is cancelled and goes.
     void setActiveExportPanel(ZELKSavePanel *panel);
 
