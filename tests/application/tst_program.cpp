@@ -362,7 +362,7 @@ private Q_SLOTS:
         QCOMPARE(asked.size(), 1);
         const QMainWindow &window = *session.mainWindow().window();
         QCOMPARE(window.findChild<QLabel *>(u"emptyLabel"_s)->text(),
-                 u"The recorded entries cannot be read."_s);
+                 u"The recorded entries cannot be read"_s);
         const auto &failure = *window.findChild<QLineEdit *>(u"failureLine"_s);
         QVERIFY(failure.isVisible() && failure.focusPolicy() & Qt::TabFocus);
         QVERIFY2(failure.text().contains("is no database."_L1), qPrintable(failure.text()));

@@ -1,7 +1,6 @@
 #include "WindowBed.h"
 #include "ZELKAssertion.h"
 #include "ZELKElidedLabel.h"
-#include "ZELKWindowState.h"
 
 #include <QAbstractItemModelTester>
 #include <QHeaderView>
@@ -187,6 +186,7 @@ private Q_SLOTS:
     void remembers()
     {
         const ApplicationFixture fixture;
+        QList<int> heights;
         {
             Session session(fixture);
             session.wiring.store().setLastSyncDate(ZELKDate(700000000.0));
@@ -195,6 +195,8 @@ private Q_SLOTS:
             QHeaderView &columns = *session.find<ZELKLWCLogTableView>("table").horizontalHeader();
             columns.resizeSection(0, 301);
             columns.setSortIndicator(0, Qt::DescendingOrder);
+            session.find<QSplitter>("parts").setSizes({222, 2222});
+            heights = session.find<QSplitter>("parts").sizes();
             QVERIFY(session.window.close());
             session.session.applicationWillTerminate();
         }
@@ -202,6 +204,7 @@ private Q_SLOTS:
         QCOMPARE(session.shownTag(), 5);
         QCOMPARE(session.rows(), 29);
         QCOMPARE(session.window.size(), QSize(1177, 644));
+        QCOMPARE(session.find<QSplitter>("parts").sizes(), heights);
         const auto &table = session.find<ZELKLWCLogTableView>("table");
         QCOMPARE(table.horizontalHeader()->sectionSize(0), 301);
         QCOMPARE(table.currentIndex().row(), 0); // where the newest are now
@@ -275,31 +278,6 @@ private Q_SLOTS:
         QApplication::setPalette(dark);
         QVERIFY(darkest() > 200);
         QApplication::setPalette(usual);
-    }
-
-    void splittersAreRemembered()
-    {
-        const ApplicationFixture fixture;
-        const ZELKApplicationSettings settings = fixture.settings();
-        ZELKUserDefaults defaults(settings.defaultsFile());
-        QList<int> sizes;
-        for (const bool isFirst : {true, false}) {
-            QMainWindow window;
-            auto *splitter = new QSplitter(&window);
-            splitter->setObjectName("parts");
-            auto *header = new QHeaderView(Qt::Horizontal, splitter);
-            splitter->addWidget(new QWidget);
-            window.setCentralWidget(splitter);
-            auto *state = new ZELKWindowState(window, *header, defaults);
-            state->restore();
-            window.show();
-            if (isFirst) {
-                splitter->setSizes({100, 300});
-                sizes = splitter->sizes();
-                state->save();
-            }
-            QCOMPARE(splitter->sizes(), sizes);
-        }
     }
 };
 
