@@ -162,7 +162,6 @@ int Run::runOptions()
     const Options &options = m_parsed.options;
     const ZELKApplicationSettings settings{ZELKEnvironment::current().mainBundle, options.profile,
                                            options.databaseFile};
-    }
     if (options.command != Options::Command::Window)
         return runCommand(settings, options);
     const bool isSeen = QGuiApplication::platformName() != QLatin1String("offscreen");
