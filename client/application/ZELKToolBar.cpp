@@ -47,6 +47,8 @@ void ZELKToolBar::fill()
         {"actionMonthBackward", "actionDayBackward", todayAction, "actionDayForward", "actionMonthForward"});
     m_bar->addSeparator();
     addButtons({"actionZoomIn", "actionZoomOut"});
+    m_bar->addSeparator();
+    addButtons({"actionInspector"});
     addAgentButton();
 }
 

@@ -110,9 +110,12 @@ void ZELKInspectorTextView::fill(QTextDocument &document) const
     ZELKTextDocument::fill(document, m_text, ZELKTextColours::fromPalette(palette()));
 }
 
+/// The user's keys begin at the beginning.
 void ZELKInspectorTextView::refill()
 {
     fill(*document());
+    const QList<QTextFrame *> tables = document()->rootFrame()->childFrames();
+    setTextCursor(tables.isEmpty() ? QTextCursor(document()) : tables.constFirst()->firstCursorPosition());
     updateGeometry();
 }
 

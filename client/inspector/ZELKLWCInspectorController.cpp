@@ -141,7 +141,6 @@ void ZELKLWCInspectorController::showInformationPanel()
     ZELKLWCInspectorWindow &panel = inspectorWindow();
     updateContents();
     panel.show();
-    panel.raise();
 }
 
 void ZELKLWCInspectorController::hideInformationPanel()

@@ -1,6 +1,7 @@
 #include "ZELKPanelFit.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -23,7 +24,7 @@ ZELKPanelFit ZELKPanelFit::of(const Panel &panel, const QSizeF &wanted)
     const auto &[frame, content, screen, scrollBar] = panel;
     const QSizeF around(frame.width - content.width(), frame.height - content.height());
     const double room = std::min(frame.maxY(), screen.maxY()) - screen.y - around.height();
-    const double least = std::min(wanted.height(), screen.height * leastPart - around.height());
+    const double least = std::min(wanted.height(), std::floor(screen.height * leastPart) - around.height());
     ZELKPanelFit fit;
     QSizeF size(wanted.width(), std::min(wanted.height(), std::max(room, least)));
     fit.scrolls = size.height() < wanted.height();
