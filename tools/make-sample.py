@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Writes the sample history: a laptop's power events of 120 days, one JSON object a line, on standard output.
+"""Writes the sample history: a laptop's power events of 120 days, one JSON object a line, on standard output;
+with --packed FILE, into that file, packed as Qt unpacks it: the length in four bytes, then what zlib makes of it.
 
 The days are lived through minute by minute with a fixed seed, so the same lines come out every time. They run
 from 2026-07-11 to 2026-11-08 in Europe/Berlin, across the end of summer time on 2026-10-25.
@@ -9,7 +10,9 @@ import datetime
 import json
 import math
 import random
+import struct
 import sys
+import zlib
 
 FIRST_DAY = datetime.date(2026, 7, 11)
 DAYS = 120
@@ -391,11 +394,19 @@ class Life:
             self.laptop.sleep()
 
 
-def main():
+def lines():
     laptop = Laptop(random.Random(20260711))
     Life(laptop).live()
-    for event in laptop.events:
-        sys.stdout.write(json.dumps(event, ensure_ascii=False) + "\n")
+    return "".join(json.dumps(event, ensure_ascii=False) + "\n" for event in laptop.events)
+
+
+def main():
+    if len(sys.argv) == 3 and sys.argv[1] == "--packed":
+        text = lines().encode()
+        with open(sys.argv[2], "wb") as file:
+            file.write(struct.pack(">I", len(text)) + zlib.compress(text, 9))
+    else:
+        sys.stdout.write(lines())
 
 
 if __name__ == "__main__":

@@ -4,6 +4,7 @@
 #include "ZELKCommandLineText.h"
 #include "ZELKEnvironment.h"
 #include "ZELKFormat.h"
+#include "ZELKSampleLog.h"
 
 #include <QCommandLineParser>
 #include <QDateTime>
@@ -85,13 +86,14 @@ struct OptionRow
     Command command;
 };
 constexpr OptionRow optionRows[] = {
-    {"database", "FILE", Command::Window},  {"profile", "NAME", Command::Window},
-    {"start-agent", "", Command::Window},   {"or-picture", "FILE", Command::Window},
-    {"range", "RANGE", Command::List},      {"from", "DATE", Command::List},
-    {"to", "DATE", Command::List},          {"format", "FORMAT", Command::List},
-    {"picture", "FILE", Command::Snapshot}, {"count", "NUMBER", Command::Snapshot},
-    {"as", "FORM", Command::Agent},         {"output", "FILE", Command::Export},
-    {"width", "NUMBER", Command::Export},   {"height", "NUMBER", Command::Export},
+    {"database", "FILE", Command::Window},   {"profile", "NAME", Command::Window},
+    {"sample", "", Command::Window},         {"start-agent", "", Command::Window},
+    {"or-picture", "FILE", Command::Window}, {"range", "RANGE", Command::List},
+    {"from", "DATE", Command::List},         {"to", "DATE", Command::List},
+    {"format", "FORMAT", Command::List},     {"picture", "FILE", Command::Snapshot},
+    {"count", "NUMBER", Command::Snapshot},  {"as", "FORM", Command::Agent},
+    {"output", "FILE", Command::Export},     {"width", "NUMBER", Command::Export},
+    {"height", "NUMBER", Command::Export},
 };
 
 class Reader
@@ -234,6 +236,11 @@ void Reader::takeGlobals()
 {
     m_options.databaseFile = value("database").value_or(QString());
     m_options.profile = value("profile").value_or(QString());
+    m_options.isSample = m_parser.isSet(QStringLiteral("sample"));
+    if (m_options.isSample && (!m_options.databaseFile.isEmpty() || !m_options.profile.isEmpty()))
+        complain("--sample has a log of its own: it does not take --database or --profile.");
+    if (m_options.isSample)
+        m_options.profile = ZELKSampleLog::profile();
     m_options.startsAgent = m_parser.isSet(QStringLiteral("start-agent"));
     if (!m_options.profile.isEmpty() && !ZELKApplicationSettings::isProfileName(m_options.profile))
         complain("\"%@\" cannot name a profile: letters, digits, \".\", \"_\" and \"-\" can.",

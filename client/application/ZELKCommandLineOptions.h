@@ -34,6 +34,8 @@ struct ZELKCommandLineOptions
     /// Both empty when not given.
     QString databaseFile;
     QString profile;
+    /// The profile is that of the sample log.
+    bool isSample = false;
     bool startsAgent = false;
     /// window: where there is no display, a snapshot with this picture instead; empty for a refusal.
     QString orPicture;

@@ -4,6 +4,8 @@
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
 #include "ZELKMainWindowInterface.h"
+#include "ZELKMessage.h"
+#include "ZELKSampleLog.h"
 
 #include <QAction>
 #include <QApplication>
@@ -45,6 +47,7 @@ ZELKHelpMenu::ZELKHelpMenu(QMainWindow &window, ZELKApplicationWiring &wiring)
     , m_addressBook(QDBusConnection::systemBus())
 {
     connectGuide();
+    connectSampleLog();
     connectFeedback();
     connectExtras();
 }
@@ -73,6 +76,18 @@ void ZELKHelpMenu::connectGuide()
     guide.setEnabled(delegate.canOpenUserGuide());
     connect(&delegate, &ZELKLWClientAppDelegate::canOpenUserGuideChanged, &guide, &QAction::setEnabled);
     onTriggered(guide, [&delegate] { delegate.openUserGuide(); });
+}
+
+/// In a run of its own, beside this one.
+void ZELKHelpMenu::connectSampleLog()
+{
+    QAction &sample = action("actionOpenSampleLog");
+    sample.setEnabled(m_wiring.settings().profile != ZELKSampleLog::profile());
+    onTriggered(sample, [this] {
+        if (!QProcess::startDetached(QCoreApplication::applicationFilePath(), {QStringLiteral("--sample")}))
+            ZELKMessage::open(m_window, QMessageBox::Warning,
+                              ZELKMainWindowInterface::text("openSampleLog.failed"), {});
+    });
 }
 
 void ZELKHelpMenu::connectFeedback()

@@ -25,6 +25,7 @@ public:
 
 private:
     void connectGuide();
+    void connectSampleLog();
     void connectFeedback();
     void connectExtras();
     QAction &action(const char *name) const;

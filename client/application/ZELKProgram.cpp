@@ -4,6 +4,7 @@
 #include "ZELKCommandLine.h"
 #include "ZELKCommandLineText.h"
 #include "ZELKEnvironment.h"
+#include "ZELKSampleLog.h"
 #include "ZELKTerminationSignals.h"
 #include "ZELKTextOutput.h"
 #include "ZELKWindowSession.h"
@@ -162,6 +163,12 @@ int Run::runOptions()
     const Options &options = m_parsed.options;
     const ZELKApplicationSettings settings{ZELKEnvironment::current().mainBundle, options.profile,
                                            options.databaseFile};
+    if (options.isSample) {
+        if (const auto complaint = ZELKSampleLog::prepare(settings)) {
+            complain(*complaint);
+            return ZELKCommandLine::failed;
+        }
+    }
     if (options.command != Options::Command::Window)
         return runCommand(settings, options);
     const bool isSeen = QGuiApplication::platformName() != QLatin1String("offscreen");

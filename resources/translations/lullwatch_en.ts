@@ -676,6 +676,14 @@
 <context>
     <name>ZELKCommandLine</name>
     <message>
+        <source>--sample has a log of its own: it does not take --database or --profile.</source>
+        <translation>--sample has a log of its own: it does not take --database or --profile.</translation>
+    </message>
+    <message>
+        <source>The sample log cannot be opened.</source>
+        <translation>The sample log cannot be opened.</translation>
+    </message>
+    <message>
         <source>The output cannot be written: %@</source>
         <translation>The output cannot be written: %@</translation>
     </message>
@@ -906,6 +914,7 @@ Usage: lullwatch [OPTIONS]                     opens the window
 Options, which may also follow the command:
   --database FILE    keep the events in FILE
   --profile NAME     a world of its own: settings and events apart from all others, and no agent
+  --sample           the sample log: 120 days of a made-up laptop, apart from everything of yours
   --start-agent      start the recording agent in this session if it is not running
   -h, --help         print this
   -v, --version      print the version
@@ -1344,6 +1353,18 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>ZELKLWCMainWindowController.menuComment</source>
         <translation>When this computer slept, woke and ran on battery</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.openSampleLog</source>
+        <translation>Open &amp;Sample Log</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.openSampleLog.toolTip</source>
+        <translation>Opens a window with 120 days of a made-up laptop</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.openSampleLog.failed</source>
+        <translation>The sample log cannot be opened.</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.feedback</source>
