@@ -68,12 +68,12 @@ class TestLibreOffice : public QObject
     Q_OBJECT
 
 private:
-    template <typename Writer>
-    void write(const QString &name, const ZELKAttributedString &text)
+    template <typename Writer, typename... Properties>
+    void write(const QString &name, const ZELKAttributedString &text, const Properties &...properties)
     {
         QFile file(m_folder.filePath(name));
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        Writer writer(file);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        Writer writer(file, properties...);
         writer.announce(text);
         writer.append(text);
         QVERIFY(writer.finish());
@@ -115,8 +115,11 @@ private Q_SLOTS:
 
     void looksOfDocuments()
     {
-        write<ZELKWordFileWriter>(u"looks.doc"_s, looks());
-        const auto result = ZELKRtfReader::read(converted(u"looks.doc"_s, u"rtf"_s, {}));
+        const ZELKWordFileWriter::Properties properties{u"History of é"_s, u"Lullwatch"_s};
+        write<ZELKWordFileWriter>(u"looks.doc"_s, looks(), properties);
+        const QByteArray rtf = converted(u"looks.doc"_s, u"rtf"_s, {});
+        QVERIFY(rtf.contains("{\\title History of \\u233\\'e9}"));
+        const auto result = ZELKRtfReader::read(rtf);
         QVERIFY(result.text && !result.error);
         QCOMPARE(dump(*result.text), dump(looks()));
     }

@@ -88,10 +88,13 @@ void addText(GsfDocMetaData &data, const char *name, const QString &text)
 {
     if (text.isEmpty())
         return;
-    auto *value = g_new0(GValue, 1); // the library frees it
-    g_value_init(value, G_TYPE_STRING);
-    g_value_set_string(value, text.toUtf8().constData());
-    gsf_doc_meta_data_insert(&data, g_strdup(name), value);
+    GValue value = G_VALUE_INIT;
+    g_value_init(&value, G_TYPE_STRING);
+    g_value_set_string(&value, text.toUtf8().constData());
+    // The library frees both.
+    gsf_doc_meta_data_insert(&data, g_strdup(name),
+                             static_cast<GValue *>(g_boxed_copy(G_TYPE_VALUE, &value)));
+    g_value_unset(&value);
 }
 
 } // namespace

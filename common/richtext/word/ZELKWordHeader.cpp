@@ -7,8 +7,8 @@ using namespace ZELKWordBytes;
 QByteArray ZELKWordHeader::bytes(const ZELKWordTables::Places &tables) const
 {
     constexpr int english = 0x0409;
-    constexpr int shortCount = 14;
-    constexpr int longCount = 22;
+    constexpr qsizetype shortCount = 14;
+    constexpr qsizetype longCount = 22;
     QByteArray out;
     append16(out, 0xA5EC); // what all documents of the kind begin with
     append16(out, 0x00C1); // the version of 1997

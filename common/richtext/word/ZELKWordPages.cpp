@@ -71,11 +71,11 @@ int ZELKWordPages::placeFor(const QByteArray &block) const
 
 void ZELKWordPages::closePage()
 {
-    const auto count = int(m_ends.size());
+    const auto count = qsizetype(m_ends.size());
     const qsizetype page = m_bytes.size();
     m_bytes.append(pageSize, '\0');
     set(m_bytes, page, m_pageStarts.back());
-    for (int i = 0; i < count; ++i) {
+    for (qsizetype i = 0; i < count; ++i) {
         set(m_bytes, page + 4 * (i + 1), m_ends[std::size_t(i)]);
         set(m_bytes, page + 4 * (count + 1) + entrySize(m_kind) * i, quint8(m_places[std::size_t(i)] / 2));
     }
