@@ -7,6 +7,8 @@
 #include "ZELKMainWindowInterface.h"
 
 #include <QAction>
+#include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMainWindow>
 #include <QToolButton>
 
@@ -14,6 +16,7 @@ ZELKInspectorWiring::ZELKInspectorWiring(QMainWindow &window, ZELKApplicationWir
                                          ZELKLogTable &table)
     : QObject(&window)
     , m_window(window)
+    , m_table(table.controller())
     , m_view(table.view())
     , m_controller({wiring.dateRange(), table.controller(), wiring.defaults(), m_queue, window})
     , m_action(ZELKMainWindowInterface::outlet<QAction>(window, "actionInspector"))
@@ -24,6 +27,7 @@ ZELKInspectorWiring::ZELKInspectorWiring(QMainWindow &window, ZELKApplicationWir
             this, [this] { zelkGuard([this] { goTo(); }); });
     connect(&m_controller, &ZELKLWCInspectorController::visibleChanged, this,
             [this](bool isVisible) { zelkGuard([&] { showState(isVisible); }); });
+    m_view.installEventFilter(this);
 }
 
 void ZELKInspectorWiring::toggle()
@@ -48,8 +52,22 @@ void ZELKInspectorWiring::showState(bool isVisible)
         button->setAccessibleName(m_action->text().remove(QLatin1Char('&')));
         button->setDown(isVisible);
     }
-    if (!isVisible && m_window.isVisible()) {
+    // Whoever had the keys in the window before the panel took them has them again.
+    if (!isVisible && m_window.isVisible() && !m_window.isActiveWindow() &&
+        QGuiApplication::applicationState() == Qt::ApplicationActive)
         m_window.activateWindow();
-        m_view.setFocus();
-    }
+}
+
+/// Escape puts the panel away, once there is no search to give up.
+bool ZELKInspectorWiring::eventFilter(QObject *watched, QEvent *event)
+{
+    bool isDone = false;
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape)
+        zelkGuard([&] {
+            isDone = m_controller.isVisible() &&
+                     !m_table.validateMenuItem(ZELKLWCLogTableController::MenuItem::CancelFilter);
+            if (isDone)
+                m_controller.hideInformationPanel();
+        });
+    return isDone || QObject::eventFilter(watched, event);
 }

@@ -6,6 +6,7 @@
 class QAction;
 class QMainWindow;
 class ZELKApplicationWiring;
+class ZELKLWCLogTableView;
 class ZELKLogTable;
 
 /// The inspector of the main window: what shows and hides it, and where the keys go when it is gone.
@@ -22,13 +23,16 @@ public:
     void applicationDidFinishLaunching() { m_controller.applicationDidFinishLaunching(); }
     void saveState() const { m_controller.saveFrame(); }
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void toggle();
     void goTo();
     void showState(bool isVisible);
 
     QMainWindow &m_window;
-    QWidget &m_view; ///< the table's
+    ZELKLWCLogTableController &m_table;
+    ZELKLWCLogTableView &m_view;
     ZELKNotificationQueue m_queue;
     ZELKLWCInspectorController m_controller;
     QAction *m_action;

@@ -34,9 +34,13 @@ QString general(const QString &word)
     return ZELKLWCLogEntry::localizedStringForKey(word, word, QStringLiteral("General"));
 }
 
+/// Short enough for one line.
 QString dayAndTime(ZELKDate date)
 {
-    return ZELKFormat(text("%@, %@"), {ZELKInspectorFacts::day(date), ZELKInspectorFacts::time(date)});
+    const ZELKEnvironment &environment = ZELKEnvironment::current();
+    const int weekday = date.toDateTime(environment.zone).date().dayOfWeek();
+    return ZELKFormat(text("%@ %@"),
+                      {environment.locale.dayName(weekday, QLocale::ShortFormat), ZELKShortDate::text(date)});
 }
 
 /// The state that the partner began, or what the partner is.

@@ -18,11 +18,16 @@
 namespace {
 
 constexpr int codeOfNib = 66;
-const QString didChange = QStringLiteral("ZELKLWCInspectorController.didChange");
 
 QString className()
 {
     return QStringLiteral("ZELKLWCInspectorController");
+}
+
+/// The notification that the panel is out of date.
+QString didChange()
+{
+    return className() + QStringLiteral(".didChange");
 }
 
 QString text(const char *key)
@@ -61,7 +66,7 @@ void ZELKLWCInspectorController::awakeFromNib()
             [this] { zelkGuard([this] { showInformationPanel(); }); });
     connect(&m_outlets.queue, &ZELKNotificationQueue::posted, this, [this](const QString &name) {
         zelkGuard([&] {
-            if (name == didChange)
+            if (name == didChange())
                 inspectorSelectionCoalescedDidChange();
         });
     });
@@ -170,8 +175,8 @@ void ZELKLWCInspectorController::observedValueDidChange()
 {
     if (!isVisible())
         return;
-    m_outlets.queue.dequeue(didChange);
-    m_outlets.queue.enqueue(didChange);
+    m_outlets.queue.dequeue(didChange());
+    m_outlets.queue.enqueue(didChange());
 }
 
 void ZELKLWCInspectorController::inspectorSelectionCoalescedDidChange()

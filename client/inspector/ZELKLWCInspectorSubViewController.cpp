@@ -126,8 +126,10 @@ void Controller::awakeFromNib()
 {
     if (auto *message = outlet<ZELKInspectorTextView>("messageView"))
         message->setAttributedText(centred(m_attributeKey));
-    if (auto *headline = outlet<ZELKInspectorTextView>("titleView"))
+    if (auto *headline = outlet<ZELKInspectorTextView>("titleView")) {
         headline->setAttributedText(title());
+        headline->setAccessibleName(m_attributeKey);
+    }
     if (auto *value = outlet<ZELKInspectorTextView>("valueView")) {
         value->setAttributedText(ZELKInspectorCell::ofValue(m_attributeValue).text);
         value->setAccessibleName(m_attributeKey);

@@ -50,13 +50,13 @@ private Q_SLOTS:
         row("battery, repeated", QStringList{ZELKEventPowerStateChanged},
             QStringList{u"[Summary]"_s,
                         u"'BAT0' connected Date=Tuesday, 5 March 2024 | Time=08:00:00 | Repeated=once | "
-                        "Last=Tuesday, 5 March 2024, 08:30:00 | Reported by=Power Source"_s,
+                        "Last=Tue 05/03/2024 08:30:00 | Reported by=Power Source"_s,
                         u"[Device]"_s, u"Name=BAT0 | Current Capacity=90% | Time to Empty=1h 30m"_s,
                         u"[Duplicates]"_s, u"05/03/2024=08:30:00"_s});
         row("several", QStringList{ZELKEventPowerStateChanged, ZELKEventSystemHasPoweredOn},
             QStringList{u"[Summary]"_s,
-                        u"2 entries From=Tuesday, 5 March 2024, 08:00:00 | "
-                        "To=Tuesday, 5 March 2024, 17:00:00 | Length=9 hours"_s,
+                        u"2 entries From=Tue 05/03/2024 08:00:00 | "
+                        "To=Tue 05/03/2024 17:00:00 | Length=9 hours"_s,
                         u"[Usage]"_s, u"Awake=100.0%=9h"_s, u"[Power Source]"_s, u"Battery Power=100.0%=9h"_s,
                         u"[BAT0]"_s, u"Minimum=90.0% | Average=90.0% | Maximum=90.0%"_s});
     }

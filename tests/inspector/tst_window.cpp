@@ -1,0 +1,72 @@
+#include "WindowBed.h"
+#include "ZELKLWCInspectorController.h"
+#include "ZELKLWCInspectorWindow.h"
+
+#include <QToolButton>
+
+namespace {
+
+class WindowTest : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void isShownAndHidden()
+    {
+        const ApplicationFixture fixture;
+        Session session(fixture);
+        auto &table = session.find<ZELKLWCLogTableView>("table");
+        const auto &action = session.find<QAction>("actionInspector");
+        const auto panel = [&] { return session.window.findChild<ZELKLWCInspectorWindow *>(); };
+        const auto isVisible = [&] { return panel() && panel()->isVisible(); };
+        table.setFocus();
+        QVERIFY(!panel());
+        session.press(Qt::Key_I, Qt::ControlModifier);
+        QVERIFY(isVisible());
+        QCOMPARE(action.text(), u"Hide &Inspector"_s);
+        QCOMPARE(session.find<QToolButton>("actionInspectorButton").accessibleName(), u"Hide Inspector"_s);
+        QCOMPARE(session.window.focusWidget(), &table);
+        session.press(Qt::Key_I, Qt::ControlModifier);
+        QVERIFY(!isVisible());
+        QCOMPARE(action.text(), u"Show &Inspector"_s);
+        QTest::mouseDClick(table.viewport(), Qt::LeftButton, {},
+                           table.visualRect(table.model()->index(70, 1)).center());
+        QVERIFY(isVisible());
+        session.table().setFilterString(u"noon"_s);
+        session.table().filter();
+        session.press(Qt::Key_Escape); // gives up the search first
+        QVERIFY(isVisible() && session.table().filterString().isEmpty());
+        session.press(Qt::Key_Escape);
+        QVERIFY(!isVisible());
+        session.press(Qt::Key_Return);
+        QVERIFY(isVisible());
+        session.press(Qt::Key_I, Qt::ControlModifier | Qt::ShiftModifier);
+        QTRY_COMPARE(QApplication::activeWindow(), panel());
+        QVERIFY(panel()->isAncestorOf(QApplication::focusWidget()));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_I, Qt::ControlModifier); // from there as well
+        QVERIFY(!isVisible());
+        QTRY_COMPARE(QApplication::focusWidget(), &table);
+    }
+
+    void comesBackWithTheProgram()
+    {
+        const ApplicationFixture fixture;
+        const QString key = ZELKLWCInspectorController::visibleKey;
+        for (const bool isFirst : {true, false}) {
+            const Session session(fixture, isFirst);
+            const auto panel = [&] { return session.window.findChild<ZELKLWCInspectorWindow *>(); };
+            if (isFirst)
+                session.find<QAction>("actionInspector").trigger();
+            QTRY_VERIFY(panel() && panel()->isVisible());
+            session.window.close();
+            session.window.hide();
+            QVERIFY(session.wiring.defaults().boolForKey(key));
+            QVERIFY(!session.wiring.defaults().stringForKey(u"ZELK Window Frame Inspector"_s).isEmpty());
+        }
+    }
+};
+
+} // namespace
+
+QTEST_MAIN(WindowTest)
+#include "tst_window.moc"
