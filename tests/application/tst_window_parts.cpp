@@ -297,11 +297,12 @@ private Q_SLOTS:
             if (widget->window() == &window && widget->focusPolicy() & Qt::TabFocus && widget->isVisible() &&
                 !widget->objectName().isEmpty() && !widget->objectName().startsWith("qt_"_L1))
                 order.append(widget->objectName());
-        QCOMPARE(order, (QStringList{u"filterPopUpButton"_s, u"actionMonthBackwardButton"_s,
-                                     u"actionDayBackwardButton"_s, u"actionRange1Button"_s,
-                                     u"actionDayForwardButton"_s, u"actionMonthForwardButton"_s,
-                                     u"actionZoomInButton"_s, u"actionZoomOutButton"_s, u"startStopButton"_s,
-                                     u"filterField"_s, u"graph"_s, u"table"_s}));
+        QCOMPARE(
+            order,
+            (QStringList{u"filterPopUpButton"_s, u"actionMonthBackwardButton"_s, u"actionDayBackwardButton"_s,
+                         u"actionRange1Button"_s, u"actionDayForwardButton"_s, u"actionMonthForwardButton"_s,
+                         u"actionZoomInButton"_s, u"actionZoomOutButton"_s, u"actionInspectorButton"_s,
+                         u"startStopButton"_s, u"filterField"_s, u"graph"_s, u"table"_s}));
     }
 
     void menusAreUnambiguous()
