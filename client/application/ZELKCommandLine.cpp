@@ -7,6 +7,7 @@
 #include "ZELKLWCLogEntrySelection.h"
 #include "ZELKLWCMainWindowController.h"
 #include "ZELKLineSource.h"
+#include "ZELKPrintCommand.h"
 #include "ZELKRawEventImport.h"
 #include "ZELKStatisticsWriter.h"
 #include "ZELKSynchronisation.h"
@@ -59,6 +60,8 @@ bool ZELKCommandLine::runCommand()
         return stats();
     case Command::Export:
         return exportLog();
+    case Command::Print:
+        return print();
     case Command::Import:
         return import();
     case Command::Snapshot:
@@ -193,6 +196,27 @@ bool ZELKCommandLine::exportLog()
     wiring.dateRange().takeSelectionTagFrom(m_options.rangeTag);
     ZELKExportCommand command(wiring, [this](const QString &words) { complain(words); });
     return command.run(m_options.exportRequest) && isWhole;
+}
+
+// MARK: print
+
+/// What the window's table shows of the range.
+bool ZELKCommandLine::print()
+{
+    ZELKApplicationWiring wiring(m_settings, world());
+    ZELKLWCMainWindowController window(wiring);
+    window.showWindow();
+    const bool isWhole = synchronise(wiring);
+    ZELKLWCDateRangeController &range = wiring.dateRange();
+    range.takeSelectionTagFrom(m_options.rangeTag);
+    if (m_options.from || m_options.to)
+        range.setAbsoluteDuration(
+            std::make_shared<ZELKLWCAbsoluteDuration>(ZELKLWCAbsoluteDuration::absoluteDurationFromDate(
+                m_options.from ? m_options.from->begin() : range.distantPast(),
+                m_options.to ? m_options.to->end().addingTimeInterval(-1.0) : range.distantFuture())));
+    QCoreApplication::processEvents();
+    ZELKPrintCommand command(wiring, window, [this](const QString &words) { complain(words); });
+    return command.run(m_options.printRequest) && isWhole;
 }
 
 // MARK: import

@@ -29,6 +29,7 @@ private:
     bool list();
     bool stats();
     bool exportLog();
+    bool print();
     bool import();
     bool importFrom(int descriptor);
     bool snapshot();

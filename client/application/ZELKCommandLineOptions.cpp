@@ -55,7 +55,8 @@ const QHash<QString, Command> &commands()
     static const QHash<QString, Command> commands{
         {QStringLiteral("list"), Command::List},         {QStringLiteral("stats"), Command::Stats},
         {QStringLiteral("export"), Command::Export},     {QStringLiteral("import"), Command::Import},
-        {QStringLiteral("snapshot"), Command::Snapshot}, {QStringLiteral("agent"), Command::Agent}};
+        {QStringLiteral("snapshot"), Command::Snapshot}, {QStringLiteral("agent"), Command::Agent},
+        {QStringLiteral("print"), Command::Print}};
     return commands;
 }
 
@@ -93,7 +94,8 @@ constexpr OptionRow optionRows[] = {
     {"format", "FORMAT", Command::List},     {"picture", "FILE", Command::Snapshot},
     {"count", "NUMBER", Command::Snapshot},  {"as", "FORM", Command::Agent},
     {"output", "FILE", Command::Export},     {"width", "NUMBER", Command::Export},
-    {"height", "NUMBER", Command::Export},
+    {"height", "NUMBER", Command::Export},   {"paper", "PAPER", Command::Print},
+    {"landscape", "", Command::Print},
 };
 
 class Reader
@@ -115,6 +117,7 @@ private:
     void takeList();
     void takeSnapshot();
     void takeExport();
+    void takePrint();
     std::optional<QString> value(const char *name) const;
     std::optional<Options::Moment> moment(const char *name) const;
 
@@ -149,6 +152,7 @@ Options::Parsed Reader::read()
     takeGlobals();
     takeList();
     takeExport();
+    takePrint();
     takeSnapshot();
     takeAgent();
     return {Options::Outcome::Run, {}, m_options};
@@ -167,7 +171,8 @@ void Reader::takeCommand()
         words = takeImport(words);
     if (m_options.command == Command::Agent)
         words = takeAgentAction(words);
-    if (m_options.command == Command::Stats || m_options.command == Command::Export)
+    if (m_options.command == Command::Stats || m_options.command == Command::Export ||
+        m_options.command == Command::Print)
         words = takeBareRange(words);
     if (!words.isEmpty())
         complain("Unexpected argument \"%@\".", words.constFirst());
@@ -206,6 +211,7 @@ void Reader::checkBelonging() const
     const bool isStatus =
         m_options.command == Command::Agent && m_options.agent.action == AgentAction::Status;
     const bool isExport = m_options.command == Command::Export;
+    const bool isPrint = m_options.command == Command::Print;
     const bool orPicture = m_parser.isSet(QStringLiteral("or-picture"));
     if (orPicture && m_options.command != Command::Window)
         complain("--or-picture stands in for the window: it does not go together with a command.");
@@ -213,6 +219,8 @@ void Reader::checkBelonging() const
         const QString name = QString::fromLatin1(row.name);
         const bool goes = row.command == Command::Window || row.command == m_options.command ||
                           (m_options.command == Command::Stats && row.command == Command::List) ||
+                          (isPrint && row.command == Command::List && name != QLatin1String("format")) ||
+                          (isPrint && name == QLatin1String("output")) ||
                           (orPicture && name == QLatin1String("count")) ||
                           (isExport && (name == QLatin1String("format") || name == QLatin1String("range"))) ||
                           (isStatus && name == QLatin1String("format"));
@@ -304,6 +312,16 @@ void Reader::takeExport()
     const QString complaint = m_options.exportRequest.take(
         {value("format"), value("output"), value("width"), value("height"), m_hasRange});
     if (!complaint.isEmpty())
+        throw Complaint{complaint};
+}
+
+void Reader::takePrint()
+{
+    if (m_options.command != Command::Print)
+        return;
+    m_options.printRequest = {value("output").value_or(QString()), value("paper").value_or(QString()),
+                              m_parser.isSet(QStringLiteral("landscape"))};
+    if (const QString complaint = m_options.printRequest.complaint(); !complaint.isEmpty())
         throw Complaint{complaint};
 }
 

@@ -4,6 +4,7 @@
 #include "ZELKDate.h"
 #include "ZELKEntryWriter.h"
 #include "ZELKExportCommand.h"
+#include "ZELKPrintCommand.h"
 
 #include <QDate>
 #include <QString>
@@ -15,7 +16,7 @@
 /// What the command line asks for. A value.
 struct ZELKCommandLineOptions
 {
-    enum class Command { Window, List, Stats, Export, Import, Snapshot, Agent };
+    enum class Command { Window, List, Stats, Export, Print, Import, Snapshot, Agent };
 
     /// A local day, or a moment of one.
     struct Moment
@@ -40,13 +41,14 @@ struct ZELKCommandLineOptions
     /// window: where there is no display, a snapshot with this picture instead; empty for a refusal.
     QString orPicture;
 
-    /// list, stats and exported pictures: the tag of a preset range, and within that from and to.
+    /// list, stats, print and exported pictures: the tag of a preset range, and within that from and to.
     int rangeTag = 8;
     std::optional<Moment> from;
     std::optional<Moment> to;
     ZELKEntryWriter::Format format = ZELKEntryWriter::Format::Table;
     bool statsAsJson = false;
     ZELKExportRequest exportRequest;
+    ZELKPrintRequest printRequest;
     /// import: "-" for standard input.
     QString file;
     /// snapshot: empty for no picture. The count goes with orPicture too.

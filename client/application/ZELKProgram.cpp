@@ -45,7 +45,8 @@ bool exportsPicture(const Options &options)
 /// What draws for a file needs no display.
 bool isOffscreen(const Options &options)
 {
-    return options.command == Options::Command::Snapshot || exportsPicture(options);
+    return options.command == Options::Command::Snapshot || options.command == Options::Command::Print ||
+           exportsPicture(options);
 }
 
 /// Qt ends the program when it finds no display. Where the user has not chosen a platform, it is told to fall
@@ -80,7 +81,8 @@ std::unique_ptr<QCoreApplication> makeWidgetApplication(const Options &options, 
 
 bool needsWidgets(const Options &options)
 {
-    return options.command == Options::Command::Window || exportsPicture(options) ||
+    return options.command == Options::Command::Window || options.command == Options::Command::Print ||
+           exportsPicture(options) ||
            (options.command == Options::Command::Snapshot && !options.picture.isEmpty());
 }
 

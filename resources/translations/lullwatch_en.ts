@@ -907,6 +907,7 @@ Usage: lullwatch [OPTIONS]                     opens the window
        lullwatch [OPTIONS] list [...]          prints entries
        lullwatch [OPTIONS] stats [RANGE] [...] tells how long it was awake, asleep, off, and what that cost
        lullwatch [OPTIONS] export [...]        saves the log, or a picture of the graph, for other programs
+       lullwatch [OPTIONS] print [RANGE] [...] writes the table as it would be printed to a PDF file
        lullwatch [OPTIONS] import FILE         takes events in, from a file or "-" (standard input)
        lullwatch [OPTIONS] snapshot [...]      prints the latest entries, without a display
        lullwatch agent WHAT [...]              tells of the recording agent, installs, removes and updates it
@@ -939,6 +940,11 @@ export:
                      the FILE's name ends
   --width NUMBER, --height NUMBER, RANGE
                      of a picture: its size from 150 to 15000 (1200 and 300 without these), and what it shows
+
+print: RANGE, --from and --to as for list
+  --output FILE      where to
+  --paper PAPER      A4 or Letter; without this, what is usual here
+  --landscape        the sheets lie on their sides
 
 import: raw events, one JSON object a line, with the keys "date" (seconds since 2001-01-01 UTC),
 "description", "monitor" and "properties" (a property list as text, or "NULL")
@@ -1073,6 +1079,18 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     <message>
         <source>--width, --height and a range are for pictures; of the log, all is exported.</source>
         <translation>--width, --height and a range are for pictures; of the log, all is exported.</translation>
+    </message>
+    <message>
+        <source>print needs --output FILE.</source>
+        <translation>print needs --output FILE.</translation>
+    </message>
+    <message>
+        <source>There is no paper "%@": A4 and Letter there are.</source>
+        <translation>There is no paper "%@": A4 and Letter there are.</translation>
+    </message>
+    <message>
+        <source>There is nothing to print in that range.</source>
+        <translation>There is nothing to print in that range.</translation>
     </message>
     <message>
         <source>There is nothing to export yet.</source>
