@@ -15,7 +15,6 @@ QFont fontInDots(double pointSize, bool bold)
     QFont font(ZELKSystemFonts::family());
     font.setPixelSize(qRound(pointSize * ZELKPaperFont::dotsInPoint));
     font.setBold(bold);
-    font.setHintingPreference(QFont::PreferNoHinting);
     // Next to nothing, but letters with space between them are not joined to ligatures, which somebody who
     // searches the file for "fi" would not find.
     font.setLetterSpacing(QFont::AbsoluteSpacing, 1.0 / 64.0);

@@ -98,7 +98,6 @@ void ZELKPaperText::draw(QPainter &painter, const QRectF &rect, const ZELKAttrib
     painter.save();
     painter.translate(rect.topLeft());
     painter.scale(1.0 / dots, 1.0 / dots);
-    painter.setPen(Qt::black);
     layout.draw(&painter, {});
     painter.restore();
 }

@@ -130,6 +130,7 @@ void ZELKPrintOperation::fail(const QString &error)
 
 void ZELKPrintOperation::giveBackPrinter()
 {
-    m_printer.setOutputFileName(m_path);
+    if (m_file) // an empty name would choose the format anew
+        m_printer.setOutputFileName(m_path);
     m_printer.setFullPage(m_wasFullPage);
 }
