@@ -206,15 +206,23 @@ private Q_SLOTS:
         const auto wrong = [&](const char *words, const char *complaint) {
             row(complaint, words, Outcome::Wrong);
         };
-        for (const char *words :
-             {"", "--start-agent", "--profile x list --database /tmp/x --format json", "import -",
-              "list --from 2024-02-29 --to 2024-02-29T23:59:59", "stats", "stats this-week --format json",
-              "stats --from 2024-02-29 --format text", "list --profile a.b_c-D",
-              "snapshot --count 5 --picture x.png --start-agent"})
+        for (const char *words : {"", "--start-agent", "--profile x list --database /tmp/x --format json",
+                                  "import -", "list --from 2024-02-29 --to 2024-02-29T23:59:59", "stats",
+                                  "stats this-week --format json", "stats --from 2024-02-29 --format text",
+                                  "list --profile a.b_c-D", "export --output -  --format txt",
+                                  "export --output x.TIFF --width 150 --height 15000 this-week",
+                                  "snapshot --count 5 --picture x.png --start-agent"})
             row(words, words, Outcome::Run);
         row("help", "list -h", Outcome::Help);
         row("version", "-v", Outcome::Version);
-        wrong("export", "There is no command \"export\".");
+        wrong("dance", "There is no command \"dance\".");
+        wrong("export", "export needs --output FILE, or --output - for standard output.");
+        wrong("export --output x", "export needs --format txt, rtf, plist, doc, tiff or png.");
+        wrong("export --output x.png --format jpeg", "There is no format \"jpeg\".");
+        wrong("export --output x.png --width 149", "--width needs a number from 150 to 15000, not \"149\".");
+        wrong("export --output x.txt --range today",
+              "--width, --height and a range are for pictures; of the log, all is exported.");
+        wrong("list --width 200", "--width belongs to the command export.");
         wrong("import", "import needs a FILE, or - for standard input.");
         wrong("import a b", "Unexpected argument \"b\".");
         wrong("--nonsense", "Unknown option 'nonsense'.");

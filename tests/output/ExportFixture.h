@@ -41,26 +41,27 @@ struct ExportFixture
         log.awakeFromNib();
         range.setSelectionTag(8);
     }
-    void add(double seconds, const QString &event, const QString &properties = u"NULL"_s)
+    static ZELKRawEvent event(double seconds, const QString &name, const ZELKDictionary &properties = {})
     {
-        log.addExternalEntries({ZELKMakeRawEvent(exportStart.addingTimeInterval(seconds), event,
-                                                 ZELKMonitorPowerEvents, properties)});
+        return ZELKMakeRawEvent(exportStart.addingTimeInterval(seconds), name, ZELKMonitorPowerEvents,
+                                ZELKPropertiesText(properties));
     }
+    void add(double seconds, const QString &name) { log.addExternalEntries({event(seconds, name)}); }
     /// A sleep recorded twice and the waking from it, a battery, and what kept the computer awake.
     void addNight()
     {
-        add(0.0, ZELKEventSystemWillSleep);
-        add(1.0, ZELKEventSystemWillSleep);
-        add(7200.0, ZELKEventSystemHasPoweredOn);
-        add(7230.0, ZELKEventPowerStateChanged,
-            ZELKPropertiesText({{ZELKPropertyName, u"BAT0"_s},
-                                {ZELKPropertyIsPresent, true},
-                                {ZELKPropertyCurrentCapacity, 80LL},
-                                {ZELKPropertyMaxCapacity, 100LL},
-                                {ZELKPropertyTimeToEmpty, 90LL},
-                                {ZELKPropertyPowerSourceState, ZELKPowerSourceBattery}}));
-        add(7260.0, ZELKEventSystemWillNotSleep,
-            ZELKPropertiesText({{ZELKPropertyProcesses, QVariantList{u"backup <1>"_s, u"Пример 🔋 שלום"_s}}}));
+        log.addExternalEntries(
+            {event(0.0, ZELKEventSystemWillSleep), event(1.0, ZELKEventSystemWillSleep),
+             event(7200.0, ZELKEventSystemHasPoweredOn),
+             event(7230.0, ZELKEventPowerStateChanged,
+                   {{ZELKPropertyName, u"BAT0"_s},
+                    {ZELKPropertyIsPresent, true},
+                    {ZELKPropertyCurrentCapacity, 80LL},
+                    {ZELKPropertyMaxCapacity, 100LL},
+                    {ZELKPropertyTimeToEmpty, 90LL},
+                    {ZELKPropertyPowerSourceState, ZELKPowerSourceBattery}}),
+             event(7260.0, ZELKEventSystemWillNotSleep,
+                   {{ZELKPropertyProcesses, QVariantList{u"backup <1>"_s, u"Пример 🔋 שלום"_s}}})});
     }
     void addMany(int count)
     {
