@@ -130,10 +130,10 @@ private Q_SLOTS:
         for (quint32 seed = 1; seed <= 20; ++seed) {
             const ZELKAttributedString text = TextSamples::random(seed);
             QList<ZELKAttributedString> pieces;
+            qsizetype start = 0;
             for (const ZELKAttributedString::Run &run : text.runs()) {
-                const qsizetype start = pieces.isEmpty() ? 0 : m_start;
                 pieces.append(text.substring(start, run.length));
-                m_start = start + run.length;
+                start += run.length;
             }
             QCOMPARE(written<ZELKRtfFileWriter>(pieces), ZELKRtfWriter::write(text));
         }
@@ -229,7 +229,6 @@ private Q_SLOTS:
     }
 
 private:
-    qsizetype m_start = 0;
     QTemporaryDir m_folder;
 };
 
