@@ -3,10 +3,12 @@
 #include "BLRoundedTableCell.h"
 #include "ZELKArchive.h"
 #include "ZELKAssertion.h"
+#include "ZELKCapsule.h"
 #include "ZELKLWCLog.h"
 #include "ZELKLWCLogEntryFormatter.h"
 #include "ZELKNotificationQueue.h"
 #include "ZELKSelectionKeeper.h"
+#include "ZELKTableHeader.h"
 #include "ZELKUserDefaults.h"
 
 #include <QHeaderView>
@@ -115,8 +117,12 @@ void ZELKLWCLogTableController::setUpHeader()
 {
     QHeaderView *header = m_view.horizontalHeader();
     header->setAccessibleName(m_view.accessibleName());
-    header->setSectionsClickable(true);
     header->setSortIndicatorShown(true);
+    if (auto *aligned = qobject_cast<ZELKTableHeader *>(header))
+        aligned->setTextInset([&view = m_view](int column) {
+            return column == Column::SummaryColumn ? int(ZELKCapsule::textInset)
+                                                   : ZELKTextCell::textInset(*view.style());
+        });
     showSortIndicator();
     connect(header, &QHeaderView::sortIndicatorChanged, this,
             [this](int column, Qt::SortOrder order) { zelkGuard([&] { sortByColumn(column, order); }); });

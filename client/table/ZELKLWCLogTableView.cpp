@@ -1,6 +1,7 @@
 #include "ZELKLWCLogTableView.h"
 
 #include "ZELKAssertion.h"
+#include "ZELKTableHeader.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -31,7 +32,7 @@ ZELKLWCLogTableView::ZELKLWCLogTableView(QWidget *parent)
     setShowGrid(false);
     setDragEnabled(true);
     setDragDropMode(DragOnly);
-    horizontalHeader()->setHighlightSections(false);
+    setHorizontalHeader(new ZELKTableHeader(this));
     horizontalHeader()->setStretchLastSection(true);
     connect(this, &QTableView::doubleClicked, this, &ZELKLWCLogTableView::doubleAction);
 }

@@ -46,8 +46,13 @@ void ZELKTextCell::drawInterior(QPainter &painter, const QStyleOptionViewItem &c
                                 const QModelIndex &index) const
 {
     const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
-    const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, &cell, cell.widget) + 1;
-    drawText(painter, cell.rect.adjusted(margin, 0, -margin, 0), index, colours(cell));
+    const int inset = textInset(*style);
+    drawText(painter, cell.rect.adjusted(inset, 0, -inset, 0), index, colours(cell));
+}
+
+int ZELKTextCell::textInset(const QStyle &style)
+{
+    return style.pixelMetric(QStyle::PM_LayoutLeftMargin);
 }
 
 void ZELKTextCell::drawText(QPainter &painter, const QRectF &frame, const QModelIndex &index,

@@ -17,6 +17,10 @@ class ZELKTextCell : public QStyledItemDelegate
 public:
     explicit ZELKTextCell(int textRole, QObject *parent = nullptr);
 
+    /// How far texts stand off the cell's edges, in pixels: as far as a style has everything else stand off
+    /// those of a window.
+    static int textInset(const QStyle &style);
+
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
 

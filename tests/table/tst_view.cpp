@@ -8,6 +8,20 @@
 #include <QMimeData>
 #include <QSignalSpy>
 
+namespace {
+
+/// How far from the left edge of an area anything is drawn on its background.
+int firstInk(const QImage &picture, const QRect &area)
+{
+    for (int x = area.left() + 1; x <= area.right(); ++x)
+        for (int y = area.top() + 4; y < area.bottom() - 4; ++y)
+            if (std::abs(qGray(picture.pixel(x, y)) - qGray(picture.pixel(area.left(), y))) > 90)
+                return x - area.left();
+    return -1;
+}
+
+} // namespace
+
 class ViewTest : public QObject
 {
     Q_OBJECT
@@ -183,6 +197,21 @@ private Q_SLOTS:
         QCOMPARE(cell->text(QAccessible::Name), u"05/03/2024, 06:00, "_s + table.summaryAt(1));
         QVERIFY(cell->rect().isValid());
         QCOMPARE(rows.columnDescription(1), u"Summary"_s);
+    }
+
+    void headingsStandOverTheirTexts()
+    {
+        Table table;
+        QHeaderView &header = *table.view.horizontalHeader();
+        const QImage headings = header.viewport()->grab().toImage();
+        const QImage rows = table.view.viewport()->grab().toImage();
+        for (const int column : {Model::DateColumn, Model::SummaryColumn}) {
+            const QRect heading(header.sectionViewportPosition(column), 0, header.sectionSize(column),
+                                header.height());
+            const int textsInk = firstInk(rows, table.view.visualRect(table.model().index(1, column)));
+            QVERIFY(textsInk > 3);
+            QVERIFY(std::abs(firstInk(headings, heading) - textsInk) <= 1); // letters begin a little apart
+        }
     }
 
     /// A table of a million rows keeps nothing for each, nor does it walk them.
