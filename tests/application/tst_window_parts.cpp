@@ -250,6 +250,18 @@ private Q_SLOTS:
         QCOMPARE(session.shownTag(), ZELKLWCDateRangeController::customTag);
         QTRY_VERIFY(session.rows() < rows);
     }
+    void keysOfTheGraphStepThroughTheRows()
+    {
+        const ApplicationFixture fixture;
+        NapSession session(fixture);
+        QTest::keyClicks(&session.find<ZELKSearchField>("filterField"),
+                         session.view.model()->index(1, 1).data().toString());
+        QCOMPARE(session.rows(), 7);
+        session.find<ZELKLWCEntriesView>("graph").setFocus();
+        for (const Qt::Key key : {Qt::Key_Home, Qt::Key_Right, Qt::Key_Right})
+            session.press(key);
+        QTRY_COMPARE(session.table().firstSelectedEntry(), session.table().model().entryAtRow(2));
+    }
 
     void everyControlIsReachableAndNamed()
     {
