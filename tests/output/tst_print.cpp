@@ -276,8 +276,8 @@ private Q_SLOTS:
         QCOMPARE(at(5.0, 5.0), QColor(Qt::white));
         QCOMPARE(at(80.0, 54.0 + 10.0), QColor(Qt::black)); // the title
         const double rule = 842.0 - report->layout().rowY(0);
-        const int light = std::min(at(500.0, rule).lightness(), at(500.0, rule - 1.0).lightness());
-        QVERIFY(light < 255 && light >= QColor(Qt::lightGray).lightness());
+        const int ruleLight = std::min(at(500.0, rule).lightness(), at(500.0, rule - 1.0).lightness());
+        QVERIFY(ruleLight < 255 && ruleLight >= QColor(Qt::lightGray).lightness());
         QVERIFY(at(90.0, rowMiddle).lightness() < 100);
         QVERIFY(at(90.0, rowMiddle).hsvSaturation() > 50); // still yellow
     }
