@@ -2,6 +2,7 @@
 
 #include "ZELKAssertion.h"
 #include "ZELKEnvironment.h"
+#include "ZELKInspectorFacts.h"
 #include "ZELKInspectorKind.h"
 #include "ZELKInspectorStack.h"
 #include "ZELKInterfaceLoader.h"
@@ -200,6 +201,8 @@ ZELKLWCInspectorController::Parts ZELKLWCInspectorController::parts() const
         return {};
     const auto selection = std::make_shared<const ZELKLWCLogEntrySelection>(selected);
     Parts parts{{text("Summary"), QVariant::fromValue(selection), text("Event")}};
+    if (selected.size() == 1)
+        parts.front().facts = ZELKInspectorFacts::ofEntry(*selected.constFirst());
     for (const QString &key : selection->attributes())
         if (const QVariant value = selection->attributeForKey(key); value.isValid())
             parts.push_back({key, value, key});
@@ -210,9 +213,17 @@ ZELKLWCInspectorController::Parts ZELKLWCInspectorController::parts() const
 bool ZELKLWCInspectorController::isShown(const Parts &parts) const
 {
     const auto isSame = [](const Part &a, const Part &b) {
-        return a.label == b.label && a.key == b.key && ZELKInspectorValue::isSame(a.value, b.value);
+        return a.label == b.label && a.key == b.key && a.facts == b.facts &&
+               ZELKInspectorValue::isSame(a.value, b.value);
     };
     return m_isUpToDate && std::equal(parts.begin(), parts.end(), m_shown.begin(), m_shown.end(), isSame);
+}
+
+/// Then it is looked at where it was.
+bool ZELKLWCInspectorController::hasSameSelection(const Parts &parts) const
+{
+    return !parts.empty() && !m_shown.empty() &&
+           ZELKInspectorValue::isSame(parts.front().value, m_shown.front().value);
 }
 
 void ZELKLWCInspectorController::updateContents()
@@ -220,6 +231,7 @@ void ZELKLWCInspectorController::updateContents()
     using SubViewController = ZELKLWCInspectorSubViewController;
     Parts wanted = parts();
     if (!isShown(wanted)) {
+        const int position = hasSameSelection(wanted) ? inspectorWindow().scrollPosition() : 0;
         removeAllSubViewControllers();
         if (wanted.empty())
             addSubViewController(
@@ -232,6 +244,7 @@ void ZELKLWCInspectorController::updateContents()
         m_shown = std::move(wanted);
         m_isUpToDate = true;
         layoutSubViewControllers();
+        inspectorWindow().setScrollPosition(position);
     }
     Q_EMIT didUpdateContents();
 }

@@ -77,11 +77,13 @@ private:
         QString label;
         QVariant value;
         QString key;
+        ZELKDictionary facts = {}; ///< of a single entry, which may be repeated at any time
     };
     using Parts = std::vector<Part>;
 
     Parts parts() const;
     bool isShown(const Parts &parts) const;
+    bool hasSameSelection(const Parts &parts) const;
     void bindVisible();
     void panelBecameVisible(bool isVisible);
     void observedValueDidChange();

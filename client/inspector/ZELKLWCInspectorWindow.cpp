@@ -16,6 +16,7 @@
 namespace {
 
 constexpr double partOfUsualTime = 0.33;
+constexpr double millisecondsInSecond = 1000.0;
 
 QString keyOfFrame(const QString &name)
 {
@@ -63,7 +64,6 @@ void ZELKLWCInspectorWindow::takeKeys()
 
 double ZELKLWCInspectorWindow::animationResizeTime() const
 {
-    constexpr double millisecondsInSecond = 1000.0;
     const int usual = style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this);
     return usual / millisecondsInSecond * partOfUsualTime;
 }
@@ -79,7 +79,6 @@ void ZELKLWCInspectorWindow::setFrame(const ZELKUprightRect &frame, bool isAnima
 {
     const ZELKUprightRect start = upright({pos(), size()});
     m_movement.stop();
-    constexpr double millisecondsInSecond = 1000.0;
     const int time = isAnimated ? qRound(animationResizeTime() * millisecondsInSecond) : 0;
     if (time <= 0 || start == frame)
         return place(frame);
