@@ -1175,8 +1175,8 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
         <translation>%@ entries</translation>
     </message>
     <message>
-        <source>%@, %@</source>
-        <translation>%@, %@</translation>
+        <source>%@ %@</source>
+        <translation>%@ %@</translation>
     </message>
     <message>
         <source>Date</source>
