@@ -1,6 +1,7 @@
 #include "ZELKLWCInspectorLabelView.h"
 
 #include "ZELKAssertion.h"
+#include "ZELKLabelLayout.h"
 #include "ZELKSystemFonts.h"
 #include "ZELKTextDocument.h"
 #include "ZELKTextLines.h"
@@ -140,7 +141,7 @@ void ZELKLWCInspectorLabelView::paintEvent(QPaintEvent *)
 void ZELKLWCInspectorLabelView::drawGradientWithBaseColour(QPainter &painter, const QColor &colour,
                                                            const QRectF &rect) const
 {
-    const auto [lower, upper] = ZELKLabelGradient::colours(colour);
+    const auto [lower, upper] = ZELKLabelColours::gradient(colour);
     QLinearGradient gradient(rect.bottomLeft(), rect.topLeft());
     gradient.setColorAt(0.0, lower);
     gradient.setColorAt(1.0, upper);

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "ZELKAttributedString.h"
-#include "ZELKLabelDrawing.h"
+#include "ZELKLabelColours.h"
 
 #include <QImage>
 #include <QPalette>
 #include <QWidget>
+
+struct ZELKLabelLayout;
 
 /// A title across the panel: a bar in the tint of controls, with a border and a shine.
 class ZELKLWCInspectorLabelView : public QWidget

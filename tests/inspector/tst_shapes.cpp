@@ -3,7 +3,8 @@
 #include "ZELKInspectorKind.h"
 #include "ZELKInspectorStack.h"
 #include "ZELKLWCLogEntry.h"
-#include "ZELKLabelDrawing.h"
+#include "ZELKLabelColours.h"
+#include "ZELKLabelLayout.h"
 #include "ZELKPanelFit.h"
 
 #include <QPalette>
@@ -162,7 +163,7 @@ private Q_SLOTS:
     void gradient()
     {
         const auto [base, lower, upper] = Rows<QColor, QString, QString>::fetch();
-        const auto colours = ZELKLabelGradient::colours(base);
+        const auto colours = ZELKLabelColours::gradient(base);
         QCOMPARE(hsv(colours.first), lower);
         QCOMPARE(hsv(colours.second), upper);
     }

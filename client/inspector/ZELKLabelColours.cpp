@@ -1,4 +1,4 @@
-#include "ZELKLabelDrawing.h"
+#include "ZELKLabelColours.h"
 
 #include <QPalette>
 
@@ -51,24 +51,7 @@ ZELKLabelColours ZELKLabelColours::afterTintChange(const QPalette &palette)
     return colours;
 }
 
-ZELKLabelLayout ZELKLabelLayout::of(const ZELKUprightRect &label, double borderWidth, double insetWidth,
-                                    bool hasImage)
-{
-    ZELKLabelLayout layout;
-    layout.insetFrame = label.inset(borderWidth);
-    layout.inside = layout.insetFrame.inset(insetWidth);
-    const ZELKUprightRect &inside = layout.inside;
-    layout.bottom = {inside.x, inside.y, inside.width, inside.height / 2.0};
-    layout.top = {inside.x, inside.y + inside.height / 2.0, inside.width, inside.height / 2.0};
-    layout.titleX = inside.x + titleGap;
-    if (hasImage) {
-        layout.image = {inside.x, inside.y, inside.height, inside.height};
-        layout.titleX += inside.height;
-    }
-    return layout;
-}
-
-std::pair<QColor, QColor> ZELKLabelGradient::colours(const QColor &base)
+std::pair<QColor, QColor> ZELKLabelColours::gradient(const QColor &base)
 {
     float hue = 0.0F;
     float saturation = 0.0F;
