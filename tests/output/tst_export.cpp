@@ -8,7 +8,6 @@
 #include "ZELKLogRepresentation.h"
 #include "ZELKPropertyList.h"
 
-#include <QBuffer>
 #include <QProcess>
 
 namespace {
@@ -19,33 +18,6 @@ QVariant listOf(const QByteArray &bytes)
 {
     return ZELKPropertyList::read(std::string_view(bytes.constData(), std::size_t(bytes.size()))).value;
 }
-
-/// A device that takes only so many bytes.
-class FullDevice : public QIODevice
-{
-public:
-    explicit FullDevice(qint64 room)
-        : m_room(room)
-    {
-        open(QIODevice::WriteOnly | QIODevice::Unbuffered);
-    }
-    bool isSequential() const override { return false; }
-    qint64 size() const override { return m_size; }
-
-protected:
-    qint64 readData(char *, qint64) override { return -1; }
-    qint64 writeData(const char *, qint64 size) override
-    {
-        if (pos() + size > m_room)
-            return -1;
-        m_size = std::max(m_size, pos() + size);
-        return size;
-    }
-
-private:
-    qint64 m_room;
-    qint64 m_size = 0;
-};
 
 } // namespace
 
@@ -140,8 +112,7 @@ private Q_SLOTS:
         const QVariantList list = listOf(dataRepresentationOfType(fixture.log, u"xml/plist"_s)).toList();
         QCOMPARE(list.size(), 2);
         const QString replaced(QChar::ReplacementCharacter);
-        QCOMPARE(list.at(0).value<ZELKDictionary>().string(u"Summary"_s),
-                 u"a%1b%1%1🔋\t\n&<"_s.arg(replaced));
+        QCOMPARE(list.at(0).value<ZELKDictionary>().string(u"Summary"_s), u"a%1b%1%1🔋\t\n&<"_s.arg(replaced));
         QCOMPARE(list.at(1).value<ZELKDictionary>().value(u"Attributes"_s).value<ZELKDictionary>(),
                  (ZELKDictionary{
                      {u"k"_s, QVariant::fromValue(ZELKDictionary{{replaced, QVariantList{replaced}}})}}));
@@ -189,30 +160,6 @@ private Q_SLOTS:
         QVERIFY(dataRepresentationOfType(fixture.log, {}).isNull());
         QCOMPARE(console.lines(), QStringList({u"Unsupported ZELKLog::dataRepresentationOfType:image/png"_s,
                                                u"Unsupported ZELKLog::dataRepresentationOfType:(null)"_s}));
-    }
-
-    /// Wherever the device refuses, the source fails, and ends.
-    void fullDevices_data()
-    {
-        const Rows<QString> row;
-        for (const char *type : {ZELKLogRepresentation::tabularText, ZELKLogRepresentation::propertyList,
-                                 ZELKLogRepresentation::richText, ZELKLogRepresentation::wordDocument})
-            row(type, type);
-    }
-    void fullDevices()
-    {
-        const auto [type] = Rows<QString>::fetch();
-        ExportFixture fixture;
-        fixture.addMany(6000);
-        const qint64 whole = dataRepresentationOfType(fixture.log, type).size();
-        for (const qint64 room : {qint64(0), whole / 2, whole - 1}) {
-            FullDevice device(room);
-            const auto source = ZELKLogRepresentation::sourceOfType(fixture.log, type);
-            auto outcome = ZELKExportSource::Outcome::More;
-            while (outcome == ZELKExportSource::Outcome::More)
-                outcome = source->writeSome(device);
-            QCOMPARE(outcome, ZELKExportSource::Outcome::Failed);
-        }
     }
 };
 

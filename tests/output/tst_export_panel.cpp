@@ -75,22 +75,14 @@ class ExportPanelTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void menuItem()
-    {
-        ExportFixture fixture;
-        ZELKLWCExportController controller(fixture.defaults);
-        controller.setLog(&fixture.log);
-        using Item = ZELKLWCExportController::MenuItem;
-        QVERIFY(!controller.validateMenuItem(Item::Export));
-        QVERIFY(controller.validateMenuItem(Item::Other));
-        fixture.addNight();
-        QVERIFY(controller.validateMenuItem(Item::Export));
-    }
-
     /// As a sheet, in the home folder, with today's name and the extension of the format last chosen.
     void panelComesUp()
     {
         PanelBed bed;
+        ZELKLWCExportController empty(bed.defaults);
+        QVERIFY(!empty.validateMenuItem(ZELKLWCExportController::MenuItem::Export));
+        QVERIFY(empty.validateMenuItem(ZELKLWCExportController::MenuItem::Other));
+        QVERIFY(bed.controller.validateMenuItem(ZELKLWCExportController::MenuItem::Export));
         bed.defaults.setValue(u"exportFormatTag"_s, 2);
         bed.controller.exportLog();
         QVERIFY(bed.panel().isVisible());
@@ -128,29 +120,19 @@ private Q_SLOTS:
         QVERIFY(QDir(bed.folder.path()).entryList({u"*Lullwatch*"_s}).isEmpty());
     }
 
-    void formats_data()
-    {
-        QTest::addColumn<int>("tag");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("start");
-        const auto row = [](int tag, const char *name, const QByteArray &start) {
-            QTest::newRow(name) << tag << QString::fromLatin1(name) << start;
-        };
-        row(0, "out.rtf", "{\\rtf1");
-        row(1, "out.txt", "2024-03-05 12:00:00 +0100\tSystem will sleep\t");
-        row(2, "out.plist", "<?xml");
-        row(3, "out.doc", "\xD0\xCF\x11\xE0");
-        row(5, "out.tiff", "II*");
-        row(6, "out.png", "\x89PNG");
-    }
     void formats()
     {
-        QFETCH(int, tag);
-        QFETCH(QString, name);
-        QFETCH(QByteArray, start);
         PanelBed bed;
-        bed.exportAs(tag, u"out"_s);
-        QVERIFY2(readFile(bed.path(name)).startsWith(start), qPrintable(name));
+        const auto check = [&](int tag, const char *suffix, const QByteArray &start) {
+            bed.exportAs(tag, u"out"_s);
+            QVERIFY2(readFile(bed.path(u"out."_s + QString::fromLatin1(suffix))).startsWith(start), suffix);
+        };
+        check(0, "rtf", "{\\rtf1");
+        check(1, "txt", "2024-03-05 12:00:00 +0100\tSystem will sleep\t");
+        check(2, "plist", "<?xml");
+        check(3, "doc", "\xD0\xCF\x11\xE0");
+        check(5, "tiff", "II*");
+        check(6, "png", "\x89PNG");
         QVERIFY(bed.alerts.isEmpty());
     }
 
