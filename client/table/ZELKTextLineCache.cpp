@@ -81,7 +81,8 @@ void ZELKTextLineCache::follow(const ZELKTextAttributes &attributes)
     const QFont standard = QGuiApplication::font();
     const double dotsPerInch = ZELKTextDocument::screenDotsPerInch();
     if (standard.isCopyOf(m_look.standard) && dotsPerInch == m_look.dotsPerInch &&
-        attributes == m_look.attributes)
+        attributes == m_look.attributes &&
+        m_look.option.textDirection() == QGuiApplication::layoutDirection())
         return;
     m_lines.clear();
     const QFont font = ZELKTextDocument::font(attributes);
@@ -96,7 +97,7 @@ void ZELKTextLineCache::follow(const ZELKTextAttributes &attributes)
               {format.leftMargin() + format.textIndent(), format.topMargin(), format.rightMargin(),
                format.bottomMargin()},
               format.lineHeight(metrics.lineSpacing(), 1.0),
-              QTextOption(format.alignment())};
+              QTextOption(format.alignment())}; // which takes the program's direction
 }
 
 const ZELKTextLineCache::Line &ZELKTextLineCache::line(const Key &key)

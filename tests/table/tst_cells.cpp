@@ -91,10 +91,12 @@ private Q_SLOTS:
         indented.paragraph.spacingBefore = 3.0;
         ZELKTextAttributes underlined = sized(11.0);
         underlined.underline = true;
-        for (const double factor : {1.0, 1.5}) {
+        for (const double factor : {1.0, 1.5, -1.5}) { // from right to left
             QFont font = standard;
-            font.setPointSizeF(standard.pointSizeF() * factor);
-            QGuiApplication::setFont(font);
+            font.setPointSizeF(standard.pointSizeF() * std::abs(factor));
+            if (factor > 0.0)
+                QGuiApplication::setFont(font);
+            QGuiApplication::setLayoutDirection(factor > 0.0 ? Qt::LeftToRight : Qt::RightToLeft);
             for (const ZELKTextAttributes &look : {sized(11.0), ZELKTextAttributes(), indented, underlined})
                 for (const QSizeF size : {QSizeF(200.0, 30.0), QSizeF(90.5, 30.0), QSizeF(90.5, 8.0)})
                     for (int time = 0; time < 2; ++time) {
@@ -103,6 +105,7 @@ private Q_SLOTS:
                     }
         }
         QGuiApplication::setFont(standard);
+        QGuiApplication::setLayoutDirection(Qt::LeftToRight);
     }
 };
 
