@@ -6,12 +6,12 @@
 #include "ZELKEmptyPage.h"
 #include "ZELKEnvironment.h"
 #include "ZELKExportActions.h"
+#include "ZELKHelpMenu.h"
 #include "ZELKInspectorWiring.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLogTableView.h"
 #include "ZELKLWCWelcomeController.h"
-#include "ZELKHelpMenu.h"
 #include "ZELKMainMenu.h"
 #include "ZELKMessage.h"
 #include "ZELKPrintActions.h"
@@ -201,7 +201,8 @@ void ZELKLWCMainWindowController::showEmptyPage()
         showPageOfEmptyLog();
 }
 
-/// What starts the recording is told by the welcome, and stands in the tool bar.
+/// What starts the recording is told by the welcome, and stands in the tool bar; who is not sure yet may look
+/// at a made-up log.
 void ZELKLWCMainWindowController::showPageOfEmptyLog()
 {
     const ZELKAgentController &agent = m_wiring.agentController();
@@ -212,7 +213,8 @@ void ZELKLWCMainWindowController::showPageOfEmptyLog()
     else if (!m_wiring.settings().knowsAgent())
         m_emptyPage->show({symbol, text("empty.profile"), text("empty.profile.hint")});
     else if (!agent.installed())
-        m_emptyPage->show({symbol, text("empty"), text("empty.hint")});
+        m_emptyPage->show(
+            {symbol, text("empty"), text("empty.hint"), outlet<QAction>("actionOpenSampleLog")});
     else if (agent.enabled())
         m_emptyPage->show({symbol, text("empty.recording"), text("empty.recording.hint")});
     else

@@ -72,6 +72,8 @@ void ZELKStatusLine::follow()
 {
     const auto changed = [this] { zelkGuard([this] { updateState(); }); };
     connect(&m_wiring.agentController(), &ZELKAgentController::stateChanged, this, changed);
+    connect(&m_wiring.agentController(), &ZELKAgentController::enabledChanged, this,
+            changed); // comes after it
     connect(&m_wiring.agentController(), &ZELKAgentController::agentVersionChanged, this, changed);
     connect(&m_wiring.log(), &ZELKLWCLog::visibleEntriesDidChange, this,
             [this] { zelkGuard([this] { updateCount(); }); });

@@ -1718,7 +1718,7 @@ The exit status is 0, 1 when something failed, and 2 when the command line was w
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.hint</source>
-        <translation>Each sleep, wake, start and change of power will be listed here.</translation>
+        <translation>Each sleep, wake, start and change of power will be listed here. A sample shows how that looks.</translation>
     </message>
     <message>
         <source>ZELKLWCMainWindowController.empty.silent.hint</source>

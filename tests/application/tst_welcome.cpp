@@ -92,7 +92,9 @@ private Q_SLOTS:
         QCOMPARE(pages.currentIndex(), 1);
         QCOMPARE(session.text("emptyLabel"), headline);
         QVERIFY2(session.text("emptyHint").startsWith(hint), qPrintable(session.text("emptyHint")));
-        QVERIFY(!session.find<QPushButton>("emptyButton").isVisible());
+        const auto &sample = session.find<QPushButton>("emptyButton");
+        QCOMPARE(sample.isVisible() ? sample.text() : QString(),
+                 hint == u"Each sleep,"_s ? u"Open Sample Log"_s : QString());
         QCOMPARE(session.find<QWidget>("failure").isVisible(),
                  !isReadable || agent == Agent::Works || agent == Agent::Silent);
         session.add(1);

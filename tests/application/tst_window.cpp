@@ -111,6 +111,8 @@ private Q_SLOTS:
         QCOMPARE(fixture.workspace->launches, QStringList{u"org.zelk.lullwatch.agent"_s});
         fixture.letAgentRun(true);
         QTRY_COMPARE(session.text("stateLabel"), u"Recording in this session"_s);
+        QCOMPARE(session.find<QLabel>("stateLabel").toolTip(), // nothing is amiss
+                 Qt::convertFromPlainText(u"Recording agent, version 1"_s));
         QCOMPARE(button.text(), u"Stop Recording"_s);
         session.find<QAction>("actionStartStop").trigger();
         QCOMPARE(fixture.workspace->terminations, 1);
