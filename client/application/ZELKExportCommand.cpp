@@ -138,7 +138,7 @@ bool ZELKExportCommand::carryOut(ZELKFileExport &work)
     while (state == State::Producing || state == State::Placing) {
         state = work.advance(sliceMilliseconds);
         QCoreApplication::processEvents();
-        if (m_isCancelled && state == State::Producing)
+        if (m_isCancelled && work.canBeCancelled() && state < State::Done)
             break;
         if (timer.hasExpired(patience))
             showProgress(work.fraction());

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "ZELKStagedFile.h"
+
 #include <QIODevice>
 #include <QString>
 
 #include <cstdint>
 
-/// A file that is exported to. What is written to the device goes to a file without a name, which nobody sees
-/// and which is gone when the object is, or the program; only once it is whole, place() puts it where it was
-/// to go:
+/// A file that is exported to. What is written to the device goes to a staged file, which nobody sees; only
+/// once it is whole, place() puts it where it was to go:
 ///
 /// - where there is no file yet, under its name, in one step;
 /// - into a file that is there, in place, so that it keeps its owner, its permissions and its links. First it
@@ -25,6 +26,7 @@ public:
     /// `descriptor` is not owned, and `name` is what it is told of as. A reader that has gone away has seen
     /// what it wanted; SIGPIPE must be ignored.
     ZELKExportFile(int descriptor, const QString &name);
+    /// A file that is new and not whole goes; one whose old content is lost already is written to its end.
     ~ZELKExportFile() override;
 
     /// Begins. False also where it can be seen already that there is no writing to the path.
@@ -32,6 +34,8 @@ public:
     /// Brings the next some megabytes of what was written to their place.
     Placing place();
     double placedFraction() const;
+    /// Whether an old file's content is being lost.
+    bool isReplacing() const { return m_target >= 0 && m_isOurTarget && m_exists; }
 
     const QString &path() const { return m_path; }
     /// Of the first thing that failed; 0 while nothing has.
@@ -48,17 +52,17 @@ protected:
 private:
     bool checkPath();
     bool openStaging();
-    bool giveName() const;
     bool openTarget();
+    bool copyPiece();
     bool makeRoom(qint64 oldSize);
     bool finishTarget();
     void dropTarget();
     bool fail();
 
     QString m_path;
-    int m_staging = -1;
+    ZELKStagedFile m_staging;
     qint64 m_size = 0;
-    bool m_isBeside = false; // the file without a name can have the target's
+    bool m_isBeside = false; // the staged file can have the target's name
     bool m_exists = false;
     int m_target = -1;
     bool m_isOurTarget = true;

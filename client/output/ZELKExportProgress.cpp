@@ -50,7 +50,7 @@ void ZELKExportProgress::advance()
         return end(false);
     if (m_sheet) {
         m_sheet->setFraction(m_work->fraction());
-        m_sheet->setCancellable(state == ZELKFileExport::State::Producing);
+        m_sheet->setCancellable(m_work->canBeCancelled());
     }
 }
 

@@ -6,13 +6,13 @@
 #include <memory>
 
 /// One export to a file, in slices between which its owner does what else there is to do. Who destroys it
-/// before it is done has cancelled it; then the file is as it was.
+/// before it is done has cancelled it; then the file is as it was, unless canBeCancelled() said no.
 class ZELKFileExport
 {
 public:
     enum class State : std::uint8_t {
         Producing,
-        Placing, ///< a file that was there is being replaced: ending it now costs that file
+        Placing, ///< what is whole comes to its place
         Done,
         Failed ///< error() says why
     };
@@ -22,6 +22,8 @@ public:
     /// Goes on for about so long; one piece at least.
     State advance(int milliseconds);
     State state() const { return m_state; }
+    /// Not while a file that was there is being written over.
+    bool canBeCancelled() const { return !m_file->isReplacing(); }
     /// How far it is, from 0 to 1.
     double fraction() const;
     const QString &path() const { return m_file->path(); }

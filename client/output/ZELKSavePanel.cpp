@@ -56,8 +56,12 @@ QString ZELKSavePanel::fileName() const
 
 void ZELKSavePanel::setFileName(const QString &name)
 {
-    if (QLineEdit *field = nameField(*this))
-        field->setText(name);
+    QLineEdit *field = nameField(*this);
+    if (!field)
+        return;
+    field->setText(name);
+    const qsizetype point = name.lastIndexOf(QLatin1Char('.') + m_suffix);
+    field->setSelection(0, int(m_suffix.isEmpty() || point < 0 ? name.size() : point));
 }
 
 void ZELKSavePanel::setRequiredFileType(const QString &suffix)

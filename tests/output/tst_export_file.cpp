@@ -132,8 +132,11 @@ private Q_SLOTS:
                 cancelled.advance(0);
         }
         QCOMPARE(readFile(path("old")), old);
-        ZELKFileExport work = exportOf(bytes(after), path("link"));
-        QCOMPARE(carryOut(work), State::Done);
+        {
+            ZELKFileExport work = exportOf(bytes(after), path("link"));
+            while (work.canBeCancelled() && work.advance(0) < State::Done)
+                continue; // the rest is done when it goes
+        }
         QCOMPARE(readFile(path("other name")), bytes(after));
         QCOMPARE(statusOf(path("link")).st_ino, inode);
         QCOMPARE(statusOf(path("link")).st_mode & 0777, 0640u);
