@@ -29,8 +29,9 @@ private Q_SLOTS:
         session.press(Qt::Key_I, Qt::ControlModifier);
         QVERIFY(!isVisible());
         QCOMPARE(action.text(), u"Show &Inspector"_s);
-        QTest::mouseDClick(table.viewport(), Qt::LeftButton, {},
-                           table.visualRect(table.indexAt({200, 5})).center());
+        const QPoint first = table.visualRect(table.indexAt({200, 5})).center();
+        QTest::mouseClick(table.viewport(), Qt::LeftButton, {}, first);
+        QTest::mouseDClick(table.viewport(), Qt::LeftButton, {}, first);
         QVERIFY(isVisible());
         session.table().setFilterString(u"noon"_s);
         session.table().filter();
