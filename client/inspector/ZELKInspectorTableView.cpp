@@ -17,7 +17,8 @@ namespace {
 
 constexpr double keyPart = 38.0; // of the width, in hundredths
 constexpr double cellPadding = 2.0;
-constexpr int longestFigure = 9; // characters
+constexpr double hangingIndent = 12.0; // of what takes several lines in a list
+constexpr int longestFigure = 9;       // characters
 
 struct Row
 {
@@ -45,10 +46,8 @@ double ascentOf(const ZELKAttributedString &text)
 }
 
 void insert(QTextCursor cursor, const ZELKAttributedString &text, const ZELKTextColours &colours,
-            Qt::Alignment alignment)
+            const QTextBlockFormat &format)
 {
-    QTextBlockFormat format;
-    format.setAlignment(alignment);
     cursor.setBlockFormat(format);
     qsizetype start = 0;
     for (const ZELKAttributedString::Run &run : text.runs()) {
@@ -119,7 +118,9 @@ private:
                    double ascent) const
     {
         QTextTableCell cell = m_table->cellAt(row, column);
-        insert(cell.firstCursorPosition(), text, m_colours, alignment);
+        QTextBlockFormat lines;
+        lines.setAlignment(alignment);
+        insert(cell.firstCursorPosition(), text, m_colours, lines);
         QTextTableCellFormat format = cell.format().toTableCellFormat();
         format.setPadding(cellPadding);
         if (text.isEmpty())
@@ -137,10 +138,15 @@ private:
 
 void insertList(QTextCursor cursor, const Rows &rows, const ZELKTextColours &colours)
 {
+    QTextBlockFormat format;
+    format.setTopMargin(cellPadding);
+    format.setBottomMargin(cellPadding);
+    format.setLeftMargin(hangingIndent);
+    format.setTextIndent(-hangingIndent);
     for (std::size_t i = 0; i < rows.size(); ++i) {
         if (i > 0)
             cursor.insertBlock();
-        insert(cursor, rows[i].value.text, colours, Qt::AlignLeft);
+        insert(cursor, rows[i].value.text, colours, format);
         cursor.movePosition(QTextCursor::End);
     }
 }
