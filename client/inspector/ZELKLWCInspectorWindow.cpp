@@ -10,6 +10,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStyle>
+#include <QWindow>
 
 #include <algorithm>
 
@@ -108,14 +109,20 @@ ZELKUprightRect ZELKLWCInspectorWindow::screenRect() const
     return upright(found->availableGeometry().marginsRemoved(around));
 }
 
+/// A window that is not seen yet may be anywhere when it is; then the screen's corner is a good place.
+void ZELKLWCInspectorWindow::placeFirst(const QSizeF &size)
+{
+    m_hasPlace = true;
+    const QWidget &window = *parentWidget()->window();
+    const ZELKUprightRect available = upright(window.screen()->availableGeometry());
+    const bool isSeen = window.windowHandle() && window.windowHandle()->isExposed();
+    place(ZELKPanelFit::beside(isSeen ? upright(window.frameGeometry()) : available, size, available));
+}
+
 void ZELKLWCInspectorWindow::fitContent(const QSizeF &size)
 {
-    if (!m_hasPlace && parentWidget()) {
-        m_hasPlace = true;
-        const QWidget &window = *parentWidget()->window();
-        const QScreen *its = window.screen();
-        place(ZELKPanelFit::beside(upright(window.frameGeometry()), size, upright(its->availableGeometry())));
-    }
+    if (!m_hasPlace && parentWidget())
+        placeFirst(size);
     const ZELKUprightRect before = frame();
     const QSizeF content(before.width, before.height);
     const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);

@@ -57,6 +57,7 @@ protected:
 
 private:
     void place(const ZELKUprightRect &frame);
+    void placeFirst(const QSizeF &size);
     ZELKUprightRect screenRect() const;
     QScrollArea *scrollArea() const;
 
