@@ -29,6 +29,14 @@ QString safeLine(const QString &text)
     return line;
 }
 
+/// Marks can be piled up on a letter over the whole page.
+bool hasMarks(const QString &text)
+{
+    return std::any_of(text.cbegin(), text.cend(), [](QChar character) {
+        return character.category() == QChar::Mark_NonSpacing || character.isSurrogate();
+    });
+}
+
 /// What is written for a dark window may be too light for paper.
 QColor onPaper(const ZELKTextColour &colour)
 {
@@ -96,6 +104,8 @@ void ZELKPaperText::draw(QPainter &painter, const QRectF &rect, const ZELKAttrib
     const double above = (rect.height() - font.lineHeight()) / 2.0 + font.ascent();
     line.setPosition({0.0, above * dots - line.ascent()});
     painter.save();
+    if (hasMarks(layout.text()))
+        painter.setClipRect(rect, Qt::IntersectClip);
     painter.translate(rect.topLeft());
     painter.scale(1.0 / dots, 1.0 / dots);
     layout.draw(&painter, {});
