@@ -18,7 +18,7 @@ ZELKInspectorWiring::ZELKInspectorWiring(QMainWindow &window, ZELKApplicationWir
     , m_window(window)
     , m_table(table.controller())
     , m_view(table.view())
-    , m_controller({wiring.dateRange(), table.controller(), wiring.defaults(), m_queue, window})
+    , m_controller({wiring.dateRange(), table.controller(), wiring.log(), wiring.defaults(), m_queue, window})
     , m_action(ZELKMainWindowInterface::outlet<QAction>(window, "actionInspector"))
 {
     m_controller.awakeFromNib();

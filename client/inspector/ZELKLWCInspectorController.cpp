@@ -8,6 +8,7 @@
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCDateRangeController.h"
 #include "ZELKLWCInspectorWindow.h"
+#include "ZELKLWCLog.h"
 #include "ZELKLWCLogTableController.h"
 #include "ZELKNotificationQueue.h"
 #include "ZELKUserDefaults.h"
@@ -44,12 +45,11 @@ ZELKLWCInspectorController::ZELKLWCInspectorController(const Outlets &outlets, Q
 {
 }
 
-/// What happens to the panel from here on is not the user's doing.
+/// The panel that goes with the program is not hidden: it will be back.
 ZELKLWCInspectorController::~ZELKLWCInspectorController()
 {
     if (!m_inspectorWindow)
         return;
-    disconnect(m_inspectorWindow, nullptr, this, nullptr);
     zelkGuard([this] { saveFrame(); });
     m_subViewControllers.clear();
     delete m_inspectorWindow;
@@ -73,8 +73,8 @@ void ZELKLWCInspectorController::awakeFromNib()
     });
     connect(&m_outlets.dateRange, &ZELKLWCDateRangeController::absoluteDurationChanged, this, changed);
     connect(&table, &ZELKLWCLogTableController::selectionDidChange, this, changed);
-    connect(&model, &QAbstractItemModel::rowsInserted, this, changed);
-    connect(&model, &QAbstractItemModel::rowsRemoved, this, changed);
+    // Rows come and go with these, and what is listed already may be repeated.
+    connect(&m_outlets.log, &ZELKLWCLog::visibleEntriesDidChange, this, changed);
     connect(&model, &ZELKLWCLogTableModel::didRearrange, this, changed);
 }
 

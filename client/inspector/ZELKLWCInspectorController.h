@@ -9,6 +9,7 @@
 
 class ZELKLWCDateRangeController;
 class ZELKLWCInspectorWindow;
+class ZELKLWCLog;
 class ZELKLWCLogTableController;
 class ZELKNotificationQueue;
 class ZELKUserDefaults;
@@ -33,6 +34,7 @@ public:
     {
         ZELKLWCDateRangeController &dateRange;
         ZELKLWCLogTableController &tableController;
+        ZELKLWCLog &log;
         ZELKUserDefaults &defaults;
         ZELKNotificationQueue &queue;
         QWidget &window; ///< over which the panel floats; it owns the panel

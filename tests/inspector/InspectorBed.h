@@ -30,7 +30,7 @@ struct InspectorBed : Table
     {
         inspector.reset();
         inspector = std::make_unique<ZELKLWCInspectorController>(
-            ZELKLWCInspectorController::Outlets{range, controller, defaults, panelQueue, window});
+            ZELKLWCInspectorController::Outlets{range, controller, log, defaults, panelQueue, window});
         inspector->awakeFromNib();
         QObject::connect(inspector.get(), &ZELKLWCInspectorController::didUpdateContents, &window,
                          [this] { ++updates; });
@@ -46,28 +46,34 @@ struct InspectorBed : Table
                 {ZELKPropertyPowerSourceState, QString(ZELKPowerSourceBattery)},
                 {ZELKPropertyTimeToEmpty, qlonglong(90)}};
     }
+    static ZELKRawEvent battery(double date, int percentage)
+    {
+        return ZELKMakeRawEvent(ZELKDate(date), ZELKEventPowerStateChanged, ZELKMonitorPowerSource,
+                                ZELKPropertiesText(reading(percentage)));
+    }
     /// Each day: reading, its duplicate, reading, veto of two processes, sleep, wake, reading.
     static QList<ZELKRawEvent> events(int days)
     {
         QList<ZELKRawEvent> events;
         const auto add = [&](double hour, QLatin1String name, const ZELKDictionary &properties = {}) {
-            const bool isReading = name == ZELKEventPowerStateChanged;
-            events.append(ZELKMakeRawEvent(ZELKDate(start + hour * 3600.0), name,
-                                           isReading ? ZELKMonitorPowerSource : ZELKMonitorPowerEvents,
+            events.append(ZELKMakeRawEvent(ZELKDate(start + hour * 3600.0), name, ZELKMonitorPowerEvents,
                                            properties.isEmpty() ? QString(ZELKEventNoProperties)
                                                                 : ZELKPropertiesText(properties)));
         };
+        const auto read = [&](double hour, int percentage) {
+            events.append(battery(start + hour * 3600.0, percentage));
+        };
         for (int i = 0; i < days; ++i) {
             const double morning = 24.0 * i + 8.0;
-            add(morning, ZELKEventPowerStateChanged, reading(90));
-            add(morning + 0.5, ZELKEventPowerStateChanged, reading(90));
-            add(morning + 1.0, ZELKEventPowerStateChanged, reading(80));
+            read(morning, 90);
+            read(morning + 0.5, 90);
+            read(morning + 1.0, 80);
             add(morning + 2.0, ZELKEventSystemWillNotSleep,
                 {{ZELKPropertyIdleSeconds, qlonglong(900)},
                  {ZELKPropertyProcesses, QVariantList{u"one (1)"_s, u"two (2)"_s}}});
             add(morning + 3.0, ZELKEventSystemWillSleep);
             add(morning + 9.0, ZELKEventSystemHasPoweredOn);
-            add(morning + 9.1, ZELKEventPowerStateChanged, reading(77));
+            read(morning + 9.1, 77);
         }
         return events;
     }
