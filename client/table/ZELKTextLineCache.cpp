@@ -104,9 +104,8 @@ const ZELKTextLineCache::Line &ZELKTextLineCache::line(const Key &key)
 {
     if (const Line *known = m_lines.object(key))
         return *known;
-    auto *fresh = new Line(laidOut(key)); // the cache's from here on
-    m_lines.insert(key, fresh);
-    return *fresh;
+    m_lines.insert(key, new Line(laidOut(key)));
+    return *m_lines.object(key);
 }
 
 ZELKTextLineCache::Line ZELKTextLineCache::laidOut(const Key &key) const

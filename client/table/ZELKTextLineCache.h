@@ -12,8 +12,8 @@ class QPainter;
 class ZELKAttributedString;
 struct ZELKTextColours;
 
-/// Draws texts as ZELKTextLines does, to the pixel, and remembers where the characters of the last few
-/// hundred stood: laying a line out takes several times as long as drawing it.
+/// Draws texts as ZELKTextLines does, to the pixel, and remembers where the characters of the last ones
+/// stood: laying a line out takes several times as long as drawing it.
 ///
 /// It knows lines of one look, as a column of a table has them; with the first text of another look it begins
 /// anew. Texts of several paragraphs or looks, and those with characters that are not drawn as they are, it
@@ -61,5 +61,6 @@ private:
     Line laidOut(const Key &key) const;
 
     Look m_look;
-    QCache<Key, Line> m_lines{300};
+    /// As many as no screen has rows; each takes some 1 kB.
+    QCache<Key, Line> m_lines{150};
 };
