@@ -2025,7 +2025,7 @@ and what it cost the battery.</translation>
     <name>ZELKApplicationExtras</name>
     <message>
         <source>ZELKApplicationExtras.checkForUpdates</source>
-        <translation>Check for &amp;Updates…</translation>
+        <translation>&amp;Check for Updates…</translation>
     </message>
     <message>
         <source>ZELKApplicationExtras.checkForUpdates.toolTip</source>
