@@ -323,7 +323,7 @@ private Q_SLOTS:
         const Session session(fixture);
         checkMnemonics(session.window.menuBar()->actions(), u"menu bar"_s);
         for (const QMenu *menu : session.window.findChildren<QMenu *>())
-            if (menu->objectName() != u"contextMenu"_s)
+            if (menu->objectName().endsWith("Menu"_L1) && menu->objectName() != u"contextMenu"_s)
                 checkMnemonics(menu->actions(), menu->objectName());
         QHash<QKeySequence, QString> shortcuts;
         for (const QAction *action : session.window.findChildren<QAction *>())
