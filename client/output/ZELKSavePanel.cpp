@@ -43,7 +43,6 @@ void ZELKSavePanel::setAccessoryView(QWidget *view)
     int rows = 0;
     int columns = 0;
     grid->getItemPosition(grid->indexOf(types), &row, &column, &rows, &columns);
-    m_accessoryView = view;
     grid->addWidget(view, row, 0, 1, 2);
     view->show();
 }
@@ -71,7 +70,7 @@ void ZELKSavePanel::setRequiredFileType(const QString &suffix)
         name.chop(m_suffix.size() + 1);
     m_suffix = suffix;
     setDefaultSuffix(suffix);
-    setNameFilter(QStringLiteral("*.") + suffix);
+    setNameFilter(suffix.isEmpty() ? QStringLiteral("*") : QStringLiteral("*.") + suffix);
     setFileName(withSuffix(name));
 }
 

@@ -13,7 +13,7 @@ class ZELKSavePanel : public QFileDialog
 public:
     explicit ZELKSavePanel(QWidget *window);
 
-    /// Not owned: it is given back to nobody before the panel goes.
+    /// Becomes a child of the panel until its owner takes it out again.
     void setAccessoryView(QWidget *view);
 
     /// Without the point. A name that had the former one gets the new one in its place.
@@ -33,5 +33,4 @@ private:
     QString withSuffix(const QString &name) const;
 
     QString m_suffix;
-    QWidget *m_accessoryView = nullptr;
 };
