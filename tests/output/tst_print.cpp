@@ -176,29 +176,17 @@ private Q_SLOTS:
     void theResolutionChangesNothing()
     {
         PrintFixture bed(80);
-        QList<std::pair<QString, QRectF>> words;
-        QImage picture;
+        QImage first;
         for (const int resolution : {1200, 600, 72}) {
             bed.printer.setResolution(resolution);
             QCOMPARE(bed.print(bed.report()), State::Done);
-            const auto now = wordsOfFirstPage(bed.file());
             const QImage image = pictureOfFirstPage(bed.file());
-            if (resolution == 1200) {
-                words = now;
-                picture = image;
-            }
-            QCOMPARE(now.size(), words.size());
-            for (qsizetype i = 0; i < now.size(); ++i) {
-                const QRectF a = now.at(i).second;
-                const QRectF b = words.at(i).second;
-                QCOMPARE(now.at(i).first, words.at(i).first);
-                QVERIFY(QPointF(a.topLeft() - b.topLeft()).manhattanLength() < 0.1);
-                QVERIFY(QPointF(a.bottomRight() - b.bottomRight()).manhattanLength() < 0.1);
-            }
+            first = first.isNull() ? image : first;
+            QCOMPARE(image.size(), first.size());
             int different = 0;
             for (int y = 0; y < image.height(); ++y)
                 for (int x = 0; x < image.width(); ++x)
-                    different += std::abs(qGray(image.pixel(x, y)) - qGray(picture.pixel(x, y))) > 64;
+                    different += std::abs(qGray(image.pixel(x, y)) - qGray(first.pixel(x, y))) > 64;
             QVERIFY2(different < 200, qPrintable(QString::number(different)));
         }
     }
@@ -208,7 +196,6 @@ private Q_SLOTS:
         // In the first of two columns; the report is 451 points wide and begins at 72.
         NamedRows<QString, double, Qt::Alignment, bool, QString, double> row(
             "text", "width", "alignment", "isIdentified", "shown", "secondX");
-        const QString identified = u"date"_s;
         row("shares", u"left"_s, 499.0, Qt::AlignLeft, true, u"left"_s, 72.0 + 451.0 / 2.004);
         row("a narrow column", u"left"_s, 1.0, Qt::AlignLeft, true, u"left"_s, 72.0 + 451.0 * 0.3);
         row("first line only", u"one\ntwo"_s, 499.0, Qt::AlignLeft, true, u"one"_s, 0.0);
@@ -264,7 +251,9 @@ private Q_SLOTS:
         yellow.colour = ZELKTextColour::rgb(255, 255, 128);
         const StubFormatter light(u"████████"_s, yellow);
         auto report = bed.report(u"████"_s);
-        report->setColumns({{u"event"_s, u"████"_s, 100.0, Qt::AlignLeft, &light}});
+        const StubFormatter pile(u"x"_s + QString(400, QChar(0x0301)));
+        report->setColumns({{u"event"_s, u"████"_s, 100.0, Qt::AlignLeft, &light},
+                            {u"event"_s, {}, 100.0, Qt::AlignLeft, &pile}});
         QImage image(595, 842, QImage::Format_RGB32);
         image.fill(Qt::white);
         QPainter painter(&image);
@@ -280,6 +269,10 @@ private Q_SLOTS:
         QVERIFY(ruleLight < 255 && ruleLight >= QColor(Qt::lightGray).lightness());
         QVERIFY(at(90.0, rowMiddle).lightness() < 100);
         QVERIFY(at(90.0, rowMiddle).hsvSaturation() > 50); // still yellow
+        const QImage above = image.copy(280, 0, 60, qRound(rowMiddle - report->layout().heights.row));
+        QImage white(above.size(), above.format());
+        white.fill(Qt::white);
+        QCOMPARE(above, white); // marks stay in their row
     }
 
     void aPageCostsItsOwnRowsAlone()
