@@ -251,7 +251,7 @@ private Q_SLOTS:
         yellow.colour = ZELKTextColour::rgb(255, 255, 128);
         const StubFormatter light(u"████████"_s, yellow);
         auto report = bed.report(u"████"_s);
-        const StubFormatter pile(u"x"_s + QString(400, QChar(0x0301)));
+        const StubFormatter pile(u"a"_s + QString(900, QChar(0x0301)));
         report->setColumns({{u"event"_s, u"████"_s, 100.0, Qt::AlignLeft, &light},
                             {u"event"_s, {}, 100.0, Qt::AlignLeft, &pile}});
         QImage image(595, 842, QImage::Format_RGB32);
