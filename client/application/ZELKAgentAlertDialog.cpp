@@ -87,7 +87,6 @@ void ZELKAgentAlertDialog::addButtons(const ZELKAgentAlert &alert, QGridLayout &
     layout.addLayout(row, ButtonsRow, IconColumn, 1, 2);
     row->setSpacing(fontMetrics().height() / 2);
     row->setContentsMargins(0, fontMetrics().height() / 2, 0, 0);
-    addHelpButton(alert.helpAnchor, *row);
     row->addStretch(1);
     for (const QString &title : alert.buttons) {
         if (title.isEmpty())
@@ -98,6 +97,7 @@ void ZELKAgentAlertDialog::addButtons(const ZELKAgentAlert &alert, QGridLayout &
         row->addWidget(button);
         m_buttons.append(button);
     }
+    addHelpButton(alert.helpAnchor, *row);
 }
 
 void ZELKAgentAlertDialog::addHelpButton(const QString &anchor, QHBoxLayout &row)
@@ -112,7 +112,7 @@ void ZELKAgentAlertDialog::addHelpButton(const QString &anchor, QHBoxLayout &row
     button->setShortcut(QKeySequence(QKeySequence::HelpContents));
     connect(button, &QPushButton::clicked, this,
             [this, anchor] { zelkGuard([&] { Q_EMIT helpRequested(anchor); }); });
-    row.addWidget(button);
+    row.insertWidget(0, button); // apart from those that answer
 }
 
 /// Where nothing can be installed, Return does what still can be done.

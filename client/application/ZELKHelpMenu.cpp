@@ -112,7 +112,9 @@ void ZELKHelpMenu::connectExtras()
 {
     m_extras = std::make_shared<ZELKApplicationExtras>(extrasWorld(m_wiring), m_wiring.defaults());
     m_wiring.delegate().setApplicationExtras(m_extras);
-    m_extras->insertItems(*ZELKMainWindowInterface::outlet<QMenu>(m_window, "helpMenu"), m_window);
+    auto *menu = ZELKMainWindowInterface::outlet<QMenu>(m_window, "helpMenu");
+    menu->setToolTipsVisible(true); // one says why reports cannot be sent
+    m_extras->insertItems(*menu, m_window);
     onTriggered(action("actionAbout"), [this] { m_extras->orderFrontAboutPanel(m_window); });
     onTriggered(action("actionAboutQt"), [] { QApplication::aboutQt(); });
 }

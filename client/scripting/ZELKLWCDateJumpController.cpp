@@ -10,6 +10,7 @@
 #include <QCalendarWidget>
 #include <QDateEdit>
 #include <QDialog>
+#include <QTextCharFormat>
 
 #include <utility>
 
@@ -52,6 +53,8 @@ ZELKLWCDateJumpController::ZELKLWCDateJumpController(QWidget &window, const ZELK
     m_date->setDisplayFormat(locale.dateFormat(QLocale::ShortFormat));
     m_calendar->setLocale(locale);
     m_calendar->setFirstDayOfWeek(locale.firstDayOfWeek());
+    for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday}) // whose red cannot be read on dark
+        m_calendar->setWeekdayTextFormat(day, {});
     connect(m_calendar, &QCalendarWidget::clicked, m_date, &QDateEdit::setDate);
     connect(m_calendar, &QCalendarWidget::selectionChanged, m_date,
             [this] { m_date->setDate(m_calendar->selectedDate()); });

@@ -21,6 +21,8 @@
 
 namespace {
 
+constexpr int leastLines = 8; // of what is told, whatever the font
+
 QString className()
 {
     return QStringLiteral("ZELKFeedbackController");
@@ -93,6 +95,7 @@ void ZELKFeedbackController::loadView()
                  outlet<QLabel>(*root, "progressStatus")};
     m_sheet = static_cast<QDialog *>(root.release());
     connectView();
+    m_outlets.detailView->setMinimumHeight(m_outlets.detailView->fontMetrics().lineSpacing() * leastLines);
     m_outlets.nameField->setText(usersName());
     m_outlets.emailField->setText(usersEmail());
 }

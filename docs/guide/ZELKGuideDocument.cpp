@@ -10,6 +10,7 @@
 namespace {
 
 constexpr int pointsPerInch = 72;
+constexpr qreal spaceAround = 4;   // what a cell or a listing has below its text
 constexpr int dotsPerMetre = 2835; // as many an inch
 // A4 in points, with what stays free at each side.
 constexpr QSizeF paper(595, 842);
@@ -40,7 +41,6 @@ ZELKGuideDocument::ZELKGuideDocument(const QString &html, const QMap<QString, QI
 {
     m_document.setDefaultStyleSheet(style);
     m_document.setDocumentMargin(0);
-    m_document.setPageSize(page().size());
     m_ruler.setDotsPerMeterX(dotsPerMetre);
     m_ruler.setDotsPerMeterY(dotsPerMetre);
 }
@@ -52,6 +52,8 @@ void ZELKGuideDocument::layOut(const QString &html)
     for (auto picture = m_pictures.begin(); picture != m_pictures.end(); ++picture)
         m_document.addResource(QTextDocument::ImageResource, QUrl(picture.key()), *picture);
     m_document.setHtml(html);
+    m_document.setTextWidth(page().width());
+    m_pages = ZELKGuidePages::of(m_document, page().height());
 }
 
 /// A line for each heading with the page that it stands on.
@@ -64,7 +66,7 @@ QStringList ZELKGuideDocument::contents() const
         const qreal top = m_document.documentLayout()->blockBoundingRect(block).top();
         lines.append(QStringLiteral("<tr><td>%1</td><td align=\"right\">%2</td></tr>")
                          .arg(block.text().toHtmlEscaped())
-                         .arg(int(top / m_document.pageSize().height()) + 1));
+                         .arg(m_pages.pageAt(top) + 1));
     }
     return lines;
 }
@@ -88,7 +90,7 @@ bool ZELKGuideDocument::write(const QString &path)
     layOut(m_html);
     layOut(withContents(contents()));
     layOut(withContents(contents()));
-    for (int number = 0; number < m_document.pageCount(); ++number) {
+    for (int number = 0; number < m_pages.pages.size(); ++number) {
         if (number > 0)
             writer.newPage();
         drawPage(painter, number);
@@ -100,9 +102,10 @@ void ZELKGuideDocument::drawPage(QPainter &painter, int number) const
 {
     const QRectF area = page();
     painter.save();
-    painter.translate(area.left(), area.top() - number * area.height());
+    const auto [top, bottom] = m_pages.pages[number];
+    painter.translate(area.left(), area.top() - top);
     QAbstractTextDocumentLayout::PaintContext context;
-    context.clip = QRectF(0, number * area.height(), area.width(), area.height());
+    context.clip = QRectF(0, top - 1, area.width(), bottom - top + spaceAround);
     context.palette.setColor(QPalette::Text, QColor(0x22, 0x22, 0x22));
     painter.setClipRect(context.clip);
     m_document.documentLayout()->draw(&painter, context);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ZELKGuidePages.h"
+
 #include <QImage>
 #include <QMap>
 #include <QString>
@@ -29,4 +31,5 @@ private:
     QMap<QString, QImage> m_pictures;
     QImage m_ruler{1, 1, QImage::Format_RGB32}; // says how large a point is, whatever the screen has
     QTextDocument m_document;
+    ZELKGuidePages m_pages;
 };

@@ -961,7 +961,16 @@ agent:
   remove             ends it and takes away what was installed; what it has recorded stays
   update             replaces it by the agent of this application, in the form that it has
 
-The exit status is 0, 1 when something failed, and 2 when the command line was wrong.
+Examples:
+  lullwatch list --range yesterday            what happened yesterday
+  lullwatch stats last-month                  how long it was asleep last month, and what that cost
+  lullwatch stats --from 2026-11-01 --format json | jq .
+  lullwatch export --output week.png --width 1600 last-week
+  lullwatch agent install --as user           record from now on, whenever you are logged in
+  lullwatch --sample                          look around in a full window
+
+The exit status is 0, 1 when something failed, and 2 when the command line was wrong. More stands in lullwatch(1), and
+in the user guide (Help in the window).
 </translation>
     </message>
     <message>

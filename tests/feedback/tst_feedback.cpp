@@ -224,6 +224,8 @@ void FeedbackTest::nothingGoesWithoutAClick()
     Bed bed;
     bed.open();
     bed.find<QPlainTextEdit>("detailView").setPlainText(u"secret"_s);
+    QTest::keyClick(&bed.find<QLineEdit>("nameField"), Qt::Key_Return);
+    QVERIFY(!bed.isSending());
     bed.find<QPushButton>("cancelButton").click();
     bed.controller.reset();
     QCoreApplication::processEvents();
