@@ -17,6 +17,8 @@
 #include <QLayout>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace {
 
 const QString className = QStringLiteral("ZELKLWCPrintableReportView");
@@ -188,10 +190,13 @@ void ZELKLWCPrintableReportView::drawPageHeader(const Canvas &canvas, qint64 pag
                             field->alignment());
 }
 
-/// In the room that the page header leaves at its foot.
+/// In the room that the page header leaves at its foot, a little above the first row where they fit so.
 void ZELKLWCPrintableReportView::drawColumnHeadings(const Canvas &canvas, double y) const
 {
-    const double bottom = y + m_layout.heights.titleRow;
+    const double most = m_layout.heights.titleRow / 4.0;
+    const double room = m_pageHeaderView->layout()->contentsMargins().bottom() + most;
+    const double gap = std::clamp(room - m_headingFont.lineHeight(), 0.0, most);
+    const double bottom = y + m_layout.heights.titleRow - most + gap;
     double x = m_layout.printableArea.x();
     for (const ZELKReportColumn &column : m_columns) {
         const double width = column.cellWidth(m_tableWidth, m_layout.printableArea.width());
