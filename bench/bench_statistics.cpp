@@ -7,18 +7,42 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+
 namespace {
 
 using Selection = ZELKLWCLogEntrySelection;
 
 constexpr int entryCount = 1000000;
 
-Selection::Entries firstEntries(ZELKLWCLog &log)
+/// As a table gives them out: all, as they are; with the latest first; all but one; without those that an
+/// idle computer leaves, which a filter hides; and in the order of their summaries.
+enum class Order { Ascending, Descending, Picked, Filtered, BySummary };
+
+bool isShown(const ZELKLWCLogEntry &entry, Order order)
+{
+    return order != Order::Filtered || entry.kind() != ZELKEntryKind::IdleSleep;
+}
+
+/// A million of them, whatever is left out.
+Selection::Entries selectedEntries(ZELKLWCLog &log, Order order)
 {
     ZELKEventGenerator generator;
-    while (log.count() < entryCount)
-        log.addExternalEntries(generator.next(10000));
-    return log.entry().mid(0, entryCount);
+    Selection::Entries entries;
+    for (int i = 0; entries.size() < entryCount; ++i) {
+        if (i == log.count())
+            log.addExternalEntries(generator.next(10000));
+        if (isShown(*log.objectAtIndex(i), order))
+            entries.append(log.objectAtIndex(i));
+    }
+    if (order == Order::Descending)
+        std::reverse(entries.begin(), entries.end());
+    if (order == Order::Picked)
+        entries.removeAt(1000);
+    if (order == Order::BySummary)
+        std::stable_sort(entries.begin(), entries.end(),
+                         [](const auto *a, const auto *b) { return a->summaryId() < b->summaryId(); });
+    return entries;
 }
 
 /// Date, state word, power source and percentage of each entry, as numbers.
@@ -35,12 +59,10 @@ double plainPass(const Selection::Entries &entries)
     return sum;
 }
 
-void statistics(benchmark::State &state, bool leavesOut)
+void statistics(benchmark::State &state, Order order)
 {
     const auto log = std::make_unique<ZELKBench::Log>();
-    Selection::Entries entries = firstEntries(log->log);
-    if (leavesOut)
-        entries.removeAt(1000);
+    const Selection::Entries entries = selectedEntries(log->log, order);
     double limit = 0.0;
     double computing = 0.0;
     std::size_t sleeps = 0;
@@ -60,7 +82,12 @@ void statistics(benchmark::State &state, bool leavesOut)
     state.counters["limit_ms"] = limit / double(state.iterations()) * 1e3;
     state.counters["sleeps"] = double(sleeps);
 }
-BENCHMARK_CAPTURE(statistics, all, false)->Iterations(20)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(statistics, picked, true)->Iterations(20)->UseManualTime()->Unit(benchmark::kMillisecond);
+#define STATISTICS(NAME, ORDER)                                                                              \
+    BENCHMARK_CAPTURE(statistics, NAME, ORDER)->Iterations(20)->UseManualTime()->Unit(benchmark::kMillisecond)
+STATISTICS(ascending, Order::Ascending);
+STATISTICS(descending, Order::Descending);
+STATISTICS(picked, Order::Picked);
+STATISTICS(filtered, Order::Filtered);
+STATISTICS(by_summary, Order::BySummary);
 
 } // namespace

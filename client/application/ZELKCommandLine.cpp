@@ -162,19 +162,14 @@ bool ZELKCommandLine::stats()
 {
     ZELKApplicationWiring wiring(m_settings, world());
     const bool isWhole = synchronise(wiring);
-    const auto preset = *wiring.dateRange().precalculatedDurations().at(std::size_t(m_options.rangeTag) - 1);
-    wiring.dateRange().takeSelectionTagFrom(m_options.rangeTag);
-    QList<ZELKLWCLogEntry *> entries = wiring.log().visibleEntriesArray();
-    ZELKLWCAbsoluteDuration period = *wiring.dateRange().absoluteDuration();
-    if (period.duration() < 0.0) // the preset lies beyond all that is recorded
-        period = preset;
-    if (m_options.from || m_options.to) {
-        const ZELKDate from = m_options.from ? m_options.from->begin() : wiring.dateRange().distantPast();
-        const ZELKDate to = m_options.to ? m_options.to->end() : wiring.dateRange().distantFuture();
-        period = ZELKLWCAbsoluteDuration::absoluteDurationFromDate(from, to);
-        entries = wiring.log().entry();
-        entries.removeIf(
-            [&](const ZELKLWCLogEntry *entry) { return entry->date() < from || !(entry->date() < to); });
+    const bool isPreset = !m_options.from && !m_options.to;
+    const ZELKLWCAbsoluteDuration period = isPreset ? presetPeriod(wiring) : givenPeriod(wiring);
+    QList<ZELKLWCLogEntry *> entries = isPreset ? wiring.log().visibleEntriesArray() : wiring.log().entry();
+    if (!isPreset) {
+        const ZELKDate end = period.endDate().addingTimeInterval(1.0);
+        entries.removeIf([&](const ZELKLWCLogEntry *entry) {
+            return entry->date() < period.startDate() || !(entry->date() < end);
+        });
     }
     ZELKLWCLogEntrySelection selection;
     selection.setDuration(period);
@@ -185,6 +180,30 @@ bool ZELKCommandLine::stats()
     else
         ZELKStatisticsWriter::writeText(selection, m_output);
     return isWhole;
+}
+
+/// Narrowed to what is recorded; the whole preset where it lies beyond.
+ZELKLWCAbsoluteDuration ZELKCommandLine::presetPeriod(ZELKApplicationWiring &wiring) const
+{
+    const auto preset = *wiring.dateRange().precalculatedDurations().at(std::size_t(m_options.rangeTag) - 1);
+    wiring.dateRange().takeSelectionTagFrom(m_options.rangeTag);
+    const ZELKLWCAbsoluteDuration period = *wiring.dateRange().absoluteDuration();
+    return period.duration() < 0.0 ? preset : period;
+}
+
+/// From the first second to the last. An end that was not given is that of the records, but not beyond the
+/// day of the other.
+ZELKLWCAbsoluteDuration ZELKCommandLine::givenPeriod(ZELKApplicationWiring &wiring) const
+{
+    using Range = ZELKLWCDateRangeController;
+    const Range &range = wiring.dateRange();
+    ZELKDate from = m_options.from ? m_options.from->begin() : range.distantPast();
+    ZELKDate to = m_options.to ? m_options.to->end().addingTimeInterval(-1.0) : range.distantFuture();
+    if (!m_options.from)
+        from = std::min(from, Range::floorDate(to));
+    if (!m_options.to)
+        to = std::max(to, Range::ceilingDate(from));
+    return ZELKLWCAbsoluteDuration::absoluteDurationFromDate(from, to);
 }
 
 // MARK: export

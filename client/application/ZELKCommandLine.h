@@ -3,6 +3,7 @@
 #include "ZELKApplicationSettings.h"
 #include "ZELKApplicationWiring.h"
 #include "ZELKCommandLineOptions.h"
+#include "ZELKLWCAbsoluteDuration.h"
 
 class ZELKLWCMainWindowController;
 class ZELKTextOutput;
@@ -28,6 +29,8 @@ private:
     bool runCommand();
     bool list();
     bool stats();
+    ZELKLWCAbsoluteDuration presetPeriod(ZELKApplicationWiring &wiring) const;
+    ZELKLWCAbsoluteDuration givenPeriod(ZELKApplicationWiring &wiring) const;
     bool exportLog();
     bool print();
     bool import();

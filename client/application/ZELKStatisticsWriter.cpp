@@ -1,7 +1,9 @@
 #include "ZELKStatisticsWriter.h"
 
 #include "ZELKAttributedString.h"
+#include "ZELKCalendar.h"
 #include "ZELKCommandLineText.h"
+#include "ZELKDateFormatter.h"
 #include "ZELKEntryJson.h"
 #include "ZELKFormat.h"
 #include "ZELKLWCLogEntrySelection.h"
@@ -9,6 +11,8 @@
 #include "ZELKValue.h"
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 
 namespace {
 
@@ -34,6 +38,28 @@ QString section(const QString &title, const ZELKDictionary &values)
         lines += QLatin1String("  ") + ZELKTextOutput::safe(key).leftJustified(width) + QLatin1String("  ") +
                  plain(value) + QLatin1Char('\n');
     return lines;
+}
+
+/// By its days where it has whole ones, else with its times.
+QString title(const ZELKLWCAbsoluteDuration &period)
+{
+    using Style = ZELKDateFormatter::Style;
+    const ZELKDate start = period.startDate();
+    const ZELKDate behind = period.endDate().addingTimeInterval(1.0);
+    if (start == ZELKCalendar::startOfDay(start) && behind == ZELKCalendar::startOfDay(behind))
+        return period.periodDescription().simplified();
+    const bool isOneDay = ZELKCalendar::startOfDay(start) == ZELKCalendar::startOfDay(period.endDate());
+    const ZELKDateFormatter end(isOneDay ? Style::None : Style::Short, Style::Short);
+    return ZELKFormat("%@ - %@", {ZELKDateFormatter(Style::Short, Style::Short).stringFromDate(start),
+                                  end.stringFromDate(period.endDate())});
+}
+
+/// With all sleeps there are: here nobody waits for a panel.
+ZELKDictionary valuesOf(const ZELKLWCLogEntrySelection &selection, const QString &key)
+{
+    if (key == ZELKLWCLogEntrySelection::sleepsKey && selection.showsSleeps())
+        return selection.sleepCosts().infoDictionary(std::numeric_limits<std::size_t>::max());
+    return selection.attributeForKey(key).value<ZELKDictionary>();
 }
 
 // MARK: JSON
@@ -63,12 +89,16 @@ QVariant batteries(const std::vector<ZELKLWCBattery> &batteries)
     return variant(values);
 }
 
+QVariant variant(const std::optional<double> &number)
+{
+    return number ? QVariant(*number) : QVariant();
+}
+
 QVariant drain(const Costs::Drain &drain)
 {
-    const QVariant rate = drain.seconds > 0.0 ? QVariant(drain.percentPerHour()) : QVariant();
     return variant({{QStringLiteral("lost"), drain.points},
                     {QStringLiteral("seconds"), drain.seconds},
-                    {QStringLiteral("percentPerHour"), rate}});
+                    {QStringLiteral("percentPerHour"), variant(drain.percentPerHour())}});
 }
 
 QVariant word(Costs::Unknown unknown)
@@ -95,7 +125,7 @@ QVariant sleep(const Costs &costs, std::size_t index)
     for (const Costs::Cost &cost : costs.costsOfSleep(index))
         known.insert(costs.batteries()[cost.battery].name,
                      variant({{QStringLiteral("lost"), cost.points},
-                              {QStringLiteral("percentPerHour"), costs.percentPerHour(cost)}}));
+                              {QStringLiteral("percentPerHour"), variant(costs.percentPerHour(cost))}}));
     return variant({{QStringLiteral("from"), QVariant::fromValue(sleep.start)},
                     {QStringLiteral("to"), QVariant::fromValue(sleep.end)},
                     {QStringLiteral("unknown"), word(sleep.unknown)},
@@ -127,12 +157,12 @@ ZELKLWCAbsoluteDuration periodOf(const ZELKLWCLogEntrySelection &selection)
 void ZELKStatisticsWriter::writeText(const ZELKLWCLogEntrySelection &selection, ZELKTextOutput &output)
 {
     const qsizetype count = selection.selectionCount();
-    output.write(periodOf(selection).periodDescription().simplified() + QLatin1Char('\n'));
+    output.write(title(periodOf(selection)) + QLatin1Char('\n'));
     output.write((count == 1 ? ZELKCommandLineText("1 entry")
                              : ZELKFormat(ZELKCommandLineText("%lu entries"), {std::uint64_t(count)})) +
                  QLatin1Char('\n'));
     for (const QString &key : selection.attributes())
-        output.write(section(key, selection.attributeForKey(key).value<ZELKDictionary>()));
+        output.write(section(key, valuesOf(selection, key)));
 }
 
 void ZELKStatisticsWriter::writeJson(const ZELKLWCLogEntrySelection &selection, ZELKTextOutput &output)

@@ -13,12 +13,11 @@
 class ZELKBatterySamples;
 class ZELKLWCLogEntry;
 class ZELKLWCLogEntryPowerStatus;
-class ZELKLWCStateTracker;
 
 /// Entries of one log with the period they cover, and its statistics as attributes: "Usage" (how the period
 /// divides between states), "Power Source" (between power sources), one attribute for each battery under its
-/// name, and "Sleeps" (what they cost), where there are batteries and sleeps. Presented as an entry's own
-/// attributes are, so that a view can show either.
+/// name, and "Sleeps" (what they cost), where there are sleeps and there were batteries. Presented as an
+/// entry's own attributes are, so that a view can show either.
 ///
 /// One entry without a period has the entry's attributes instead, the very ones: what is set here is set
 /// there. Entries must outlive their selection.
@@ -57,8 +56,9 @@ public:
 
     /// Finds the period if there is none, and computes the statistics.
     void initAttributes();
-    /// The statistics of these entries over the period, which ends now at the latest. Time is counted from
-    /// the first of them if that lies before the period, so that the parts may add up to more than all of it.
+    /// The statistics of these entries over the period, which is that from the first to the last of them if
+    /// there is none yet, and ends now at the latest. Time is counted from the oldest of them if that lies
+    /// before the period, so that the parts may add up to more than all of it.
     void intervals(const Entries &entries);
     static void addPowerStatusEvent(const ZELKLWCLogEntryPowerStatus &entry, ZELKBatterySamples &samples);
     /// The same keys, each with an attributed text: the part of `timeInterval` (seconds) that the value
@@ -75,15 +75,14 @@ public:
     const std::vector<ZELKLWCBattery> &batteries() const { return m_batteries; }
     const ZELKSleepCosts &sleepCosts() const { return m_sleepCosts; }
 
-private:
-    struct Statistics;
+    /// Whether the sleeps are an attribute: not where there were no batteries, no sleeps, or a battery has
+    /// that very name.
+    bool showsSleeps() const { return m_showsSleeps; }
 
-    bool computeInOrder(const Entries &entries);
-    void computeSorted(const Entries &sorted);
-    Statistics statisticsOf(const Entries &sorted) const;
-    void finish(const ZELKLWCLogEntry &last, Statistics &statistics);
-    void closeTrackers(const ZELKLWCLogEntry &last, Statistics &statistics) const;
-    void present(const Statistics &statistics);
+private:
+    void compute(const Entries &entries);
+    void present();
+    void presentSleeps(const ZELKLWCLogEntry &entry);
 
     Entries m_selection;
     ZELKDictionary m_summary;
@@ -93,6 +92,8 @@ private:
     ZELKDictionary m_powerSources;
     std::vector<ZELKLWCBattery> m_batteries;
     ZELKSleepCosts m_sleepCosts;
-    /// Has the attributes, where it is not null.
-    ZELKLWCLogEntry *m_single = nullptr;
+    bool m_showsSleeps = false;
+    /// Have the attributes' keys and values, where they are not null.
+    ZELKLWCLogEntry *m_keysOf = nullptr;
+    ZELKLWCLogEntry *m_valuesOf = nullptr;
 };

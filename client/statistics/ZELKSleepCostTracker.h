@@ -1,105 +1,104 @@
 #pragma once
 
-#include "ZELKBatteryReading.h"
-#include "ZELKSleepCosts.h"
+#include "ZELKSleepFindings.h"
 #include "ZELKSleepMarks.h"
 #include "ZELKTextNumbering.h"
+#include "ZELKTrackedBattery.h"
 
-#include <array>
 #include <vector>
 
-class ZELKLWCLogEntry;
-
-/// Finds what each sleep cost, while the entries of a log are played into it in ascending order of their
-/// dates. It needs all entries of the time, and some of the time before and behind: a charger or a gap that
-/// it is not shown cannot stop it.
+/// Finds what each sleep cost, while states and readings are played into it in ascending order of their
+/// dates. It needs all of the time, and some of the time before and behind: a charger or a gap that it is not
+/// shown cannot stop it.
 ///
-/// A battery's charge is recorded when it changes, so that its last reading holds up to the next; but no
-/// longer than `longestSilence` before and behind a sleep, in case it does not.
+/// A battery's charge is recorded when it changes, and at a wake it is asked for anew. So the last reading
+/// before a sleep is the charge that the sleep began with; a reading soon behind the wake is the one that it
+/// ended with; and where there is none, nothing was lost asleep, and what the next reading is short of was
+/// lost awake. That reading has to bear this out: more than a point less, and somebody was not watching.
 class ZELKSleepCostTracker
 {
 public:
     using Id = ZELKStringPool::Id;
+    using Charge = ZELKTrackedBattery::Charge;
 
-    static constexpr double longestSilence = 3600.0; ///< seconds
+    /// Seconds without a reading before, between and behind sleeps that are believed.
+    static constexpr double longestSilence = 3600.0;
+    /// Seconds behind a wake in which a changed charge is told: twice what the slowest watcher takes.
+    static constexpr double soon = 120.0;
 
     /// Counted are the sleeps that end, and the drains that begin and end, from one date to the other.
-    /// `texts` is the entries' pool, and outlives this object. `expected` is how many entries there may be.
-    ZELKSleepCostTracker(const ZELKStringPool &texts, ZELKDate from, ZELKDate to, std::size_t expected = 0);
+    /// `texts` outlives this object; the batteries' names are of this pool.
+    ZELKSleepCostTracker(const ZELKStringPool &texts, ZELKDate from, ZELKDate to);
 
-    void addEntry(const ZELKLWCLogEntry &entry);
-    /// The same for one whose values have been read already. A daemon's entry is a break; `state` may be nil.
+    /// The recorder came or went.
     void addBreak(ZELKDate date) { m_marks.addBreak(date); }
-    void addState(Id state, ZELKDate date)
-    {
-        if (state != ZELKStringPool::nil)
-            beginState(state, date);
-    }
-    void addReading(const ZELKBatteryReading &reading);
+    void addState(Id state, ZELKDate date);
+    /// Number of the battery of that name. Batteries inside the computer are charged together or not at all.
+    std::uint32_t batteryNumber(Id name, bool isInside);
+    void addCharge(std::uint32_t battery, const Charge &charge) { confirm(m_batteries[battery], charge); }
+    /// The battery came or went: what it had before says nothing of what it has next.
+    void forget(std::uint32_t battery) { m_batteries[battery].isKnown = false; }
 
     /// What was found. Nothing can be added afterwards.
     ZELKSleepCosts costs();
 
 private:
     using Unknown = ZELKSleepCosts::Unknown;
+    using Battery = ZELKTrackedBattery;
+    using Mark = ZELKSleepMarks::Mark;
 
-    /// A charge that a battery is known to have had at a moment.
-    struct Charge
-    {
-        ZELKDate date;
-        int percentage = 0;
-        bool isOnBattery = false;
-    };
-    struct Battery
-    {
-        const ZELKLWCLogEntryPowerStatus *entry = nullptr; ///< the latest
-        ZELKDate entryFinalDate;
-        int entryPercentage = 0;
-        bool entryIsOnBattery = false;
-        /// The latest entry has duplicates that are not counted yet: the marks up to them come first.
-        bool isRepeated = false;
-        bool isKnown = false;                 ///< `last` and what follows
-        bool hadPower = false;                ///< since `last`
-        int lowest = 0;                       ///< since `last`
-        Charge last{ZELKDate::distantPast()}; ///< while awake
-        /// From here to `last` the computer was awake, and the charge fell without power from outside.
-        Charge awakeFrom{ZELKDate::distantPast()};
-        std::size_t mark = 0; ///< the last one that counts for it
-        ZELKSleepCosts::Drain asleep;
-        ZELKSleepCosts::Drain awake;
-    };
-    struct NightCharge
-    {
-        std::size_t battery;
-        Charge charge;
-    };
-
-    void beginState(Id state, ZELKDate date);
-    bool isOnBattery(const Battery &battery, const ZELKBatteryReading &reading) const;
-    void countDuplicates(Battery &battery);
-    void confirm(Battery &battery, const Charge &charge);
-    void confirmBehindMarks(Battery &battery, const Charge &charge);
-    void chargeAsleep(Battery &battery, const Charge &charge);
-    void conclude(Battery &battery, std::size_t mark, const Charge &charge);
-    static void endAwake(Battery &battery);
     bool goesOn(const Battery &battery, const Charge &charge) const;
-    Unknown doubt(const Battery &battery, std::size_t mark, const Charge &charge) const;
-    bool isSilent(const Battery &battery, std::size_t mark, ZELKDate date) const;
-    void count(Battery &battery, std::size_t mark, const Charge &charge);
-    void setUnknown(Unknown unknown, std::uint32_t first, std::uint32_t end);
-    std::uint32_t firstCounted() const;
-    std::uint32_t countedEnd() const;
+    void confirm(Battery &battery, const Charge &charge);
+    void confirmNightCharges(ZELKDate wake);
+    void confirmBehindMarks(Battery &battery, const Mark &mark, const Charge &charge);
+    void conclude(Battery &battery, const Mark &mark, const Charge &charge);
+    Unknown doubt(const Battery &battery, const Mark &mark, const Charge &charge) const;
+    bool isSilent(const Battery &battery, const Mark &mark, const Charge &charge) const;
+    void notePower(const Battery &battery, const Mark &mark, const Charge &charge);
+    void count(Battery &battery, const Mark &mark, const Charge &charge);
+    void countAwake(Battery &battery, ZELKDate from, ZELKDate to, double seconds) const;
+    ZELKDate sleepSince(const Mark &mark) const { return m_marks.sleeps()[mark.sleeps].start; }
+    ZELKDate wakeUpTo(const Mark &mark) const { return m_marks.sleeps()[mark.sleeps - 1].end; }
+    double secondsAwake(const Mark &before, const Mark &after) const;
 
     const ZELKStringPool &m_texts;
     ZELKDate m_from;
     ZELKDate m_to;
-    Id m_batteryPower;
     ZELKSleepMarks m_marks;
     ZELKTextNumbering m_numbering; ///< of the batteries
     std::vector<Battery> m_batteries;
-    /// Read in a sleep at its latest moment, which may turn out to be that of the wake.
-    std::vector<NightCharge> m_nightCharges;
-    std::vector<ZELKSleepCosts::Cost> m_costs;
-    /// For each reason where it begins (+1) and ends (-1) to hold, by the number of the sleep.
-    std::array<std::vector<int>, ZELKSleepCosts::unknownCount> m_unknown;
+    ZELKSleepFindings m_findings;
 };
+
+// In the header's sight, as a log has a million readings.
+
+inline void ZELKSleepCostTracker::addState(Id state, ZELKDate date)
+{
+    const bool wasAsleep = m_marks.isAsleep();
+    m_marks.addState(state, date);
+    if (wasAsleep && !m_marks.isAsleep())
+        confirmNightCharges(date);
+}
+
+inline void ZELKSleepCostTracker::confirm(Battery &battery, const Charge &charge)
+{
+    const Mark &mark = m_marks.markFor(charge.date);
+    if (mark.isAsleep)
+        battery.chargeAsleep(charge);
+    else if (!battery.isKnown || mark.number != battery.mark.number)
+        confirmBehindMarks(battery, mark, charge);
+    else if (goesOn(battery, charge))
+        battery.drain(charge);
+    else
+        battery.stand(charge);
+}
+
+/// Whether the drain awake that is under way, and is counted, extends to another charge. Several points at
+/// once behind a long silence are not what a watcher tells who is there.
+inline bool ZELKSleepCostTracker::goesOn(const Battery &battery, const Charge &charge) const
+{
+    const int fall = battery.last.percentage - charge.percentage;
+    return battery.last.isOnBattery && charge.isOnBattery && fall >= 0 && battery.last.date >= m_from &&
+           charge.date <= m_to &&
+           (fall <= 2 || charge.date.timeIntervalSinceDate(battery.last.date) <= longestSilence);
+}

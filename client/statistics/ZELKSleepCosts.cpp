@@ -1,10 +1,13 @@
 #include "ZELKSleepCosts.h"
 
+#include "ZELKCalendar.h"
 #include "ZELKDateFormatter.h"
 #include "ZELKFigureText.h"
 #include "ZELKFormat.h"
 #include "ZELKLWCDuration.h"
 #include "ZELKLWCLogEntry.h"
+
+#include <QHash>
 
 #include <algorithm>
 
@@ -17,9 +20,20 @@ QString general(QLatin1String key)
     return ZELKLWCLogEntry::localizedStringForKey(key, key, QStringLiteral("General"));
 }
 
-double rate(double points, double seconds)
+std::optional<double> rate(double points, double seconds)
 {
-    return seconds > 0.0 ? points / seconds * secondsInHour : 0.0;
+    return seconds > 0.0 ? std::optional(points / seconds * secondsInHour) : std::nullopt;
+}
+
+/// "5 Mar 2024 23:00:00 - 6 Mar 2024 07:00:00"; the day once where it is the same.
+QString times(const ZELKSleepCosts::Sleep &sleep)
+{
+    using Style = ZELKDateFormatter::Style;
+    const bool isOneDay = ZELKCalendar::startOfDay(sleep.start) == ZELKCalendar::startOfDay(sleep.end);
+    const ZELKDateFormatter start(Style::Short, Style::Short);
+    const ZELKDateFormatter end(isOneDay ? Style::None : Style::Short, Style::Short);
+    return ZELKFormat(general(QLatin1String("%@ - %@")),
+                      {start.stringFromDate(sleep.start), end.stringFromDate(sleep.end)});
 }
 
 ZELKDictionary::Item itemOfDrain(QLatin1String key, const QString &name, const ZELKSleepCosts::Drain &drain)
@@ -27,7 +41,7 @@ ZELKDictionary::Item itemOfDrain(QLatin1String key, const QString &name, const Z
     const QString total = ZELKFormat(general(QLatin1String("%.1f%% in %@")),
                                      {drain.points, ZELKLWCDuration::shortStringFromDuration(drain.seconds)});
     const ZELKAttributedString text =
-        ZELKFigureText(ZELKFormat("%.1f", {drain.percentPerHour()}),
+        ZELKFigureText(ZELKFormat("%.1f", {drain.percentPerHour().value_or(0.0)}),
                        general(QLatin1String("% an hour")) + QLatin1String("  "), total);
     return {ZELKFormat(general(key), {name}), QVariant::fromValue(text)};
 }
@@ -42,12 +56,12 @@ ZELKSleepCosts::ZELKSleepCosts(std::vector<Sleep> sleeps, std::vector<Cost> cost
 {
 }
 
-double ZELKSleepCosts::Drain::percentPerHour() const
+std::optional<double> ZELKSleepCosts::Drain::percentPerHour() const
 {
     return rate(points, seconds);
 }
 
-double ZELKSleepCosts::percentPerHour(const Cost &cost) const
+std::optional<double> ZELKSleepCosts::percentPerHour(const Cost &cost) const
 {
     return rate(cost.points, m_sleeps[cost.sleep].seconds());
 }
@@ -84,13 +98,19 @@ QString ZELKSleepCosts::reason(Unknown unknown)
     return {};
 }
 
-ZELKDictionary ZELKSleepCosts::infoDictionary() const
+/// Sleeps may bear the same times when the clock is set back.
+ZELKDictionary ZELKSleepCosts::infoDictionary(std::size_t mostSleeps) const
 {
     std::vector<ZELKDictionary::Item> items;
     addSums(items);
-    const std::size_t shown = std::min(m_sleeps.size(), mostSleepsInInfo);
-    for (std::size_t i = 0; i < shown; ++i)
-        items.push_back(itemOfSleep(m_sleeps.size() - 1 - i));
+    const std::size_t shown = std::min(m_sleeps.size(), mostSleeps);
+    QHash<QString, std::uint64_t> named;
+    for (std::size_t i = 0; i < shown; ++i) {
+        ZELKDictionary::Item item = itemOfSleep(m_sleeps.size() - 1 - i);
+        if (const std::uint64_t number = ++named[item.first]; number > 1)
+            item.first += ZELKFormat(" (%lu)", {number});
+        items.push_back(std::move(item));
+    }
     if (shown < m_sleeps.size())
         items.emplace_back(
             general(QLatin1String("Earlier")),
@@ -117,23 +137,20 @@ void ZELKSleepCosts::addSums(std::vector<ZELKDictionary::Item> &items) const
 /// Named by its times; the batteries' names only where there are several.
 ZELKDictionary::Item ZELKSleepCosts::itemOfSleep(std::size_t sleep) const
 {
-    using Style = ZELKDateFormatter::Style;
     const Sleep &found = m_sleeps[sleep];
-    const QString key = ZELKFormat(general(QLatin1String("%@ - %@")),
-                                   {ZELKDateFormatter(Style::Short, Style::Short).stringFromDate(found.start),
-                                    ZELKDateFormatter(Style::None, Style::Short).stringFromDate(found.end)});
     const QString length = ZELKLWCDuration::shortStringFromDuration(found.seconds());
     ZELKAttributedString text;
     for (const Cost &cost : costsOfSleep(sleep)) {
         const QString name =
             m_batteries.size() > 1 ? m_batteries[cost.battery].name + QLatin1Char(' ') : QString();
+        const std::optional<double> rate = percentPerHour(cost);
         const QString qualifier =
-            ZELKFormat(general(QLatin1String("%.1f%% an hour, %@")), {percentPerHour(cost), length});
+            rate ? ZELKFormat(general(QLatin1String("%.1f%% an hour, %@")), {*rate, length}) : length;
         text.append(ZELKFigureText(name + ZELKFormat("%.0f", {cost.points}), QStringLiteral("%  "),
                                    qualifier + QLatin1String("  ")));
     }
     if (found.unknown != Unknown::No)
         text = ZELKFigureText({}, general(QLatin1String("Unknown")) + QLatin1String("  "),
                               ZELKFormat("%@, %@", {reason(found.unknown), length}));
-    return {key, QVariant::fromValue(text)};
+    return {times(found), QVariant::fromValue(text)};
 }

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -49,8 +50,8 @@ public:
         double points = 0.0;
         double seconds = 0.0;
 
-        /// 0 without any time.
-        double percentPerHour() const;
+        /// None without any time.
+        std::optional<double> percentPerHour() const;
         bool operator==(const Drain &) const = default;
     };
     struct Battery
@@ -74,15 +75,15 @@ public:
     std::span<const Cost> costsOfSleep(std::size_t sleep) const;
     /// How many sleeps have no cost of their own.
     std::size_t unknownSleeps() const;
-    /// A sleep's cost with its length, as a rate.
-    double percentPerHour(const Cost &cost) const;
+    /// A sleep's cost with its length, as a rate; none for a sleep of no length.
+    std::optional<double> percentPerHour(const Cost &cost) const;
     /// Why a cost is unknown, in words.
     static QString reason(Unknown unknown);
 
-    /// For a panel: the sums of each battery, asleep and awake, how many sleeps are unknown, and each of the
-    /// latest sleeps, the last one first. Values are attributed texts.
-    ZELKDictionary infoDictionary() const;
-    static constexpr std::size_t mostSleepsInInfo = 25;
+    static constexpr std::size_t mostSleepsInPanel = 25;
+    /// The sums of each battery, asleep and awake, how many sleeps are unknown, and each of the latest
+    /// sleeps, the last one first, up to so many. Values are attributed texts.
+    ZELKDictionary infoDictionary(std::size_t mostSleeps = mostSleepsInPanel) const;
 
     bool operator==(const ZELKSleepCosts &) const = default;
 

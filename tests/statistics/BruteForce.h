@@ -6,15 +6,14 @@
 
 class ZELKLWCLog;
 
-/// The statistics of a whole log in the order of its dates, each found by a search through all of it, in the
-/// words of the fixture.
+/// How long the states of a whole log lasted, in the order of its dates, found by a walk over the words of
+/// its entries; in the words of the fixture.
 namespace BruteForce {
 
 struct Statistics
 {
     QString usage;
     QString sources;
-    QString sleeps;
 };
 Statistics of(const ZELKLWCLog &log);
 

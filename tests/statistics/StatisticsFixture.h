@@ -8,8 +8,9 @@ using namespace Qt::StringLiterals;
 using Selection = ZELKLWCLogEntrySelection;
 
 /// A log written in words, "b0:80 s5 w65 b66:72": what happens, at which minute, and a battery's percentage.
-/// b: BAT0 on battery; a: on mains; c: charging; r: removed; x: another battery, on battery; s: sleep; w:
-/// wake; u: startup; o: shutdown; m, n: recording starts, stops; p: an event without a state.
+/// b: BAT0 on battery; a: on mains; c: charging; r: removed; i, j: another inside the computer, on battery
+/// and on mains; x: one outside, on battery; s: sleep; w: wake; u: startup; o: shutdown; m, n: recording
+/// starts, stops; p: an event without a state.
 struct StatisticsFixture : LogFixture
 {
     static constexpr double minute = 60.0;
@@ -37,15 +38,21 @@ struct StatisticsFixture : LogFixture
         const double date = word.mid(1).section(u':', 0, 0).toDouble() * minute;
         const int percentage = word.section(u':', 1).toInt();
         const QString mains = ZELKPowerSourceAC;
+        const ZELKDictionary::Item inside{ZELKPropertyTransportType, u"Internal"_s};
+        const ZELKDictionary::Item second{ZELKPropertyName, u"BAT1"_s};
         switch (word.at(0).toLatin1()) {
         case 'b':
-            return batteryEvent(date, reading(percentage));
+            return batteryEvent(date, reading(percentage, {inside}));
         case 'a':
-            return batteryEvent(date, reading(percentage, {{source, mains}}));
+            return batteryEvent(date, reading(percentage, {inside, {source, mains}}));
         case 'c':
-            return batteryEvent(date, reading(percentage, {{source, mains}, {charging, true}}));
+            return batteryEvent(date, reading(percentage, {inside, {source, mains}, {charging, true}}));
         case 'r':
-            return batteryEvent(date, reading(percentage, {{present, false}}));
+            return batteryEvent(date, reading(percentage, {inside, {present, false}}));
+        case 'i':
+            return batteryEvent(date, reading(percentage, {inside, second}));
+        case 'j':
+            return batteryEvent(date, reading(percentage, {inside, second, {source, mains}}));
         case 'x':
             return batteryEvent(date, reading(percentage, {{ZELKPropertyName, u"UPS"_s}}));
         case 's':
