@@ -5,6 +5,7 @@
 #include "ZELKInterfaceLoader.h"
 #include "ZELKSymbolIcon.h"
 #include "ZELKSymbolLabel.h"
+#include "ZELKTextColours.h"
 
 #include <QKeyEvent>
 #include <QStyle>
@@ -38,6 +39,7 @@ ZELKSearchField::ZELKSearchField(QWidget *parent)
     connect(this, &QLineEdit::textChanged, m_clear,
             [this](const QString &text) { m_clear->setVisible(!text.isEmpty()); });
     placeSymbols();
+    colourPlaceholder();
 }
 
 QSize ZELKSearchField::sizeHint() const
@@ -84,6 +86,20 @@ void ZELKSearchField::changeEvent(QEvent *event)
     QLineEdit::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         zelkGuard([this] { placeSymbols(); });
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)
+        zelkGuard([this] { colourPlaceholder(); });
+}
+
+/// Dark palettes often have no colour for it of their own, and the usual one is black.
+void ZELKSearchField::colourPlaceholder()
+{
+    QPalette legible = palette();
+    const QColor colour = ZELKTextColours::fromPalette(legible).dimmed;
+    if (legible.color(QPalette::PlaceholderText) == colour)
+        return;
+    for (const auto group : {QPalette::Active, QPalette::Inactive})
+        legible.setColor(group, QPalette::PlaceholderText, colour);
+    setPalette(legible);
 }
 
 /// A symbol at each end, as high as the text, which keeps clear of them.

@@ -29,6 +29,7 @@ protected:
 private:
     QSize sizeForCharacters(int count) const;
     void placeSymbols();
+    void colourPlaceholder();
 
     // A line edit's own symbols stay small, whatever the font.
     ZELKSymbolLabel *m_glass;

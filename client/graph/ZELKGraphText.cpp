@@ -3,6 +3,7 @@
 #include "ZELKTextColours.h"
 #include "ZELKTextDocument.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QStringList>
@@ -29,7 +30,9 @@ void drawAt(QPainter &painter, const ZELKPixelSpace &space, QPointF lowerLeft, Q
 {
     painter.save();
     painter.translate(space.turned({lowerLeft, document.size()}).topLeft());
-    document.drawContents(&painter);
+    QAbstractTextDocumentLayout::PaintContext context; // whose palette is the desktop's, dark or not
+    context.palette.setColor(QPalette::Text, ZELKTextColours::forPaper().text);
+    document.documentLayout()->draw(&painter, context);
     painter.restore();
 }
 

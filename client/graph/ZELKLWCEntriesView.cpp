@@ -68,6 +68,8 @@ void ZELKLWCEntriesView::dataDidChange()
 {
     m_cell.setDataSourceChanged(true);
     m_description.reset();
+    if (underMouse())
+        QToolTip::hideText(); // it told of what was here
     m_queue.enqueue(QStringLiteral("redisplay"));
 }
 
@@ -82,8 +84,12 @@ void ZELKLWCEntriesView::redisplay()
 
 QString ZELKLWCEntriesView::description() const
 {
-    if (!m_description && m_log && m_dateRange)
-        m_description = ZELKGraphDescription::description(*m_log, *m_dateRange);
+    if (!m_description && m_log && m_dateRange) {
+        QStringList parts{labelTopLeft().string().simplified(), labelBanner().string().simplified(),
+                          ZELKGraphDescription::description(*m_log, *m_dateRange)};
+        parts.removeAll(QString());
+        m_description = parts.join(QLatin1Char('\n'));
+    }
     return m_description.value_or(QString());
 }
 
@@ -101,14 +107,18 @@ void ZELKLWCEntriesView::setBordered(bool bordered)
 
 void ZELKLWCEntriesView::setLabelTopLeft(const ZELKAttributedString &label)
 {
+    if (label == labelTopLeft())
+        return;
     m_cell.setLabelTopLeft(label);
-    update();
+    dataDidChange();
 }
 
 void ZELKLWCEntriesView::setLabelBanner(const ZELKAttributedString &label)
 {
+    if (label == labelBanner())
+        return;
     m_cell.setLabelBanner(label);
-    update();
+    dataDidChange();
 }
 
 QSize ZELKLWCEntriesView::sizeHint() const

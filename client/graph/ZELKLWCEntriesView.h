@@ -62,7 +62,7 @@ public:
     /// In points, of one pixel each.
     QImage imageValueWithWidth(float width, float height) const;
     QByteArray PNGRepresentation() const;
-    /// What the range shows, in words. Made when it is first asked for after a change.
+    /// The labels, and what the range shows in words. Made when it is first asked for after a change.
     QString description() const;
 
     const ZELKLWCEntriesCell &cell() const { return m_cell; }

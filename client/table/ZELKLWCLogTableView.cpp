@@ -115,6 +115,11 @@ bool ZELKLWCLogTableView::keyDown(const QKeyEvent &event)
     case Qt::Key_Up:
     case Qt::Key_Down:
         return (event.modifiers() & ~Qt::KeypadModifier) == 0 && selectCurrentRow();
+    case Qt::Key_F10: // what keyboards without a key for menus have instead
+        if (event.modifiers() != Qt::ShiftModifier)
+            return false;
+        Q_EMIT customContextMenuRequested(visualRect(currentIndex()).center());
+        return true;
     default:
         // A line feed without the key of a letter that makes one.
         if (event.key() < Qt::Key_Space || event.key() > Qt::Key_ydiaeresis)

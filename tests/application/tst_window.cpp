@@ -276,9 +276,14 @@ private Q_SLOTS:
         };
         QVERIFY(darkest() < 80);
         QPalette dark = usual;
-        dark.setColor(QPalette::ButtonText, Qt::white);
+        for (const auto role : {QPalette::ButtonText, QPalette::Text})
+            dark.setColor(role, Qt::white);
+        dark.setColor(QPalette::Base, Qt::black);
+        dark.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128)); // as many a scheme leaves it
         QApplication::setPalette(dark);
         QVERIFY(darkest() > 200);
+        const QColor search = session.find<QLineEdit>("filterField").palette().placeholderText().color();
+        QVERIFY(search.alpha() == 255 && qGray(search.rgb()) > 100);
         QApplication::setPalette(usual);
     }
 };

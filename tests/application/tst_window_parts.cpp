@@ -136,6 +136,9 @@ private Q_SLOTS:
         auto &menu = session.find<QMenu>("contextMenu");
         QVERIFY(menu.isVisible() && menu.actions().contains(&session.action("actionCopy")));
         menu.close();
+        QTest::keyClick(&session.view, Qt::Key_F10, Qt::ShiftModifier);
+        QVERIFY(menu.isVisible());
+        menu.close();
         session.click(3);
         session.action("actionJumpToSelection").trigger();
         QCOMPARE(session.find<ZELKElidedLabel>("periodLabel").fullText(), u"Saturday, 30 March 2024"_s);

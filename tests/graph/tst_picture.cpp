@@ -338,6 +338,17 @@ private Q_SLOTS:
         QVERIFY(redIn(banner, {120, 25, 60, 30}));
         QVERIFY(!redIn(banner, {0, 0, 100, 100}));
         QVERIFY(!redIn(banner, {0, 60, 300, 40}));
+
+        // On paper texts are dark, however dark the desktop is.
+        const QPalette usual = QGuiApplication::palette();
+        QPalette dark = usual;
+        dark.setColor(QPalette::Text, QColor(255, 100, 100));
+        QGuiApplication::setPalette(dark);
+        const ZELKAttributedString plain(u"MMMM"_s);
+        const QImage onPaper =
+            ZELKGraphDrawing({nullptr, nullptr, true, false, plain, {}}, {300, 100}, 1.0).image();
+        QGuiApplication::setPalette(usual);
+        QVERIFY(!redIn(onPaper, onPaper.rect()));
     }
 
     void files()

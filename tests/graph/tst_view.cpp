@@ -287,6 +287,9 @@ private Q_SLOTS:
         QCOMPARE(interface->text(QAccessible::Description),
                  ZELKGraphDescription::description(bed.log, bed.range));
         QVERIFY(interface->text(QAccessible::Description) != told);
+        bed.view.setLabelTopLeft(ZELKAttributedString(u"Click there.\n"_s));
+        bed.view.setLabelBanner(ZELKAttributedString(u"Welcome"_s));
+        QVERIFY(interface->text(QAccessible::Description).startsWith(u"Click there.\nWelcome\nWednesday"_s));
     }
 };
 
