@@ -9,6 +9,7 @@
 
 #include <QDialog>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -135,6 +136,9 @@ void ZELKFeedbackController::showWhatGoesAlong()
             lines.append(ZELKFormat("%@: %@", {key, value}));
     lines.append(ZELKFormat(text("sentTo"), {address(m_world.bundle)}));
     m_outlets.sentAlong->setText(lines.join(QLatin1Char('\n')));
+    // What lines are broken to is in no size that the window would take by itself.
+    const QSize size = m_sheet->size();
+    m_sheet->resize(size.expandedTo({0, m_sheet->layout()->totalHeightForWidth(size.width())}));
 }
 
 void ZELKFeedbackController::showSending(bool isSending)
