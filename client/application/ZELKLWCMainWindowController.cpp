@@ -19,6 +19,7 @@
 #include "ZELKSearchControls.h"
 #include "ZELKSearchField.h"
 #include "ZELKSliceWiring.h"
+#include "ZELKSplitterKeys.h"
 #include "ZELKStatusLine.h"
 #include "ZELKTableActions.h"
 #include "ZELKToolBar.h"
@@ -29,6 +30,7 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QMainWindow>
+#include <QSplitter>
 #include <QStackedWidget>
 
 namespace {
@@ -96,6 +98,7 @@ ZELKLWCMainWindowController::~ZELKLWCMainWindowController()
 {
     zelkSetFailureObserver({});
     m_wiring.delegate().setWindow(nullptr);
+    m_wiring.delegate().setWelcomeController(nullptr);
 }
 
 /// The window owns them all.
@@ -109,6 +112,7 @@ void ZELKLWCMainWindowController::makeParts()
     new ZELKMainMenu(*m_window, m_wiring);
     m_inspector = new ZELKInspectorWiring(*m_window, m_wiring, m_table);
     toolBar->fill();
+    new ZELKSplitterKeys(*outlet<QSplitter>("parts"), text("splitter"));
     orderTabs(toolBar->controls());
     auto *slice = new ZELKSliceWiring(*m_window, m_wiring, m_table.controller());
     new ZELKTableActions(*m_window, m_table.controller(), m_table.view(), slice->dateJump());
@@ -135,12 +139,13 @@ void ZELKLWCMainWindowController::connectGraph()
             [this, graph] { zelkGuard([&] { m_table.controller().selectEntryByDate(graph); }); });
     m_welcome = new ZELKLWCWelcomeController({m_wiring.agentController(), *graph, m_wiring.log()}, graph);
     m_welcome->awakeFromNib();
+    m_wiring.delegate().setWelcomeController(m_welcome);
 }
 
 /// As they stand: the tool bar, then what is below it.
 void ZELKLWCMainWindowController::orderTabs(QList<QWidget *> controls) const
 {
-    for (const char *name : {"filterField", "graph", "table", "emptyButton", "failureLine"})
+    for (const char *name : {"filterField", "graph", "partsHandle", "table", "emptyButton", "failureLine"})
         controls.append(outlet<QWidget>(name));
     for (qsizetype i = 1; i < controls.size(); ++i)
         QWidget::setTabOrder(controls.at(i - 1), controls.at(i));

@@ -17,6 +17,7 @@ class ZELKBundle;
 class ZELKLWCLog;
 class ZELKLWCLogSlice;
 class ZELKLWCStore;
+class ZELKLWCWelcomeController;
 class ZELKUserDefaults;
 
 /// Registers the default settings before anything else runs, starts the flow of events when launching has
@@ -44,6 +45,8 @@ public:
     void setStore(ZELKLWCStore *store) { m_store = store; }
     ZELKLWCLogSlice *visibleSlice() const { return m_visibleSlice; }
     void setVisibleSlice(ZELKLWCLogSlice *slice) { m_visibleSlice = slice; }
+    ZELKLWCWelcomeController *welcomeController() const { return m_welcomeController; }
+    void setWelcomeController(ZELKLWCWelcomeController *controller) { m_welcomeController = controller; }
     ZELKAgentController *agentController() const { return m_agentController; }
     void setAgentController(ZELKAgentController *controller) { m_agentController = controller; }
 
@@ -86,6 +89,7 @@ private:
     ZELKLWCLog *m_log = nullptr;
     ZELKLWCStore *m_store = nullptr;
     ZELKLWCLogSlice *m_visibleSlice = nullptr;
+    ZELKLWCWelcomeController *m_welcomeController = nullptr;
     ZELKAgentController *m_agentController = nullptr;
     std::shared_ptr<ZELKApplicationExtras> m_applicationExtras;
     bool m_canOpenUserGuide = false;
