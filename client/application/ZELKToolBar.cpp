@@ -50,6 +50,18 @@ void ZELKToolBar::fill()
     m_bar->addSeparator();
     addButtons({"actionInspector"});
     addAgentButton();
+    dressOverflow();
+}
+
+/// The button that Qt shows where not all have room. Its own symbol is black in the dark, too.
+void ZELKToolBar::dressOverflow()
+{
+    auto *button = m_bar->findChild<QToolButton *>(QStringLiteral("qt_toolbar_ext_button"));
+    if (!button)
+        return;
+    button->setIcon(ZELKSymbolIcon::icon(m_bundle, QStringLiteral("month-forward")));
+    button->setToolTip(ZELKMainWindowInterface::text("toolBar.more"));
+    button->setAccessibleName(button->toolTip());
 }
 
 /// The label and what it names keep together.

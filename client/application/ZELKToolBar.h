@@ -32,6 +32,7 @@ private:
     void addButtons(const QList<const char *> &actions);
     void addButton(QAction &action);
     void addAgentButton();
+    void dressOverflow();
 
     QMainWindow &m_window;
     const ZELKBundle &m_bundle;

@@ -109,7 +109,7 @@ void ZELKGraphDrawing::drawMarkers(QPainter &painter)
     for (const ZELKAxisTicks::Tick &tick : m_ticks.ticks)
         axis.drawMarker(tick, m_layout);
     for (const ZELKAxisTicks::Label &label : m_ticks.labels)
-        ZELKGraphText::draw(painter, m_space, label.rect, label.text, attributes);
+        ZELKGraphText::draw(painter, m_space, label.rect, label.text.simplified(), attributes); // padded too
 }
 
 // MARK: in the chart

@@ -1710,6 +1710,14 @@ in the user guide (Help in the window).
         <translation>Toolbar</translation>
     </message>
     <message>
+        <source>ZELKLWCMainWindowController.toolBar.more</source>
+        <translation>More buttons</translation>
+    </message>
+    <message>
+        <source>ZELKLWCMainWindowController.splitter</source>
+        <translation>Divides graph and entries</translation>
+    </message>
+    <message>
         <source>ZELKLWCMainWindowController.aboutQt</source>
         <translation>About &amp;Qt</translation>
     </message>

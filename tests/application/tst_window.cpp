@@ -264,9 +264,10 @@ private Q_SLOTS:
         const ApplicationFixture fixture;
         const Session session(fixture);
         const QIcon icon = session.find<QAction>("actionDayBackward").icon();
-        QVERIFY(!icon.isNull());
-        const auto darkest = [&] {
-            const QImage image = icon.pixmap(32).toImage();
+        const QIcon overflow = session.find<QToolButton>("qt_toolbar_ext_button").icon();
+        QVERIFY(!icon.isNull() && !overflow.isNull());
+        const auto darkest = [](const QIcon &symbol) {
+            const QImage image = symbol.pixmap(32).toImage();
             int shade = 255;
             for (int x = 0; x < image.width(); ++x)
                 for (int y = 0; y < image.height(); ++y)
@@ -274,14 +275,14 @@ private Q_SLOTS:
                         shade = qMin(shade, qGray(image.pixel(x, y)));
             return shade;
         };
-        QVERIFY(darkest() < 80);
+        QVERIFY(darkest(icon) < 80);
         QPalette dark = usual;
         for (const auto role : {QPalette::ButtonText, QPalette::Text})
             dark.setColor(role, Qt::white);
         dark.setColor(QPalette::Base, Qt::black);
         dark.setColor(QPalette::PlaceholderText, QColor(0, 0, 0, 128)); // as many a scheme leaves it
         QApplication::setPalette(dark);
-        QVERIFY(darkest() > 200);
+        QVERIFY(darkest(icon) > 200 && darkest(overflow) > 200);
         const QColor search = session.find<QLineEdit>("filterField").palette().placeholderText().color();
         QVERIFY(search.alpha() == 255 && qGray(search.rgb()) > 100);
         QApplication::setPalette(usual);

@@ -317,7 +317,24 @@ private Q_SLOTS:
             (QStringList{u"filterPopUpButton"_s, u"actionMonthBackwardButton"_s, u"actionDayBackwardButton"_s,
                          u"actionRange1Button"_s, u"actionDayForwardButton"_s, u"actionMonthForwardButton"_s,
                          u"actionZoomInButton"_s, u"actionZoomOutButton"_s, u"actionInspectorButton"_s,
-                         u"startStopButton"_s, u"filterField"_s, u"graph"_s, u"table"_s}));
+                         u"startStopButton"_s, u"filterField"_s, u"graph"_s, u"partsHandle"_s, u"table"_s}));
+    }
+
+    void splitterMovesByKeys()
+    {
+        const ApplicationFixture fixture;
+        const Session session(fixture);
+        session.window.resize(900, 700);
+        const auto &graph = session.find<ZELKLWCEntriesView>("graph");
+        QTRY_VERIFY(graph.isVisible() && !graph.cell().dataSourceChanged());
+        auto &handle = session.find<QWidget>("partsHandle");
+        QVERIFY(!handle.accessibleName().isEmpty());
+        const int height = graph.height();
+        QTest::keyClick(&handle, Qt::Key_Down);
+        QVERIFY(graph.height() > height);
+        for (int i = 0; i < 60; ++i)
+            QTest::keyClick(&handle, Qt::Key_Up);
+        QVERIFY(graph.height() < height && graph.height() >= graph.minimumSizeHint().height());
     }
 
     void menusAreUnambiguous()
