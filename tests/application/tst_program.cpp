@@ -238,14 +238,24 @@ private Q_SLOTS:
                 R"("powerSource": {"Battery Power": 86399}, "batteries": {"B": {"minimum": 70, "average": 75, )"
                 R"("maximum": 80, "secondsPerPercent": 726.1}}, "sleeps": {"count": 1, "unknown": 0, )"
                 R"("batteries": {"B": {"asleep": {"lost": 10, "seconds": 7200, "percentPerHour": 5}, )"
-                R"("awake": {"lost": 0, "seconds": 0, "percentPerHour": null}}}, )"
+                R"("awake": {"lost": 0, "seconds": 61, "percentPerHour": 0}}}, )"
                 R"("each": [{"from": 731329260, "to": 731336460, "unknown": null, )"
                 R"("costs": {"B": {"lost": 10, "percentPerHour": 5}}}]}})"
                 "\n"));
         const QString text = program.run("stats --from 2024-03-05 --to 2024-03-05").output;
-        QVERIFY2(text.startsWith("Tuesday, 5 March 2024\n4 entries\n\nUsage\n  Awake   91.7%  22h"_L1),
+        QVERIFY2(text.startsWith("Tuesday, 5 March 2024\n4 entries\n\nUsage\n  Awake   91.7%  21h 59m 59s"_L1),
                  qPrintable(text));
         QVERIFY2(text.contains("\nSleeps\n  B asleep  "_L1), qPrintable(text));
+        // several days, hours, and days beyond all that is recorded
+        const std::pair<const char *, const char *> titles[] = {
+            {"--from 2024-03-05 --to 2024-03-06", "Tuesday 5 - Wednesday 6, March 2024\n4 entries"},
+            {"--from 2024-03-05T12:00 --to 2024-03-05T13:00", "5 Mar 2024 12:00:00 - 13:00:00\n2 entries"},
+            {"--from 2030-01-01", "Tuesday, 1 January 2030\n0 entries"},
+            {"--to 2020-01-01", "Wednesday, 1 January 2020\n0 entries"}};
+        for (const auto &[range, title] : titles) {
+            const QString named = program.run(("stats " + QByteArray(range)).constData()).output;
+            QVERIFY2(named.startsWith(QLatin1String(title)), qPrintable(named));
+        }
     }
 
     void profilesAreWorldsOfTheirOwn()
