@@ -212,9 +212,27 @@ bool ZELKCommandLine::exportLog()
 {
     ZELKApplicationWiring wiring(m_settings, world());
     const bool isWhole = synchronise(wiring);
-    wiring.dateRange().takeSelectionTagFrom(m_options.rangeTag);
+    if (m_options.exportRequest.isPicture() && !chooseRange(wiring))
+        return false;
     ZELKExportCommand command(wiring, [this](const QString &words) { complain(words); });
     return command.run(m_options.exportRequest) && isWhole;
+}
+
+/// For what shows the range as the window does. False where nothing of it was recorded; a log without entries
+/// is another matter.
+bool ZELKCommandLine::chooseRange(ZELKApplicationWiring &wiring)
+{
+    ZELKLWCDateRangeController &range = wiring.dateRange();
+    range.takeSelectionTagFrom(m_options.rangeTag);
+    if (m_options.from || m_options.to)
+        range.setAbsoluteDuration(
+            std::make_shared<ZELKLWCAbsoluteDuration>(ZELKLWCAbsoluteDuration::absoluteDurationFromDate(
+                m_options.from ? m_options.from->begin() : range.distantPast(),
+                m_options.to ? m_options.to->end().addingTimeInterval(-1.0) : range.distantFuture())));
+    if (wiring.log().count() == 0 || range.absoluteDuration()->duration() > 0.0)
+        return true;
+    complain(ZELKCommandLineText("Nothing was recorded in that range."));
+    return false;
 }
 
 // MARK: print
@@ -226,13 +244,8 @@ bool ZELKCommandLine::print()
     ZELKLWCMainWindowController window(wiring);
     window.showWindow();
     const bool isWhole = synchronise(wiring);
-    ZELKLWCDateRangeController &range = wiring.dateRange();
-    range.takeSelectionTagFrom(m_options.rangeTag);
-    if (m_options.from || m_options.to)
-        range.setAbsoluteDuration(
-            std::make_shared<ZELKLWCAbsoluteDuration>(ZELKLWCAbsoluteDuration::absoluteDurationFromDate(
-                m_options.from ? m_options.from->begin() : range.distantPast(),
-                m_options.to ? m_options.to->end().addingTimeInterval(-1.0) : range.distantFuture())));
+    if (!chooseRange(wiring))
+        return false;
     QCoreApplication::processEvents();
     ZELKPrintCommand command(wiring, window, [this](const QString &words) { complain(words); });
     return command.run(m_options.printRequest) && isWhole;

@@ -32,6 +32,7 @@ private:
     ZELKLWCAbsoluteDuration presetPeriod(ZELKApplicationWiring &wiring) const;
     ZELKLWCAbsoluteDuration givenPeriod(ZELKApplicationWiring &wiring) const;
     bool exportLog();
+    bool chooseRange(ZELKApplicationWiring &wiring);
     bool print();
     bool import();
     bool importFrom(int descriptor);

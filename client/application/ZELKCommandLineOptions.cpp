@@ -219,10 +219,10 @@ void Reader::checkBelonging() const
         const QString name = QString::fromLatin1(row.name);
         const bool goes = row.command == Command::Window || row.command == m_options.command ||
                           (m_options.command == Command::Stats && row.command == Command::List) ||
-                          (isPrint && row.command == Command::List && name != QLatin1String("format")) ||
+                          ((isPrint || isExport) && row.command == Command::List &&
+                           (isExport || name != QLatin1String("format"))) ||
                           (isPrint && name == QLatin1String("output")) ||
                           (orPicture && name == QLatin1String("count")) ||
-                          (isExport && (name == QLatin1String("format") || name == QLatin1String("range"))) ||
                           (isStatus && name == QLatin1String("format"));
         if (!goes && m_parser.isSet(name))
             complain("--%@ belongs to the command %@.", name, commands().key(row.command));
@@ -309,8 +309,9 @@ void Reader::takeExport()
 {
     if (m_options.command != Command::Export)
         return;
-    const QString complaint = m_options.exportRequest.take(
-        {value("format"), value("output"), value("width"), value("height"), m_hasRange});
+    const QString complaint =
+        m_options.exportRequest.take({value("format"), value("output"), value("width"), value("height"),
+                                      m_hasRange || m_options.from || m_options.to});
     if (!complaint.isEmpty())
         throw Complaint{complaint};
 }

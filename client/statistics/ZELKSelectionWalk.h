@@ -8,8 +8,7 @@
 #include <vector>
 
 /// A walk in the order of time over selected entries and what their log knows beyond them that bears on their
-/// sleeps: those that were left out between them, the sleep that they begin in, and an hour before and
-/// behind.
+/// sleeps: those left out between them, the sleep that they begin in, and an hour before and behind.
 ///
 /// Entries of no log have no surroundings. Entries that arrived late are put in their places, where they
 /// arrived before the hour behind was over.

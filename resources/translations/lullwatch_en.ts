@@ -676,6 +676,10 @@
 <context>
     <name>ZELKCommandLine</name>
     <message>
+        <source>Nothing was recorded in that range.</source>
+        <translation>Nothing was recorded in that range.</translation>
+    </message>
+    <message>
         <source>--sample has a log of its own: it does not take --database or --profile.</source>
         <translation>--sample has a log of its own: it does not take --database or --profile.</translation>
     </message>
@@ -938,7 +942,7 @@ export:
   --output FILE      where to; - is standard output
   --format FORMAT    txt (tabs between date, summary and attributes), rtf, plist, doc, tiff or png; without this, as
                      the FILE's name ends
-  --width NUMBER, --height NUMBER, RANGE
+  --width NUMBER, --height NUMBER, RANGE, --from, --to
                      of a picture: its size from 150 to 15000 (1200 and 300 without these), and what it shows
 
 print: RANGE, --from and --to as for list

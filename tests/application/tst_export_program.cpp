@@ -51,6 +51,9 @@ private Q_SLOTS:
         row("export --output $HOME/none/x.txt", 1, "No such file or directory");
         row("export --output $HOME/Documents/Lullwatch.lullwatch-events --format txt", 1,
             "is the file that the events are kept in.");
+        row("export --output $HOME/x.png --from 2024-03-05 --to 2024-03-05", 0, "");
+        row("export --output $HOME/x.png last-month", 1, "Nothing was recorded in that range.");
+        row("export --output $HOME/x.txt --from 2024-03-05", 2, "of the log, all is exported.");
         row("export --output $HOME/x.png --profile empty", 1, "There is nothing to export yet.");
     }
     void statuses()
@@ -70,13 +73,17 @@ private Q_SLOTS:
     void picturesHaveTheirRange()
     {
         const Program program;
-        program.run("import -", events(2));
-        for (const QString &range : {QString(), u"last-month"_s})
-            QCOMPARE(program.runScript(u"$LULLWATCH export --output $HOME/x%1.png %1"_s.arg(range)).status,
-                     0);
-        const QImage everything(program.path(u"x.png"_s));
+        program.run("import -", events(2) + "{\"date\":731429200,\"description\":\"later\",\"monitor\":\"m\","
+                                            "\"properties\":\"NULL\"}\n");
+        for (const QString &range : {QString(), u" --to 2024-03-05"_s})
+            QCOMPARE(
+                program
+                    .runScript(u"$LULLWATCH export --output $HOME/x%1.png%2"_s.arg(range.size()).arg(range))
+                    .status,
+                0);
+        const QImage everything(program.path(u"x0.png"_s));
         QCOMPARE(everything.size(), QSize(1200, 300));
-        QVERIFY(everything != QImage(program.path(u"xlast-month.png"_s)));
+        QVERIFY(everything != QImage(program.path(u"x16.png"_s)));
     }
 
     /// Ctrl+C leaves the older file as it was, and nothing else.
