@@ -81,12 +81,13 @@ double ZELKSleepCostTracker::secondsAwake(const Mark &before, const Mark &after)
            (after.secondsAsleep - before.secondsAsleep);
 }
 
-/// Who is on mains long behind a wake may have been connected only then.
+/// Who is on mains long behind a wake may have been connected only then; and so may who is behind a reading
+/// on battery.
 void ZELKSleepCostTracker::notePower(const Battery &battery, const Mark &mark, const Charge &charge)
 {
     if (!battery.last.isOnBattery || battery.hadPower || charge.percentage > battery.told())
         m_findings.setCharged({battery.mark.sleeps, mark.sleeps});
-    else if (charge.date.timeIntervalSinceDate(wakeUpTo(mark)) <= soon)
+    else if (m_drainedBehind != mark.sleeps && charge.date.timeIntervalSinceDate(wakeUpTo(mark)) <= soon)
         m_findings.setCharged({mark.sleeps - 1, mark.sleeps});
 }
 
@@ -97,6 +98,7 @@ void ZELKSleepCostTracker::count(Battery &battery, const Mark &mark, const Charg
     const ZELKDate wake = wakeUpTo(mark);
     const bool isSoon = charge.date.timeIntervalSinceDate(wake) <= soon;
     const int atWake = isSoon ? charge.percentage : battery.told();
+    m_drainedBehind = battery.isInside ? mark.sleeps : m_drainedBehind;
     m_findings.add(m_marks.sleeps(), {battery.mark.sleeps, mark.sleeps},
                    std::uint32_t(&battery - m_batteries.data()), battery.last.percentage - atWake);
     countAwake(battery, battery.last.date, start, start.timeIntervalSinceDate(battery.last.date));

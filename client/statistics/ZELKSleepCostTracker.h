@@ -68,6 +68,8 @@ private:
     ZELKTextNumbering m_numbering; ///< of the batteries
     std::vector<Battery> m_batteries;
     ZELKSleepFindings m_findings;
+    /// How many sleeps there were when a battery inside was last found on battery behind one.
+    std::uint32_t m_drainedBehind = 0;
 };
 
 // In the header's sight, as a log has a million readings.

@@ -192,6 +192,8 @@ private Q_SLOTS:
             "c BAT0:0/0|0/6 BAT1:0/0|0/0");
         row("mains beside it much later", "b0:80 i0:50 s5 w65 b66:79 j80:50", all,
             "1 BAT0:1/60|0/6 BAT1:0/0|0/0");
+        row("mains beside it, but behind a reading", "b0:80 i0:50 s5 w65 b66:72 j66:50", all,
+            "8 BAT0:8/60|0/6 BAT1:0/0|0/0");
         row("charged outside", "b0:80 x0:50 s5 w65 b66:79 x66:60", all, "1 BAT0:1/60|0/6 UPS:0/0|0/0");
         // entries that arrived late have their places in time
         row("a late stop", "b0:80 s5 w65 b66:72 n4", all, "g BAT0:0/0|0/0");
