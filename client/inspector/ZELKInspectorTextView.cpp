@@ -3,6 +3,7 @@
 #include "ZELKAssertion.h"
 #include "ZELKTextDocument.h"
 
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QTextBlock>
@@ -140,6 +141,17 @@ QSize ZELKInspectorTextView::sizeHint() const
 }
 
 // MARK: events
+
+/// The window's menu has these keys too, for its table; here they are the text's.
+bool ZELKInspectorTextView::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        if (key->matches(QKeySequence::Copy) || key->matches(QKeySequence::SelectAll))
+            event->accept();
+    }
+    return QTextEdit::event(event);
+}
 
 void ZELKInspectorTextView::changeEvent(QEvent *event)
 {

@@ -33,6 +33,7 @@ protected:
     virtual void fill(QTextDocument &document) const;
     void refill();
 
+    bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     QMimeData *createMimeDataFromSelection() const override;

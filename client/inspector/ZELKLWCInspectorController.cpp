@@ -13,6 +13,8 @@
 #include "ZELKNotificationQueue.h"
 #include "ZELKUserDefaults.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QTimer>
 
 #include <algorithm>
@@ -60,6 +62,7 @@ ZELKLWCInspectorController::~ZELKLWCInspectorController()
 void ZELKLWCInspectorController::awakeFromNib()
 {
     m_subViewControllers.clear();
+    QCoreApplication::instance()->installEventFilter(this);
     const auto changed = [this] { zelkGuard([this] { observedValueDidChange(); }); };
     const ZELKLWCLogTableController &table = m_outlets.tableController;
     const ZELKLWCLogTableModel &model = m_outlets.tableController.model();
@@ -147,6 +150,7 @@ void ZELKLWCInspectorController::showInformationPanel()
     ZELKLWCInspectorWindow &panel = inspectorWindow();
     updateContents();
     panel.show();
+    panel.raise();
 }
 
 void ZELKLWCInspectorController::hideInformationPanel()
@@ -165,9 +169,29 @@ void ZELKLWCInspectorController::panelBecameVisible(bool isVisible)
 {
     if (!isVisible)
         saveFrame();
-    if (m_outlets.defaults.boolForKey(visibleKey) != isVisible)
+    if (m_outlets.defaults.boolForKey(visibleKey) != isVisible && !m_isEnding)
         m_outlets.defaults.setValue(visibleKey, isVisible);
     Q_EMIT visibleChanged(isVisible);
+}
+
+/// A program that is to end closes its windows: that hides the panel, but nobody wanted it hidden.
+bool ZELKLWCInspectorController::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Quit) {
+        m_isEnding = true;
+        QTimer::singleShot(0, this, [this] { zelkGuard([this] { programGoesOn(); }); });
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+/// Somebody would not let it end.
+void ZELKLWCInspectorController::programGoesOn()
+{
+    if (!m_outlets.window.isVisible())
+        return;
+    m_isEnding = false;
+    if (m_outlets.defaults.boolForKey(visibleKey) && !isVisible())
+        showInformationPanel();
 }
 
 // MARK: following

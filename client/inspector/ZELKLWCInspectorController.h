@@ -67,6 +67,9 @@ public:
     void removeAllSubViewControllers();
     void layoutSubViewControllers();
 
+    /// Notices that the program is asked to end.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 Q_SIGNALS:
     void visibleChanged(bool isVisible);
     /// The panel was brought up to date.
@@ -88,6 +91,7 @@ private:
     bool hasSameSelection(const Parts &parts) const;
     void bindVisible();
     void panelBecameVisible(bool isVisible);
+    void programGoesOn();
     void observedValueDidChange();
     void inspectorSelectionCoalescedDidChange();
     void lookDidChange();
@@ -99,4 +103,5 @@ private:
     SubViewControllers m_subViewControllers;
     Parts m_shown;
     bool m_isUpToDate = false; // the sub-views show `m_shown`
+    bool m_isEnding = false;   // the program
 };

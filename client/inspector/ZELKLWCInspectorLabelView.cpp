@@ -12,9 +12,12 @@
 #include <QLinearGradient>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace {
 
 constexpr double heightInLines = 1.6;
+constexpr double widestInCharacters = 40.0; // what is longer is cut
 
 QFontMetricsF metricsOf(const ZELKAttributedString &title)
 {
@@ -89,8 +92,9 @@ void ZELKLWCInspectorLabelView::setInsetWidth(double width)
 QSize ZELKLWCInspectorLabelView::sizeHint() const
 {
     const QFontMetricsF metrics = metricsOf(m_attributedTitle);
-    return {qRound(metrics.horizontalAdvance(m_attributedTitle.string()) + metrics.height()),
-            qRound(metrics.height() * heightInLines)};
+    const double width = std::min(metrics.horizontalAdvance(m_attributedTitle.string()),
+                                  metrics.averageCharWidth() * widestInCharacters);
+    return {qRound(width + metrics.height()), qRound(metrics.height() * heightInLines)};
 }
 
 // MARK: tint

@@ -185,6 +185,15 @@ bool ZELKLWCInspectorWindow::setFrameUsingName(const QString &name)
 
 // MARK: events
 
+/// What closes a window closes this one, not the one with the menu.
+bool ZELKLWCInspectorWindow::event(QEvent *event)
+{
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent *>(event)->matches(QKeySequence::Close))
+        event->accept();
+    return QWidget::event(event);
+}
+
 void ZELKLWCInspectorWindow::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
@@ -202,7 +211,7 @@ void ZELKLWCInspectorWindow::hideEvent(QHideEvent *event)
 
 void ZELKLWCInspectorWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape)
+    if (event->key() == Qt::Key_Escape || event->matches(QKeySequence::Close))
         close();
     else
         QWidget::keyPressEvent(event);
@@ -211,7 +220,6 @@ void ZELKLWCInspectorWindow::keyPressEvent(QKeyEvent *event)
 void ZELKLWCInspectorWindow::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange ||
-        event->type() == QEvent::PaletteChange)
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         Q_EMIT lookChanged();
 }

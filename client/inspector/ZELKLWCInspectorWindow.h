@@ -46,10 +46,11 @@ public:
 Q_SIGNALS:
     /// By whoever: the program, the close button, Escape.
     void visibleChanged(bool isVisible);
-    /// Another font, style or palette.
+    /// Another font or style; colours are followed by the parts themselves.
     void lookChanged();
 
 protected:
+    bool event(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;

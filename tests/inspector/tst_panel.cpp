@@ -122,6 +122,8 @@ private Q_SLOTS:
         QCOMPARE(lines.last(), u"and 19,500 more"_s);
         QVERIFY(part->view()->heightForWidth(300) < 20 * table.fontMetrics().lineSpacing());
         QCOMPARE(table.accessibleName(), u"Processes"_s);
+        const auto label = SubView::inspectorSubViewControllerWithLabel(QString(3000, u'N'));
+        QVERIFY(label->view()->sizeHint().width() <= part->view()->sizeHint().width());
     }
 
     void copiesWhatIsSelected()
@@ -318,6 +320,9 @@ private Q_SLOTS:
 
     void labelFollowsTheTint()
     {
+        InspectorBed bed;
+        bed.select(0, 0);
+        bed.inspector->showInformationPanel();
         const QPalette usual = QApplication::palette();
         ZELKLWCInspectorLabelView label;
         label.setTitle(u"Title"_s);
@@ -335,6 +340,8 @@ private Q_SLOTS:
         QCOMPARE(label.borderColor(), QColor(Qt::magenta));
         QCOMPARE(label.backgroundColor(), QColor(250, 180, 60));
         const QImage after = label.grab().toImage();
+        settle(); // the panel's own label is not made anew for it
+        QCOMPARE(bed.panel().findChild<ZELKLWCInspectorLabelView *>()->borderColor(), QColor(Qt::magenta));
         QApplication::setPalette(usual);
         QVERIFY(before != after);
         QCOMPARE(after.pixelColor(150, 6), QColor(250, 180, 60)); // the upper half is plain

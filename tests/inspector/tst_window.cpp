@@ -2,6 +2,8 @@
 #include "ZELKLWCInspectorController.h"
 #include "ZELKLWCInspectorWindow.h"
 
+#include <QClipboard>
+#include <QTextEdit>
 #include <QToolButton>
 
 namespace {
@@ -43,7 +45,12 @@ private Q_SLOTS:
         QVERIFY(isVisible());
         session.press(Qt::Key_I, Qt::ControlModifier | Qt::ShiftModifier);
         QTRY_COMPARE(QApplication::activeWindow(), panel());
-        QVERIFY(panel()->isAncestorOf(QApplication::focusWidget()));
+        const auto *text = qobject_cast<QTextEdit *>(QApplication::focusWidget());
+        QVERIFY(text && panel()->isAncestorOf(text));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier); // not the table's
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(session.table().selectedObjects().size(), 1);
+        QCOMPARE(QGuiApplication::clipboard()->text(), text->toPlainText());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_I, Qt::ControlModifier); // from there as well
         QVERIFY(!isVisible());
         QTRY_COMPARE(QApplication::focusWidget(), &table);
@@ -61,6 +68,10 @@ private Q_SLOTS:
             QTRY_VERIFY(panel() && panel()->isVisible());
             session.window.close();
             session.window.hide();
+            if (!isFirst) { // all windows are closed then
+                QEvent quit(QEvent::Quit);
+                QCoreApplication::sendEvent(QCoreApplication::instance(), &quit);
+            }
             QVERIFY(session.wiring.defaults().boolForKey(key));
             QVERIFY(!session.wiring.defaults().stringForKey(u"ZELK Window Frame Inspector"_s).isEmpty());
         }
