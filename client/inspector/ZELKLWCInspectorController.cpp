@@ -13,7 +13,7 @@
 #include "ZELKNotificationQueue.h"
 #include "ZELKUserDefaults.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QEvent>
 #include <QTimer>
 
@@ -256,6 +256,7 @@ void ZELKLWCInspectorController::updateContents()
     Parts wanted = parts();
     if (!isShown(wanted)) {
         const int position = hasSameSelection(wanted) ? inspectorWindow().scrollPosition() : 0;
+        const bool hasKeys = inspectorWindow().isAncestorOf(QApplication::focusWidget());
         removeAllSubViewControllers();
         if (wanted.empty())
             addSubViewController(
@@ -268,6 +269,8 @@ void ZELKLWCInspectorController::updateContents()
         m_shown = std::move(wanted);
         m_isUpToDate = true;
         layoutSubViewControllers();
+        if (hasKeys)
+            inspectorWindow().takeKeys();
         inspectorWindow().setScrollPosition(position);
     }
     Q_EMIT didUpdateContents();

@@ -124,8 +124,10 @@ void Controller::loadNib(const QString &nib)
 
 void Controller::awakeFromNib()
 {
-    if (auto *message = outlet<ZELKInspectorTextView>("messageView"))
+    if (auto *message = outlet<ZELKInspectorTextView>("messageView")) {
         message->setAttributedText(centred(m_attributeKey));
+        message->setAccessibleName(m_attributeKey);
+    }
     if (auto *headline = outlet<ZELKInspectorTextView>("titleView")) {
         headline->setAttributedText(title());
         headline->setAccessibleName(m_attributeKey);

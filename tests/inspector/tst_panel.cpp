@@ -146,6 +146,13 @@ private Q_SLOTS:
                  qPrintable(QGuiApplication::clipboard()->text()));
         QTest::keyClick(&table, Qt::Key_Escape);
         QVERIFY(!bed.inspector->isVisible());
+        bed.inspector->showInformationPanel();
+        bed.panel().takeKeys();
+        bed.view.clearSelection(); // the keys stay in the panel
+        settle();
+        const QWidget *message = QApplication::focusWidget();
+        QVERIFY(bed.panel().isAncestorOf(message));
+        QCOMPARE(message->accessibleName(), u"No Selection"_s);
     }
 
     // MARK: when it is made anew
