@@ -67,7 +67,8 @@ bool ZELKPrintCommand::run(const ZELKPrintRequest &request)
     ZELKPrintOperation operation(controller.makeReport(controller.printInfo()), controller.printInfo());
     const ZELKTerminationSignals termination;
     connect(&termination, &ZELKTerminationSignals::received, this, [this] { m_isCancelled = true; });
-    while (!m_isCancelled && operation.advance(sliceMilliseconds) == State::Printing)
+    while ((!m_isCancelled || !operation.canBeCancelled()) &&
+           operation.advance(sliceMilliseconds) == State::Printing)
         QCoreApplication::processEvents();
     if (operation.state() == State::Failed)
         m_complain(ZELKFormat(ZELKCommandLineText("Cannot save file: '%@': %s"),

@@ -7,16 +7,20 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <utility>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr qint64 pieceSize = qint64(4) << 20;
+constexpr qint64 pipePieceSize = PIPE_BUF; // what is ready takes that much without making us wait
+constexpr int waitMilliseconds = 20;
 
 QString folderOf(const QString &path)
 {
@@ -78,6 +82,7 @@ bool ZELKExportFile::checkPath()
     if (!m_exists && errno != ENOENT)
         return false;
     m_isRegular = !m_exists || S_ISREG(status.st_mode);
+    m_isPipe = m_exists && S_ISFIFO(status.st_mode);
     if (m_exists && S_ISDIR(status.st_mode)) {
         errno = EISDIR;
         return false;
@@ -112,24 +117,37 @@ ZELKExportFile::Placing ZELKExportFile::place()
     if (m_isBeside && !m_exists) {
         if (m_staging.giveName(m_path))
             return Placing::Done;
-        m_exists = errno == EEXIST; // else the system knows no such step
+        m_exists = QFileInfo::exists(m_path); // else the system knows no such step, or a link leads nowhere
         m_isBeside = false;
     }
-    if ((m_target < 0 && !openTarget()) || !copyPiece())
+    if (m_target < 0 && !openTarget())
+        return m_error == 0 ? Placing::More : Placing::Failed;
+    if (!copyPiece())
         return m_error == 0 ? Placing::Done : Placing::Failed;
     return m_placed < m_size ? Placing::More : Placing::Done;
+}
+
+/// Waits a moment for a pipe or device, never for long: somebody may want to cancel.
+bool ZELKExportFile::takesMore() const
+{
+    pollfd target = {m_target, POLLOUT, 0};
+    return m_isRegular || ::poll(&target, 1, waitMilliseconds) != 0;
 }
 
 /// False also when its reader has gone, which is no error.
 bool ZELKExportFile::copyPiece()
 {
-    const QByteArray piece = m_staging.read(m_placed, std::min(pieceSize, m_size - m_placed));
+    if (!takesMore())
+        return true;
+    const qint64 most = m_isRegular ? pieceSize : pipePieceSize;
+    const QByteArray piece = m_staging.read(m_placed, std::min(most, m_size - m_placed));
     const bool wasRead = !piece.isNull() && (!piece.isEmpty() || m_placed == m_size);
     const qint64 done = ZELKPosixFile::writeAll(
         piece.constData(), piece.size(),
         [this](const char *bytes, std::size_t count, qint64) { return ::write(m_target, bytes, count); });
     m_placed += done;
-    if (wasRead && done == piece.size() && (m_placed < m_size || finishTarget()))
+    const bool isWritten = done == piece.size() || errno == EAGAIN;
+    if (wasRead && isWritten && (m_placed < m_size || finishTarget()))
         return true;
     if (m_isOurTarget || errno != EPIPE)
         fail();
@@ -142,10 +160,15 @@ double ZELKExportFile::placedFraction() const
     return double(m_placed) / double(std::max(m_size, qint64(1)));
 }
 
+/// False without an error while a pipe has no reader.
 bool ZELKExportFile::openTarget()
 {
-    m_target = ::open(QFile::encodeName(m_path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY,
-                      ZELKPosixFile::usualMode);
+    m_target = ::open(QFile::encodeName(m_path).constData(),
+                      O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, ZELKPosixFile::usualMode);
+    if (m_target < 0 && errno == ENXIO && m_isPipe) {
+        ::poll(nullptr, 0, waitMilliseconds);
+        return false;
+    }
     struct stat status = {};
     if (m_target < 0 || ::fstat(m_target, &status) != 0)
         return fail();
@@ -159,10 +182,11 @@ bool ZELKExportFile::openTarget()
     return true;
 }
 
-/// Before the first byte of the old content is lost. Where the system cannot tell beforehand, so be it.
+/// Before the first byte of the old content is lost; an old file may have holes. Where the system cannot tell
+/// beforehand, so be it.
 bool ZELKExportFile::makeRoom(qint64 oldSize)
 {
-    if (m_size <= oldSize || ::fallocate(m_target, 0, 0, m_size) == 0)
+    if (::fallocate(m_target, 0, 0, m_size) == 0)
         return true;
     const int reason = errno;
     if (reason == EOPNOTSUPP || reason == ENOSYS || reason == EINVAL)

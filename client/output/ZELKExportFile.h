@@ -14,7 +14,8 @@
 /// - into a file that is there, in place, so that it keeps its owner, its permissions and its links. First it
 ///   is made large enough; while that fails its old content stays. Where the writing fails after that, the
 ///   file is removed: half of a history must not pass for a whole one;
-/// - to a descriptor, or to a device or pipe that a name stands for.
+/// - to a descriptor, or to a device or pipe that a name stands for: as much at a time as it takes. A pipe is
+///   waited for while nobody reads it.
 ///
 /// Errors are error numbers (errno).
 class ZELKExportFile : public QIODevice
@@ -35,7 +36,7 @@ public:
     Placing place();
     double placedFraction() const;
     /// Whether an old file's content is being lost.
-    bool isReplacing() const { return m_target >= 0 && m_isOurTarget && m_exists; }
+    bool isReplacing() const { return m_target >= 0 && m_isOurTarget && m_exists && m_isRegular; }
 
     const QString &path() const { return m_path; }
     /// Of the first thing that failed; 0 while nothing has.
@@ -53,6 +54,7 @@ private:
     bool checkPath();
     bool openStaging();
     bool openTarget();
+    bool takesMore() const;
     bool copyPiece();
     bool makeRoom(qint64 oldSize);
     bool finishTarget();
@@ -67,6 +69,7 @@ private:
     int m_target = -1;
     bool m_isOurTarget = true;
     bool m_isRegular = false;
+    bool m_isPipe = false; // with a name
     qint64 m_placed = 0;
     int m_error = 0;
 };

@@ -6,6 +6,9 @@
 #include <QElapsedTimer>
 #include <QTemporaryFile>
 
+#include <cerrno>
+#include <cstring>
+
 ZELKPrintOperation::ZELKPrintOperation(std::unique_ptr<const ZELKLWCPrintableReportView> view,
                                        QPrinter &printer)
     : m_view(std::move(view))
@@ -29,11 +32,26 @@ ZELKPrintOperation::State ZELKPrintOperation::advance(int milliseconds)
 {
     QElapsedTimer elapsed;
     elapsed.start();
-    if (m_state == State::Printing && !m_painter.isActive())
+    if (m_state == State::Printing && !m_painter.isActive() && !m_target)
         begin();
     while (m_state == State::Printing && !elapsed.hasExpired(milliseconds))
-        m_printed < m_pages.size() ? printNext() : end();
+        goOn();
     return m_state;
+}
+
+void ZELKPrintOperation::goOn()
+{
+    if (m_target)
+        placeNext();
+    else if (m_printed < m_pages.size())
+        printNext();
+    else
+        end();
+}
+
+bool ZELKPrintOperation::canBeCancelled() const
+{
+    return !m_target || !m_target->isReplacing();
 }
 
 double ZELKPrintOperation::fraction() const
@@ -91,30 +109,45 @@ void ZELKPrintOperation::end()
     if (!m_painter.end())
         return fail();
     giveBackPrinter();
-    if (m_path.isEmpty() || placeFile())
+    if (m_path.isEmpty())
         m_state = State::Done;
+    else
+        beginPlacing();
 }
 
 /// Qt does not tell when it cannot write; a file that is whole ends with this.
-bool ZELKPrintOperation::placeFile()
+void ZELKPrintOperation::beginPlacing()
 {
     constexpr char lastWord[] = "%%EOF";
     const QByteArray bytes = m_file->readAll();
-    ZELKExportFile target(m_path);
-    if (!bytes.trimmed().endsWith(lastWord)) {
-        fail();
-        return false;
+    if (!bytes.trimmed().endsWith(lastWord))
+        return fail();
+    m_target = std::make_unique<ZELKExportFile>(m_path);
+    if (!m_target->open() || m_target->write(bytes) != bytes.size())
+        fail(m_target->systemErrorText());
+}
+
+/// Qt does not tell why it could not write to the file. What had no room a moment ago has none now.
+QString ZELKPrintOperation::reasonOfFile() const
+{
+    constexpr qsizetype roomy = 65536;
+    const bool hasRoom =
+        m_file->seek(m_file->size()) && m_file->write(QByteArray(roomy, ' ')) == roomy && m_file->flush();
+    return hasRoom ? QString::fromLocal8Bit(std::strerror(EIO)) : m_file->errorString();
+}
+
+void ZELKPrintOperation::placeNext()
+{
+    switch (m_target->place()) {
+    case ZELKExportFile::Placing::More:
+        break;
+    case ZELKExportFile::Placing::Done:
+        m_state = State::Done;
+        break;
+    case ZELKExportFile::Placing::Failed:
+        fail(m_target->systemErrorText());
+        break;
     }
-    if (!target.open() || target.write(bytes) != bytes.size()) {
-        fail(target.systemErrorText());
-        return false;
-    }
-    ZELKExportFile::Placing placing = ZELKExportFile::Placing::More;
-    while (placing == ZELKExportFile::Placing::More)
-        placing = target.place();
-    if (placing == ZELKExportFile::Placing::Failed)
-        fail(target.systemErrorText());
-    return placing == ZELKExportFile::Placing::Done;
 }
 
 void ZELKPrintOperation::fail(const QString &error)
@@ -124,7 +157,7 @@ void ZELKPrintOperation::fail(const QString &error)
         m_painter.end();
     }
     giveBackPrinter();
-    m_error = error;
+    m_error = error.isNull() && m_file ? reasonOfFile() : error;
     m_state = State::Failed;
 }
 

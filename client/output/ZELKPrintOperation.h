@@ -8,6 +8,7 @@
 #include <memory>
 
 class QTemporaryFile;
+class ZELKExportFile;
 
 /// Prints a report, in slices between which its owner does what else there is to do. Who destroys it before
 /// it is done has cancelled it: then a file that was to be printed to is as it was. A printer is told to
@@ -31,6 +32,8 @@ public:
     /// Goes on for about so long.
     State advance(int milliseconds);
     State state() const { return m_state; }
+    /// Not while a file that was there is being written over.
+    bool canBeCancelled() const;
     /// How far it is, from 0 to 1.
     double fraction() const;
     /// The system's words, where it has some.
@@ -42,9 +45,12 @@ public:
 private:
     void begin();
     bool beginFile();
-    bool placeFile();
+    void goOn();
     void printNext();
     void end();
+    void beginPlacing();
+    void placeNext();
+    QString reasonOfFile() const;
     void fail(const QString &error = {});
     void giveBackPrinter();
 
@@ -54,7 +60,8 @@ private:
     qsizetype m_printed = 0;
     QString m_path; // empty on a printer
     bool m_wasFullPage;
-    std::unique_ptr<QTemporaryFile> m_file; // printed to in place of the path
+    std::unique_ptr<QTemporaryFile> m_file;   // printed to in place of the path
+    std::unique_ptr<ZELKExportFile> m_target; // the path, once all is printed
     QPainter m_painter;
     State m_state = State::Printing;
     QString m_error;

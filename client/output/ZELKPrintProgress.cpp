@@ -45,8 +45,10 @@ void ZELKPrintProgress::advance()
 {
     switch (m_operation->advance(sliceMilliseconds)) {
     case ZELKPrintOperation::State::Printing:
-        if (m_sheet)
+        if (m_sheet) {
             m_sheet->setFraction(m_operation->fraction());
+            m_sheet->setCancellable(m_operation->canBeCancelled());
+        }
         break;
     case ZELKPrintOperation::State::Done:
         end({});

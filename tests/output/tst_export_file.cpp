@@ -1,5 +1,6 @@
 // How an exported file comes to its place, and what is left where it does not.
 #include "Files.h"
+#include "LargestFile.h"
 #include "Rows.h"
 #include "ZELKBytesSource.h"
 #include "ZELKFileExport.h"
@@ -8,9 +9,8 @@
 #include <QTemporaryDir>
 
 #include <cerrno>
-#include <csignal>
 
-#include <sys/resource.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,25 +19,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using State = ZELKFileExport::State;
-
-/// Files of this process cannot become larger than that while it lives.
-class LargestFile
-{
-public:
-    explicit LargestFile(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~LargestFile() { ::setrlimit(RLIMIT_FSIZE, &m_before); }
-    LargestFile(const LargestFile &) = delete;
-    LargestFile &operator=(const LargestFile &) = delete;
-
-private:
-    rlimit m_before{};
-};
 
 QByteArray bytes(qsizetype size)
 {
@@ -155,6 +136,32 @@ private Q_SLOTS:
         writeFile(path("file"), "old and longer");
         QCOMPARE(carryOut(work), State::Done);
         QCOMPARE(readFile(path("file")), QByteArray("new"));
+    }
+
+    /// A pipe is waited for, while nobody reads it and while it is full; meanwhile all can be cancelled.
+    void pipe()
+    {
+        const QByteArray name = QFile::encodeName(path("pipe"));
+        QCOMPARE(::mkfifo(name.constData(), 0600), 0);
+        ZELKFileExport work = exportOf(bytes(megabyte), path("pipe"));
+        while (work.state() == State::Producing)
+            work.advance(0);
+        QCOMPARE(work.advance(0), State::Placing);
+        const int reader = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        for (double before = -1.0; before < work.fraction();) {
+            before = work.fraction();
+            QCOMPARE(work.advance(0), State::Placing);
+        }
+        QVERIFY(work.canBeCancelled());
+        QByteArray read;
+        QByteArray piece(megabyte, '\0');
+        for (qint64 size = 1; size > 0 || work.state() == State::Placing; work.advance(0)) {
+            size = ::read(reader, piece.data(), std::size_t(piece.size()));
+            read += piece.first(std::max(size, qint64(0)));
+        }
+        ::close(reader);
+        QCOMPARE(work.state(), State::Done);
+        QCOMPARE(read, bytes(megabyte));
     }
 
     void failures()

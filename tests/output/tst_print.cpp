@@ -1,6 +1,7 @@
 // The table on paper: how it is divided into pages, what stands where, and what others read in the PDF.
 #include "ConsoleLines.h"
 #include "Files.h"
+#include "LargestFile.h"
 #include "NamedRows.h"
 #include "PrintFixture.h"
 #include "ZELKAssertion.h"
@@ -171,6 +172,19 @@ private Q_SLOTS:
         QCOMPARE(image, before);
         QCOMPARE(bed.print(std::move(report)), State::Done);
         QVERIFY(!QFile::exists(bed.file()));
+    }
+
+    /// Margins that leave nothing: a row a page, none of which can be seen.
+    void aSheetCanBeTooSmall()
+    {
+        PrintFixture bed(3);
+        const ZELKLWCPrintableReportView report(&bed.view, &bed.model(), u"title"_s,
+                                                {{20.0, 20.0}, {15.0, 15.0, 15.0, 15.0}});
+        QCOMPARE(report.pages(), 3);
+        QImage image(20, 20, QImage::Format_RGB32);
+        QPainter painter(&image);
+        for (qint64 page = 1; page <= report.pages(); ++page)
+            report.drawRect(painter, report.rectForPage(page));
     }
 
     void theResolutionChangesNothing()
@@ -351,6 +365,13 @@ private Q_SLOTS:
         ZELKPrintOperation failing(bed.report(), bed.printer);
         QCOMPARE(failing.advance(100'000), State::Failed);
         QCOMPARE(failing.error(), u"No such file or directory"_s);
+        bed.printer.setOutputFileName(bed.file());
+        bed.printer.setPrintRange(QPrinter::AllPages);
+        const LargestFile limit(50'000); // in the temporary folder
+        ZELKPrintOperation half(bed.report(), bed.printer);
+        QCOMPARE(half.advance(100'000), State::Failed);
+        QCOMPARE(half.error(), u"File too large"_s);
+        QCOMPARE(linesOfPages(bed.file()).size(), 2);
     }
 };
 
