@@ -63,7 +63,10 @@ public:
     const ZELKApplicationSettings &settings() const { return m_settings; }
     /// Where services of the application stand.
     const QDBusConnection &bus() const { return m_bus; }
-    const std::optional<ZELKApplicationsMenu::Folders> &applicationsMenu() const { return m_applicationsMenu; }
+    const std::optional<ZELKApplicationsMenu::Folders> &applicationsMenu() const
+    {
+        return m_applicationsMenu;
+    }
     ZELKUserDefaults &defaults() { return m_defaults; }
     ZELKLWCDateRangeController &dateRange() { return m_dateRange; }
     ZELKLWCLog &log() { return m_log; }

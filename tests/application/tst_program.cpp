@@ -243,8 +243,9 @@ private Q_SLOTS:
                 R"("costs": {"B": {"lost": 10, "percentPerHour": 5}}}]}})"
                 "\n"));
         const QString text = program.run("stats --from 2024-03-05 --to 2024-03-05").output;
-        QVERIFY2(text.startsWith("Tuesday, 5 March 2024\n4 entries\n\nUsage\n  Awake   91.7%  21h 59m 59s"_L1),
-                 qPrintable(text));
+        QVERIFY2(
+            text.startsWith("Tuesday, 5 March 2024\n4 entries\n\nUsage\n  Awake   91.7%  21h 59m 59s"_L1),
+            qPrintable(text));
         QVERIFY2(text.contains("\nSleeps\n  B asleep  "_L1), qPrintable(text));
         // several days, hours, and days beyond all that is recorded
         const std::pair<const char *, const char *> titles[] = {
