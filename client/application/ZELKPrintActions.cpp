@@ -8,8 +8,6 @@
 #include <QAction>
 #include <QMainWindow>
 
-using Item = ZELKLWCPrintController::MenuItem;
-
 ZELKPrintActions::ZELKPrintActions(QMainWindow &window, ZELKLWCDateRangeController &dateRange,
                                    ZELKLWCLogTableController &table, ZELKLWCLogTableView &view)
     : QObject(&window)
@@ -40,7 +38,7 @@ QAction *ZELKPrintActions::connectAction(const char *name, void (ZELKLWCPrintCon
 void ZELKPrintActions::validate()
 {
     for (QAction *action : {m_print, m_preview})
-        action->setEnabled(m_controller.validateMenuItem(Item::Print));
+        action->setEnabled(m_controller.validateMenuItem(ZELKLWCPrintController::MenuItem::Print));
 }
 
 void ZELKPrintActions::showFailure(const QString &error)
