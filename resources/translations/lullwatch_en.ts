@@ -942,10 +942,10 @@ export:
   --output FILE      where to; - is standard output
   --format FORMAT    txt (tabs between date, summary and attributes), rtf, plist, doc, tiff or png; without this, as
                      the FILE's name ends
-  --width NUMBER, --height NUMBER, RANGE, --from, --to
+  --width NUMBER, --height NUMBER, RANGE, --from, --to (of which the days count)
                      of a picture: its size from 150 to 15000 (1200 and 300 without these), and what it shows
 
-print: RANGE, --from and --to as for list
+print: RANGE as for list; --from and --to, of which the days count
   --output FILE      where to
   --paper PAPER      A4 or Letter; without this, what is usual here
   --landscape        the sheets lie on their sides
