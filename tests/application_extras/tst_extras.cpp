@@ -1,3 +1,5 @@
+#include "Files.h"
+#include "Rows.h"
 #include "ZELKApplicationExtras.h"
 #include "ZELKBundle.h"
 #include "ZELKDesktopEntry.h"
@@ -8,15 +10,12 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QDialog>
-#include <QDir>
-#include <QFile>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -24,14 +23,6 @@ namespace {
 
 using Outcome = ZELKPathResolution::Outcome;
 using Answer = ZELKUpdateCheck::Answer;
-
-void write(const QString &path, const QByteArray &bytes)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("%s cannot be written", qPrintable(path));
-}
 
 QByteArray link(const QString &target)
 {
@@ -47,9 +38,9 @@ struct Bed
         ZELKEnvironment environment = ZELKEnvironment::system();
         environment.mainBundle = bundle;
         scope.emplace(environment);
-        write(executable(), "#!/bin/sh\n");
+        writeFile(executable(), "#!/bin/sh\n");
         QFile::setPermissions(executable(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        write(at("icon.svg"), "<svg/>");
+        writeFile(at("icon.svg"), "<svg/>");
     }
     QString at(const char *path) const { return root + u'/' + QString::fromUtf8(path); }
     QString executable() const { return at("a \"$100%\" folder\\/lullwatch"); }
@@ -100,228 +91,203 @@ class ExtrasTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void pathsLeadThere_data();
-    void pathsLeadThere();
-    void commandsAreTakenApart_data();
-    void commandsAreTakenApart();
-    void isOfferedToComeIntoTheMenu();
-    void isNotOfferedAgain();
-    void aFailureIsTold();
-    void updates_data();
-    void updates();
-    void asksWhoeverKnows();
-    void theMenuGetsItsItems();
+    void pathsLeadThere_data()
+    {
+        const Rows<QString, QString, Outcome> row; // path, and where it ends
+        row("nothing to follow", "/real/file", "/real/file");
+        row("dots and slashes", "/real/./..//real//file/", "/real/file");
+        row("link to a folder, relative", "/to-real/file", "/real/file");
+        row("link to a link", "/twice/file", "/real/file");
+        row("up from where a link leads", "/deep/../file", "/real/file");
+        row("desktop link", "/alias.desktop", "/real/file");
+        row("desktop link in the middle", "/folder.desktop/file", "/real/file");
+        row("desktop entry of a program", "/program.desktop", "/program.desktop");
+        row("desktop link to elsewhere", "/web.desktop", "/web.desktop");
+        row("missing at the end", "/real/none", "/real/none", Outcome::Missing);
+        row("missing in the middle", "/none/file", "/none", Outcome::Missing);
+        row("link to nothing", "/broken", "/nowhere", Outcome::Missing);
+        row("a file is no folder", "/real/file/more", "/real/file", Outcome::Missing);
+        row("loop of one", "/self", "/self", Outcome::Loop);
+        row("loop of a link and a desktop link", "/a/file", "", Outcome::Loop);
+        row("the same link again is no loop", "/to-real/up/to-real/file", "/real/file");
+    }
+    void pathsLeadThere()
+    {
+        const auto [path, end, outcome] = Rows<QString, QString, Outcome>::fetch();
+        const Bed bed;
+        const auto linkTo = [&bed](const char *name, const QString &target) {
+            QVERIFY(QFile::link(target, bed.at(name)));
+        };
+        writeFile(bed.at("real/file"), "x");
+        writeFile(bed.at("real/inner/file"), "x");
+        linkTo("to-real", u"real"_s);
+        linkTo("twice", bed.at("to-real"));
+        linkTo("deep", u"to-real/inner"_s);
+        linkTo("real/up", u".."_s);
+        linkTo("broken", bed.at("nowhere"));
+        linkTo("self", u"self"_s);
+        linkTo("a", u"b.desktop"_s);
+        writeFile(bed.at("b.desktop"), link(u"file://"_s + bed.at("a")));
+        writeFile(bed.at("alias.desktop"), link(u"file://"_s + bed.at("to-real/file")));
+        writeFile(bed.at("folder.desktop"), link(u"file://"_s + bed.at("real")));
+        writeFile(bed.at("web.desktop"), link(u"https://example.org/"_s));
+        writeFile(bed.at("program.desktop"), "[Desktop Entry]\nType=Application\nURL=file:///real\n");
+
+        const auto result = ZELKPathResolution::resolve(bed.root + path);
+        QCOMPARE(result.outcome, outcome);
+        if (!end.isEmpty())
+            QCOMPARE(result.path, bed.root + end);
+        QCOMPARE(ZELKPathResolution::resolve(path.sliced(1), bed.root), result);
+    }
+
+    void commandsAreTakenApart_data()
+    {
+        const Rows<QByteArray, QStringList> row;
+        row("plain", "lullwatch  --all", QStringList{u"lullwatch"_s, u"--all"_s});
+        row("quotes, codes", "\"a b\" %U c%%d \"\" \"e\\\\\"f\"",
+            QStringList{u"a b"_s, u"c%d"_s, u""_s, u"e\"f"_s});
+        row("open quote", "\"a b");
+        const QString strange = u"/x \"$`\\%u/ü"_s;
+        row("what we write", ZELKDesktopEntry::quoted(strange), QStringList{strange});
+    }
+    void commandsAreTakenApart()
+    {
+        const auto [exec, words] = Rows<QByteArray, QStringList>::fetch();
+        const auto entry = ZELKDesktopEntry::parse(
+            "[Other]\nExec=no\n[Desktop Entry]\n# Exec=no\nExec = " + exec + "\n[Desktop Action]\nExec=no\n");
+        QVERIFY(entry);
+        QCOMPARE(entry->command(), words);
+    }
+
+    void isOfferedToComeIntoTheMenu()
+    {
+        Bed bed;
+        ZELKApplicationExtras extras = bed.extras();
+        extras.offerToMoveToApplicationsFolder(bed.window);
+        QVERIFY(bed.press(QMessageBox::AcceptRole)); // add
+        const auto entry = ZELKDesktopEntry::read(bed.at("user/applications/org.example.desktop"));
+        QVERIFY(entry);
+        QCOMPARE(entry->value(u"Comment"_s), u"Two\nlines"_s);
+        QVERIFY(QFile::exists(bed.at("user/icons/hicolor/scalable/apps/org.example.svg")));
+        bed.canStart = false;
+        QVERIFY(bed.press(QMessageBox::AcceptRole)); // start again
+        QCOMPARE(bed.started, QStringList{bed.executable()});
+        QCOMPARE(bed.quits, 0);
+        QVERIFY(bed.press(QMessageBox::AcceptRole)); // it could not
+        extras.offerToMoveToApplicationsFolder(bed.window);
+        QVERIFY(!bed.press(QMessageBox::RejectRole)); // it is there already
+
+        // What the menu starts is another program: a copy of this one that was unpacked elsewhere.
+        writeFile(bed.at("user/applications/org.example.desktop"),
+                  "[Desktop Entry]\nExec=" + bed.at("icon.svg").toUtf8());
+        extras.offerToMoveToApplicationsFolder(bed.window);
+        bed.canStart = true;
+        QVERIFY(bed.press(QMessageBox::AcceptRole));
+        QVERIFY(bed.press(QMessageBox::AcceptRole));
+        QCOMPARE(bed.quits, 1);
+    }
+
+    void isNotOfferedAgain()
+    {
+        Bed bed;
+        ZELKApplicationExtras extras = bed.extras();
+        extras.offerToMoveToApplicationsFolder(bed.window);
+        bed.window.findChild<QCheckBox *>()->setChecked(true);
+        QVERIFY(bed.press(QMessageBox::RejectRole));
+        QVERIFY(bed.defaults.boolForKey(u"moveToApplicationsFolderAlertSuppress"_s));
+        QVERIFY(!QFile::exists(bed.at("user")));
+        extras.offerToMoveToApplicationsFolder(bed.window);
+        QVERIFY(!bed.press(QMessageBox::RejectRole));
+    }
+
+    void aFailureIsTold()
+    {
+        Bed bed;
+        writeFile(bed.at("user/applications"), "a file where a folder should be");
+        ZELKApplicationExtras extras = bed.extras();
+        extras.offerToMoveToApplicationsFolder(bed.window);
+        QVERIFY(bed.press(QMessageBox::AcceptRole));
+        const auto *told = bed.window.findChild<QMessageBox *>();
+        QVERIFY(told && told->isVisible());
+        QCOMPARE(told->icon(), QMessageBox::Warning);
+    }
+
+    void understandsAnswers()
+    {
+        using Check = ZELKUpdateCheck;
+        const QByteArray policy = "lullwatch:\n  Installed: 1.0-1\n  Candidate: ";
+        QVERIFY(Check::answerOfApt(policy + "1.0-1\n") ==
+                (Answer{Answer::Kind::Newest, u"1.0-1"_s, u"apt"_s}));
+        QVERIFY(Check::answerOfApt(policy + "1.1-1\n") ==
+                (Answer{Answer::Kind::Newer, u"1.1-1"_s, u"apt"_s}));
+        QVERIFY(Check::answerOfApt("N: Unable to locate\n") == Answer{});
+        const QByteArray releases = "<component><releases><release version=\"0.9\"/>"
+                                    "<release version=\"0.10\"/></releases></component>";
+        const Answer found{Answer::Kind::Newer, u"0.10"_s, u"AppStream"_s};
+        QVERIFY(Check::answerOfCatalogue(releases, u"0.9"_s) == found);
+        QCOMPARE(Check::answerOfCatalogue(releases, u"0.10"_s).kind, Answer::Kind::Newest);
+        QVERIFY(Check::answerOfCatalogue("<a", u"1"_s) == Answer{});
+    }
+
+    void asksWhoeverKnows()
+    {
+        QStringList asked;
+        QHash<QString, QByteArray> answers{
+            {u"dpkg-query"_s, "lullwatch: /usr/bin/lullwatch\n"},
+            {u"apt-cache"_s, "lullwatch:\n  Installed: (none)\n  Candidate: 2\n"}};
+        ZELKUpdateCheck check({u"/usr/bin/lullwatch"_s, u"org.example"_s, u"1"_s},
+                              [&](const QString &program, const QStringList &arguments, const auto &then) {
+                                  asked.append(program + u' ' + arguments.last());
+                                  then(answers.contains(program)
+                                           ? ZELKUpdateCheck::Output(answers.value(program))
+                                           : std::nullopt);
+                              });
+        QSignalSpy finished(&check, &ZELKUpdateCheck::finished);
+        check.start();
+        QCOMPARE(asked, (QStringList{u"dpkg-query /usr/bin/lullwatch"_s, u"apt-cache lullwatch"_s,
+                                     u"appstreamcli org.example"_s}));
+        QCOMPARE(finished.count(), 1);
+
+        // Real programs end, whether they are there or not.
+        ZELKUpdateCheck::Output output = QByteArray("untouched");
+        ZELKUpdateCheck::programs()(u"/no/such/program"_s, {},
+                                    [&output](const auto &told) { output = told; });
+        QTRY_VERIFY(!output);
+        ZELKUpdateCheck::programs()(u"echo"_s, {u"hello"_s}, [&output](const auto &told) { output = told; });
+        QTRY_COMPARE(output.value_or(QByteArray()), "hello\n");
+    }
+
+    void theMenuGetsItsItems()
+    {
+        Bed bed;
+        writeFile(
+            bed.at("bundle/Info.plist"),
+            "<plist version=\"1.0\"><dict><key>ZELKApplicationExtrasItems</key><array><dict><key>title</key>"
+            "<string>Website</string><key>url</key><string>https://example.org</string></dict></array></"
+            "dict></"
+            "plist>");
+        const ZELKBundle bundle(bed.at("bundle"));
+        ZELKApplicationExtras extras({bundle, {}, bed.executable(), bed.run}, bed.defaults);
+        QMenu menu;
+        menu.addAction(u"first"_s);
+        menu.addSeparator();
+        menu.addAction(u"last"_s);
+        extras.insertItems(menu, bed.window);
+        QStringList texts;
+        for (const QAction *action : menu.actions())
+            texts.append(action->text());
+        QCOMPARE(texts,
+                 (QStringList{u"first"_s, QString(), menu.actions().at(2)->text(), u"Website"_s, u"last"_s}));
+        menu.actions().at(2)->trigger();
+        const auto *told = bed.window.findChild<QMessageBox *>(u"updates"_s);
+        QVERIFY(told && told->isVisible());
+
+        ZELKApplicationExtras real = bed.extras();
+        real.orderFrontAboutPanel(bed.window);
+        const auto *version = bed.window.findChild<QLabel *>(u"version"_s);
+        QVERIFY(version->text().contains(bed.bundle->infoDictionary().string(u"CFBundleVersion"_s)));
+    }
 };
-
-void ExtrasTest::pathsLeadThere_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<Outcome>("outcome");
-    QTest::addColumn<QString>("end");
-    QTest::newRow("nothing to follow") << u"/real/file"_s << Outcome::Resolved << u"/real/file"_s;
-    QTest::newRow("dots and slashes") << u"/real/./..//real//file/"_s << Outcome::Resolved << u"/real/file"_s;
-    QTest::newRow("link to a folder, relative") << u"/to-real/file"_s << Outcome::Resolved << u"/real/file"_s;
-    QTest::newRow("link to a link") << u"/twice/file"_s << Outcome::Resolved << u"/real/file"_s;
-    QTest::newRow("up from where a link leads") << u"/deep/../file"_s << Outcome::Resolved << u"/real/file"_s;
-    QTest::newRow("desktop link") << u"/alias.desktop"_s << Outcome::Resolved << u"/real/file"_s;
-    QTest::newRow("desktop link in the middle")
-        << u"/folder.desktop/file"_s << Outcome::Resolved << u"/real/file"_s;
-    QTest::newRow("desktop entry of a program")
-        << u"/program.desktop"_s << Outcome::Resolved << u"/program.desktop"_s;
-    QTest::newRow("desktop link to elsewhere") << u"/web.desktop"_s << Outcome::Resolved << u"/web.desktop"_s;
-    QTest::newRow("missing at the end") << u"/real/none"_s << Outcome::Missing << u"/real/none"_s;
-    QTest::newRow("missing in the middle") << u"/none/file"_s << Outcome::Missing << u"/none"_s;
-    QTest::newRow("link to nothing") << u"/broken"_s << Outcome::Missing << u"/nowhere"_s;
-    QTest::newRow("a file is no folder") << u"/real/file/more"_s << Outcome::Missing << u"/real/file"_s;
-    QTest::newRow("loop of one") << u"/self"_s << Outcome::Loop << u"/self"_s;
-    QTest::newRow("loop of a link and a desktop link") << u"/a/file"_s << Outcome::Loop << QString();
-    QTest::newRow("the same link again is no loop")
-        << u"/to-real/up/to-real/file"_s << Outcome::Resolved << u"/real/file"_s;
-}
-
-void ExtrasTest::pathsLeadThere()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, end);
-    const Bed bed;
-    const auto linkTo = [&bed](const char *name, const QString &target) {
-        QVERIFY(QFile::link(target, bed.at(name)));
-    };
-    write(bed.at("real/file"), "x");
-    write(bed.at("real/inner/file"), "x");
-    linkTo("to-real", u"real"_s);
-    linkTo("twice", bed.at("to-real"));
-    linkTo("deep", u"to-real/inner"_s);
-    linkTo("real/up", u".."_s);
-    linkTo("broken", bed.at("nowhere"));
-    linkTo("self", u"self"_s);
-    linkTo("a", u"b.desktop"_s);
-    write(bed.at("b.desktop"), link(u"file://"_s + bed.at("a")));
-    write(bed.at("alias.desktop"), link(u"file://"_s + bed.at("to-real/file")));
-    write(bed.at("folder.desktop"), link(u"file://"_s + bed.at("real")));
-    write(bed.at("web.desktop"), link(u"https://example.org/"_s));
-    write(bed.at("program.desktop"), "[Desktop Entry]\nType=Application\nURL=file:///real\n");
-
-    const auto result = ZELKPathResolution::resolve(bed.root + path);
-    QTEST(result.outcome, "outcome");
-    if (!end.isEmpty())
-        QCOMPARE(result.path, bed.root + end);
-    QCOMPARE(ZELKPathResolution::resolve(path.sliced(1), bed.root), result);
-}
-
-void ExtrasTest::commandsAreTakenApart_data()
-{
-    QTest::addColumn<QByteArray>("exec");
-    QTest::addColumn<QStringList>("words");
-    QTest::newRow("plain") << QByteArray("lullwatch  --all") << QStringList{u"lullwatch"_s, u"--all"_s};
-    QTest::newRow("quotes, codes") << QByteArray(R"("a b" %U c%%d "" "e\\"f")")
-                                   << QStringList{u"a b"_s, u"c%d"_s, u""_s, u"e\"f"_s};
-    QTest::newRow("open quote") << QByteArray(R"("a b)") << QStringList();
-    const QString strange = u"/x \"$`\\%u/ü"_s;
-    QTest::newRow("what we write") << ZELKDesktopEntry::quoted(strange) << QStringList{strange};
-}
-
-void ExtrasTest::commandsAreTakenApart()
-{
-    QFETCH(QByteArray, exec);
-    const auto entry = ZELKDesktopEntry::parse(
-        "[Other]\nExec=no\n[Desktop Entry]\n# Exec=no\nExec = " + exec + "\n[Desktop Action]\nExec=no\n");
-    QVERIFY(entry);
-    QTEST(entry->command(), "words");
-}
-
-void ExtrasTest::isOfferedToComeIntoTheMenu()
-{
-    Bed bed;
-    ZELKApplicationExtras extras = bed.extras();
-    extras.offerToMoveToApplicationsFolder(bed.window);
-    QVERIFY(bed.press(QMessageBox::AcceptRole)); // add
-    const auto entry = ZELKDesktopEntry::read(bed.at("user/applications/org.example.desktop"));
-    QVERIFY(entry);
-    QCOMPARE(entry->value(u"Comment"_s), u"Two\nlines"_s);
-    QVERIFY(QFile::exists(bed.at("user/icons/hicolor/scalable/apps/org.example.svg")));
-    bed.canStart = false;
-    QVERIFY(bed.press(QMessageBox::AcceptRole)); // start again
-    QCOMPARE(bed.started, QStringList{bed.executable()});
-    QCOMPARE(bed.quits, 0);
-    QVERIFY(bed.press(QMessageBox::AcceptRole)); // it could not
-    extras.offerToMoveToApplicationsFolder(bed.window);
-    QVERIFY(!bed.press(QMessageBox::RejectRole)); // it is there already
-
-    // What the menu starts is another program: a copy of this one that was unpacked elsewhere.
-    write(bed.at("user/applications/org.example.desktop"),
-          "[Desktop Entry]\nExec=" + bed.at("icon.svg").toUtf8());
-    extras.offerToMoveToApplicationsFolder(bed.window);
-    bed.canStart = true;
-    QVERIFY(bed.press(QMessageBox::AcceptRole));
-    QVERIFY(bed.press(QMessageBox::AcceptRole));
-    QCOMPARE(bed.quits, 1);
-}
-
-void ExtrasTest::isNotOfferedAgain()
-{
-    Bed bed;
-    ZELKApplicationExtras extras = bed.extras();
-    extras.offerToMoveToApplicationsFolder(bed.window);
-    bed.window.findChild<QCheckBox *>()->setChecked(true);
-    QVERIFY(bed.press(QMessageBox::RejectRole));
-    QVERIFY(bed.defaults.boolForKey(u"moveToApplicationsFolderAlertSuppress"_s));
-    QVERIFY(!QFile::exists(bed.at("user")));
-    extras.offerToMoveToApplicationsFolder(bed.window);
-    QVERIFY(!bed.press(QMessageBox::RejectRole));
-}
-
-void ExtrasTest::aFailureIsTold()
-{
-    Bed bed;
-    write(bed.at("user/applications"), "a file where a folder should be");
-    ZELKApplicationExtras extras = bed.extras();
-    extras.offerToMoveToApplicationsFolder(bed.window);
-    QVERIFY(bed.press(QMessageBox::AcceptRole));
-    const auto *told = bed.window.findChild<QMessageBox *>();
-    QVERIFY(told && told->isVisible());
-    QCOMPARE(told->icon(), QMessageBox::Warning);
-}
-
-void ExtrasTest::updates_data()
-{
-    QTest::addColumn<Answer>("answer");
-    QTest::addColumn<Answer>("expected");
-    const QByteArray policy = "lullwatch:\n  Installed: 1.0-1\n  Candidate: ";
-    QTest::newRow("apt, newest") << ZELKUpdateCheck::answerOfApt(policy + "1.0-1\n")
-                                 << Answer{Answer::Kind::Newest, u"1.0-1"_s, u"apt"_s};
-    QTest::newRow("apt, newer") << ZELKUpdateCheck::answerOfApt(policy + "1.1-1\n")
-                                << Answer{Answer::Kind::Newer, u"1.1-1"_s, u"apt"_s};
-    QTest::newRow("apt, nothing") << ZELKUpdateCheck::answerOfApt("N: Unable to locate\n") << Answer{};
-    const QByteArray releases = "<component><releases><release version=\"0.9\"/><release version=\"0.10\"/>"
-                                "</releases></component>";
-    QTest::newRow("catalogue, newer") << ZELKUpdateCheck::answerOfCatalogue(releases, u"0.9"_s)
-                                      << Answer{Answer::Kind::Newer, u"0.10"_s, u"AppStream"_s};
-    QTest::newRow("catalogue, newest") << ZELKUpdateCheck::answerOfCatalogue(releases, u"0.10"_s)
-                                       << Answer{Answer::Kind::Newest, u"0.10"_s, u"AppStream"_s};
-    QTest::newRow("catalogue, nonsense") << ZELKUpdateCheck::answerOfCatalogue("<a", u"1"_s) << Answer{};
-}
-
-void ExtrasTest::updates()
-{
-    QFETCH(Answer, answer);
-    QFETCH(Answer, expected);
-    QVERIFY(answer == expected);
-}
-
-void ExtrasTest::asksWhoeverKnows()
-{
-    QStringList asked;
-    QHash<QString, QByteArray> answers{{u"dpkg-query"_s, "lullwatch: /usr/bin/lullwatch\n"},
-                                       {u"apt-cache"_s, "lullwatch:\n  Installed: (none)\n  Candidate: 2\n"}};
-    ZELKUpdateCheck check({u"/usr/bin/lullwatch"_s, u"org.example"_s, u"1"_s},
-                          [&](const QString &program, const QStringList &arguments, const auto &then) {
-                              asked.append(program + u' ' + arguments.last());
-                              then(answers.contains(program) ? ZELKUpdateCheck::Output(answers.value(program))
-                                                             : std::nullopt);
-                          });
-    QSignalSpy finished(&check, &ZELKUpdateCheck::finished);
-    check.start();
-    QCOMPARE(asked, (QStringList{u"dpkg-query /usr/bin/lullwatch"_s, u"apt-cache lullwatch"_s,
-                                 u"appstreamcli org.example"_s}));
-    QCOMPARE(finished.count(), 1);
-
-    // Real programs end, whether they are there or not.
-    ZELKUpdateCheck::Output output = QByteArray("untouched");
-    ZELKUpdateCheck::programs()(u"/no/such/program"_s, {}, [&output](const auto &told) { output = told; });
-    QTRY_VERIFY(!output);
-    ZELKUpdateCheck::programs()(u"echo"_s, {u"hello"_s}, [&output](const auto &told) { output = told; });
-    QTRY_COMPARE(output.value_or(QByteArray()), "hello\n");
-}
-
-void ExtrasTest::theMenuGetsItsItems()
-{
-    Bed bed;
-    write(bed.at("bundle/Info.plist"),
-          "<plist version=\"1.0\"><dict><key>ZELKApplicationExtrasItems</key><array><dict><key>title</key>"
-          "<string>Website</string><key>url</key><string>https://example.org</string></dict></array></dict></"
-          "plist>");
-    const ZELKBundle bundle(bed.at("bundle"));
-    ZELKApplicationExtras extras({bundle, {}, bed.executable(), bed.run}, bed.defaults);
-    QMenu menu;
-    menu.addAction(u"first"_s);
-    menu.addSeparator();
-    menu.addAction(u"last"_s);
-    extras.insertItems(menu, bed.window);
-    QStringList texts;
-    for (const QAction *action : menu.actions())
-        texts.append(action->text());
-    QCOMPARE(texts,
-             (QStringList{u"first"_s, QString(), menu.actions().at(2)->text(), u"Website"_s, u"last"_s}));
-    menu.actions().at(2)->trigger();
-    const auto *told = bed.window.findChild<QMessageBox *>(u"updates"_s);
-    QVERIFY(told && told->isVisible());
-
-    ZELKApplicationExtras real = bed.extras();
-    real.orderFrontAboutPanel(bed.window);
-    const auto *version = bed.window.findChild<QLabel *>(u"version"_s);
-    QVERIFY(version->text().contains(bed.bundle->infoDictionary().string(u"CFBundleVersion"_s)));
-}
 
 QTEST_MAIN(ExtrasTest)
 #include "tst_extras.moc"
