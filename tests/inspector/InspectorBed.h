@@ -56,12 +56,12 @@ struct InspectorBed : Table
     {
         QList<ZELKRawEvent> events;
         const auto add = [&](double hour, QLatin1String name, const ZELKDictionary &properties = {}) {
-            events.append(ZELKMakeRawEvent(ZELKDate(start + hour * 3600.0), name, ZELKMonitorPowerEvents,
+            events.append(ZELKMakeRawEvent(ZELKDate(logStart + hour * 3600.0), name, ZELKMonitorPowerEvents,
                                            properties.isEmpty() ? QString(ZELKEventNoProperties)
                                                                 : ZELKPropertiesText(properties)));
         };
         const auto read = [&](double hour, int percentage) {
-            events.append(battery(start + hour * 3600.0, percentage));
+            events.append(battery(logStart + hour * 3600.0, percentage));
         };
         for (int i = 0; i < days; ++i) {
             const double morning = 24.0 * i + 8.0;

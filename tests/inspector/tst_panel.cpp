@@ -97,7 +97,7 @@ private Q_SLOTS:
         QCOMPARE(name(selection(2)), u"Selection"_s);
         QCOMPARE(made(QByteArray("x"))->attributeKey(), u"Unsupported attribute"_s);
         QCOMPARE(name(QByteArray("x")), u"MessageSubViewController"_s);
-        const auto list = made(QVariantList{u"a"_s, QVariant::fromValue(ZELKDate(start))});
+        const auto list = made(QVariantList{u"a"_s, QVariant::fromValue(ZELKDate(logStart))});
         QCOMPARE(list->numberOfRowsInTableView(), 2);
         QCOMPARE(list->tableViewObjectValueForTableColumn(u"any"_s, 0), QVariant(u"a"_s));
         QCOMPARE(list->tableViewObjectValueForTableColumn(u"any"_s, 1), QVariant(u"05/03/2024"_s));
@@ -196,12 +196,12 @@ private Q_SLOTS:
         bed.select(last, last);
         bed.inspector->showInformationPanel();
         const QWidget *view = bed.inspector->subViewControllers().at(1)->view();
-        bed.next = start + 20 * day;
+        bed.next = logStart + 20 * day;
         bed.grow(1);
         settle();
         QCOMPARE(bed.updates, 2);
         QCOMPARE(bed.inspector->subViewControllers().at(1)->view(), view);
-        bed.log.addExternalEntries({InspectorBed::battery(start + 2 * day, 77)}); // the same once more
+        bed.log.addExternalEntries({InspectorBed::battery(logStart + 2 * day, 77)}); // the same once more
         settle();
         QVERIFY(bed.shown().at(1).contains("Repeated=once"_L1));
         QFont larger = QApplication::font();

@@ -13,12 +13,13 @@ using namespace Qt::StringLiterals;
 
 inline constexpr double day = 86400.0;
 // 2024-03-05 00:00:00 UTC
-inline constexpr double start = 731289600.0;
+inline constexpr double logStart = 731289600.0;
 
-inline ZELKEnvironment tableEnvironment()
+/// In UTC, so many days after the first one.
+inline ZELKEnvironment tableEnvironment(double today = 50.5)
 {
     ZELKEnvironment environment = ZELKEnvironment::system();
-    environment.clock = std::make_shared<ZELKFixedClock>(ZELKDate(start + 50.5 * day));
+    environment.clock = std::make_shared<ZELKFixedClock>(ZELKDate(logStart + today * day));
     environment.zone = QTimeZone::utc();
     environment.locale = QLocale(QLocale::English, QLocale::UnitedKingdom);
     environment.mainBundle = std::make_shared<ZELKBundle>(ZELKBundle::mainBundlePath({}), u"en"_s);
@@ -28,15 +29,16 @@ inline ZELKEnvironment tableEnvironment()
 /// A log on a date range, shown whole.
 struct TableFixture
 {
-    ZELKEnvironmentScope scope{tableEnvironment()};
+    ZELKEnvironmentScope scope;
     QTemporaryDir folder;
     ZELKUserDefaults defaults{folder.filePath(u"defaults.ini"_s)};
     ZELKLWCDateRangeController range{defaults};
     ZELKLWCLog log;
-    double next = start;
+    double next = logStart;
     int monitor = 0;
 
-    TableFixture()
+    explicit TableFixture(double today = 50.5)
+        : scope(tableEnvironment(today))
     {
         range.awakeFromNib();
         log.setDateRange(&range);
@@ -69,6 +71,6 @@ struct TableFixture
     void show(int firstDay, int days)
     {
         range.setAbsoluteDuration(
-            std::make_shared<ZELKLWCAbsoluteDuration>(ZELKDate(start + firstDay * day), days * day - 1.0));
+            std::make_shared<ZELKLWCAbsoluteDuration>(ZELKDate(logStart + firstDay * day), days * day - 1.0));
     }
 };

@@ -24,7 +24,8 @@ struct Table : TableFixture
     ZELKNotificationQueue queue;
     ZELKLWCLogTableController controller{{log, view, field, dates, summaries, defaults, queue}};
 
-    explicit Table(int count = 400)
+    explicit Table(int count = 400, double today = 50.5)
+        : TableFixture(today)
     {
         defaults.setValue(u"highlight"_s, true);
         defaults.setValue(u"highlightColour"_s, ZELKArchive::archivedColour(Qt::red));

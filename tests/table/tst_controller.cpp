@@ -281,18 +281,18 @@ private Q_SLOTS:
              {ZELKSortDescriptors(), {{u"date"_s, false}}, {{u"summary"_s, false}}}) {
             table.controller.setSortDescriptors(order);
             const std::optional<int> row =
-                table.controller.nearestVisibleEntryToDate(ZELKDate(start + hours * 3600.0));
+                table.controller.nearestVisibleEntryToDate(ZELKDate(logStart + hours * 3600.0));
             QCOMPARE(row.value_or(-1), index < 0 ? -1 : table.rowOf(index));
         }
         table.field.setText(u"nothing has this"_s);
-        QVERIFY(!table.controller.nearestVisibleEntryToDate(ZELKDate(start)));
+        QVERIFY(!table.controller.nearestVisibleEntryToDate(ZELKDate(logStart)));
     }
 
     void selectsByDate()
     {
         Table table;
         const auto at = [](int entry) {
-            return QVariant::fromValue(ZELKDate(start + entry * day / 4 + 1.0));
+            return QVariant::fromValue(ZELKDate(logStart + entry * day / 4 + 1.0));
         };
         const QSignalSpy changes(table.view.selectionModel(), &QItemSelectionModel::selectionChanged);
         Chooser early(at(5));
