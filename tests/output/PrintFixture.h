@@ -18,7 +18,7 @@ struct PrintFixture : Table
         QList<ZELKRawEvent> events;
         for (int i = 0; i < rows; ++i)
             events.append(
-                ZELKMakeRawEvent(ZELKDate(start + i * 60.0), u"row %1"_s.arg(i), u"org.example.%1"_s.arg(i)));
+                ZELKMakeRawEvent(ZELKDate(next + i * 60.0), u"row %1"_s.arg(i), u"org.example.%1"_s.arg(i)));
         log.addExternalEntries(events);
         printer.setPageLayout(
             {QPageSize(paper), orientation, QMarginsF(72.0, 54.0, 72.0, 54.0), QPageLayout::Point});
