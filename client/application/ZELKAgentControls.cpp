@@ -2,22 +2,13 @@
 
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
-#include "ZELKInterfaceLoader.h"
+#include "ZELKMainWindowInterface.h"
 #include "ZELKSymbolIcon.h"
 
 #include <QAction>
-#include <QMainWindow>
 #include <QPushButton>
 
-namespace {
-
-template <typename Type>
-Type *outlet(const QMainWindow &window, const char *name)
-{
-    return ZELKInterfaceLoader::outlet<Type>(window, QStringLiteral("ZELKLWCMainWindowController"), name);
-}
-
-} // namespace
+using ZELKMainWindowInterface::outlet;
 
 ZELKAgentControls::ZELKAgentControls(QMainWindow &window, ZELKApplicationWiring &wiring)
     : QObject(&window)

@@ -15,18 +15,6 @@ QString className()
     return QStringLiteral("ZELKCustomRange");
 }
 
-QDialog *loadSheet(QWidget &window, const ZELKBundle &bundle)
-{
-    std::unique_ptr<QWidget> root = ZELKInterfaceLoader::loadInterface(bundle, className());
-    auto *sheet = qobject_cast<QDialog *>(root.get());
-    if (!sheet)
-        ZELKAssertion::fail(QStringLiteral("client/") + className(), 0,
-                            ZELKFormat("%@ window is not connected.", {className()}));
-    [[maybe_unused]] const QWidget *handedOn = root.release();
-    sheet->setParent(&window, Qt::Dialog);
-    return sheet;
-}
-
 QDate day(ZELKDate date)
 {
     return date.toDateTime(ZELKEnvironment::current().zone).date();
@@ -43,7 +31,7 @@ ZELKCustomRange::ZELKCustomRange(QWidget &window, const ZELKBundle &bundle,
                                  ZELKLWCDateRangeController &dateRange)
     : QObject(&window)
     , m_dateRange(dateRange)
-    , m_dialog(loadSheet(window, bundle))
+    , m_dialog(ZELKInterfaceLoader::loadDialog(bundle, className(), window))
     , m_from(ZELKInterfaceLoader::outlet<QDateEdit>(*m_dialog, className(), "fromDay"))
     , m_to(ZELKInterfaceLoader::outlet<QDateEdit>(*m_dialog, className(), "toDay"))
 {

@@ -1,23 +1,14 @@
 #include "ZELKEmptyPage.h"
 
 #include "ZELKAssertion.h"
-#include "ZELKInterfaceLoader.h"
+#include "ZELKMainWindowInterface.h"
 #include "ZELKSymbolLabel.h"
 
 #include <QAction>
 #include <QLabel>
-#include <QMainWindow>
 #include <QPushButton>
 
-namespace {
-
-template <typename Type>
-Type *outlet(const QMainWindow &window, const char *name)
-{
-    return ZELKInterfaceLoader::outlet<Type>(window, QStringLiteral("ZELKLWCMainWindowController"), name);
-}
-
-} // namespace
+using ZELKMainWindowInterface::outlet;
 
 ZELKEmptyPage::ZELKEmptyPage(QMainWindow &window)
     : QObject(&window)

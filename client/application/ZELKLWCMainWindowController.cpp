@@ -8,11 +8,11 @@
 #include "ZELKExportActions.h"
 #include "ZELKHelpMenu.h"
 #include "ZELKInspectorWiring.h"
-#include "ZELKInterfaceLoader.h"
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLogTableView.h"
 #include "ZELKLWCWelcomeController.h"
 #include "ZELKMainMenu.h"
+#include "ZELKMainWindowInterface.h"
 #include "ZELKMessage.h"
 #include "ZELKPrintActions.h"
 #include "ZELKRangeControls.h"
@@ -35,28 +35,14 @@
 
 namespace {
 
-QString className()
-{
-    return QStringLiteral("ZELKLWCMainWindowController");
-}
-
-QString text(const char *topic)
-{
-    return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
-}
+using ZELKMainWindowInterface::text;
 
 std::unique_ptr<QMainWindow> loadWindow(const ZELKBundle &bundle)
 {
-    std::unique_ptr<QWidget> root = ZELKInterfaceLoader::loadInterface(
-        bundle, className(),
-        {ZELKInterfaceLoader::widget<ZELKLWCEntriesView>(),
-         ZELKInterfaceLoader::widget<ZELKLWCLogTableView>(), ZELKInterfaceLoader::widget<ZELKSearchField>()});
-    auto *window = qobject_cast<QMainWindow *>(root.get());
-    if (!window)
-        ZELKAssertion::fail(QStringLiteral("client/") + className(), 0,
-                            ZELKFormat("%@ window is not connected.", {className()}));
-    [[maybe_unused]] const QWidget *handedOn = root.release();
-    return std::unique_ptr<QMainWindow>(window);
+    return ZELKInterfaceLoader::loadWindow<QMainWindow>(bundle, ZELKMainWindowInterface::className(),
+                                                        {ZELKInterfaceLoader::widget<ZELKLWCEntriesView>(),
+                                                         ZELKInterfaceLoader::widget<ZELKLWCLogTableView>(),
+                                                         ZELKInterfaceLoader::widget<ZELKSearchField>()});
 }
 
 /// As much of it as fits into a headline.
@@ -72,7 +58,7 @@ QString searchedText(const ZELKLWCLogTableController &table)
 template <typename Type>
 Type *ZELKLWCMainWindowController::outlet(const char *name) const
 {
-    return ZELKInterfaceLoader::outlet<Type>(*m_window, className(), name);
+    return ZELKMainWindowInterface::outlet<Type>(*m_window, name);
 }
 
 ZELKLWCMainWindowController::ZELKLWCMainWindowController(ZELKApplicationWiring &wiring, QObject *parent)

@@ -3,32 +3,22 @@
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
 #include "ZELKEnvironment.h"
-#include "ZELKInterfaceLoader.h"
+#include "ZELKMainWindowInterface.h"
 #include "ZELKSearchField.h"
 #include "ZELKTailFollower.h"
 #include "ZELKWindowState.h"
 
 #include <QHeaderView>
-#include <QMainWindow>
 
 #include <algorithm>
 
-namespace {
-
 using Follower = ZELKTailFollower;
-
-template <typename Type>
-Type &outlet(const QMainWindow &window, const char *name)
-{
-    return *ZELKInterfaceLoader::outlet<Type>(window, QStringLiteral("ZELKLWCMainWindowController"), name);
-}
-
-} // namespace
+using ZELKMainWindowInterface::outlet;
 
 ZELKLogTable::ZELKLogTable(QMainWindow &window, ZELKApplicationWiring &wiring)
-    : m_view(outlet<ZELKLWCLogTableView>(window, "table"))
+    : m_view(*outlet<ZELKLWCLogTableView>(window, "table"))
     , m_dateFormatter(wiring.defaults())
-    , m_controller({wiring.log(), m_view, outlet<ZELKSearchField>(window, "filterField"), m_dateFormatter,
+    , m_controller({wiring.log(), m_view, *outlet<ZELKSearchField>(window, "filterField"), m_dateFormatter,
                     m_summaryFormatter, wiring.defaults(), m_queue})
     , m_follower(new ZELKTailFollower(m_view, m_controller.model()))
 {

@@ -26,19 +26,6 @@ QString className()
     return QStringLiteral("ZELKPreferences");
 }
 
-QDialog *loadDialog(QWidget &window, const ZELKBundle &bundle)
-{
-    std::unique_ptr<QWidget> root = ZELKInterfaceLoader::loadInterface(
-        bundle, className(), {ZELKInterfaceLoader::widget<ZELKColourButton>()});
-    auto *dialog = qobject_cast<QDialog *>(root.get());
-    if (!dialog)
-        ZELKAssertion::fail(QStringLiteral("client/") + className(), 0,
-                            ZELKFormat("%@ window is not connected.", {className()}));
-    [[maybe_unused]] const QWidget *handedOn = root.release();
-    dialog->setParent(&window, Qt::Dialog);
-    return dialog;
-}
-
 template <typename Type>
 Type *outlet(const QWidget &dialog, const char *name)
 {
@@ -55,7 +42,8 @@ QString key(const char *name)
 ZELKPreferences::ZELKPreferences(QWidget &window, const ZELKBundle &bundle, ZELKUserDefaults &defaults)
     : QObject(&window)
     , m_defaults(defaults)
-    , m_dialog(loadDialog(window, bundle))
+    , m_dialog(ZELKInterfaceLoader::loadDialog(bundle, className(), window,
+                                               {ZELKInterfaceLoader::widget<ZELKColourButton>()}))
     , m_colour(outlet<ZELKColourButton>(*m_dialog, "highlightColour"))
 {
     for (const auto &[box, setting] : switches)

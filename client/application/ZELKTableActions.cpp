@@ -1,13 +1,12 @@
 #include "ZELKTableActions.h"
 
 #include "ZELKAssertion.h"
-#include "ZELKInterfaceLoader.h"
 #include "ZELKLWCDateJumpController.h"
+#include "ZELKMainWindowInterface.h"
 
 #include <QAction>
 #include <QActionGroup>
 #include <QHeaderView>
-#include <QMainWindow>
 #include <QMenu>
 
 #include <algorithm>
@@ -16,18 +15,14 @@ namespace {
 
 using Item = ZELKLWCLogTableController::MenuItem;
 using Jump = ZELKLWCDateJumpController::MenuItem;
-
-QAction *action(const QMainWindow &window, const char *name)
-{
-    return ZELKInterfaceLoader::outlet<QAction>(window, QStringLiteral("ZELKLWCMainWindowController"), name);
-}
+using ZELKMainWindowInterface::outlet;
 
 /// One of several that exclude each other, in the order given.
 QActionGroup *group(QMainWindow &window, const QList<const char *> &names)
 {
     auto *group = new QActionGroup(&window);
     for (const char *name : names)
-        group->addAction(action(window, name));
+        group->addAction(outlet<QAction>(window, name));
     return group;
 }
 
@@ -57,7 +52,7 @@ ZELKTableActions::ZELKTableActions(QMainWindow &window, ZELKLWCLogTableControlle
 
 QAction *ZELKTableActions::connectAction(const char *name, void (ZELKTableActions::*function)())
 {
-    QAction *found = action(m_window, name);
+    QAction *found = outlet<QAction>(m_window, name);
     connect(found, &QAction::triggered, this, [this, function] { zelkGuard([&] { (this->*function)(); }); });
     return found;
 }

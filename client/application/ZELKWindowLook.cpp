@@ -1,16 +1,17 @@
 #include "ZELKWindowLook.h"
 
 #include "ZELKAssertion.h"
-#include "ZELKInterfaceLoader.h"
+#include "ZELKMainWindowInterface.h"
 
 #include <QEvent>
 #include <QLabel>
 #include <QLayout>
-#include <QMainWindow>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
+
+using ZELKMainWindowInterface::outlet;
 
 namespace {
 
@@ -18,12 +19,6 @@ constexpr double edge = 0.6;          // lines at the left and at the right
 constexpr double toolBarHeight = 2.1; // lines
 constexpr double periodSize = 1.2;    // of the window's font
 constexpr double headlineSize = 1.3;  // of the window's font
-
-template <typename Type>
-Type *outlet(const QMainWindow &window, const char *name)
-{
-    return ZELKInterfaceLoader::outlet<Type>(window, QStringLiteral("ZELKLWCMainWindowController"), name);
-}
 
 } // namespace
 

@@ -21,18 +21,6 @@ QString className()
     return QStringLiteral("ZELKLWCDateJumpController");
 }
 
-QDialog *loadSheet(QWidget &window, const ZELKBundle &bundle)
-{
-    std::unique_ptr<QWidget> root = ZELKInterfaceLoader::loadInterface(bundle, className());
-    auto *sheet = qobject_cast<QDialog *>(root.get());
-    if (!sheet)
-        ZELKAssertion::fail(QStringLiteral("client/") + className(), 0,
-                            ZELKFormat("%@ window is not connected.", {className()}));
-    [[maybe_unused]] const QWidget *handedOn = root.release();
-    sheet->setParent(&window, Qt::Dialog);
-    return sheet;
-}
-
 QDate day(ZELKDate date)
 {
     return date.toDateTime(ZELKEnvironment::current().zone).date();
@@ -44,7 +32,7 @@ ZELKLWCDateJumpController::ZELKLWCDateJumpController(QWidget &window, const ZELK
                                                      const Outlets &outlets, QObject *parent)
     : QObject(parent)
     , m_outlets(outlets)
-    , m_window(loadSheet(window, bundle))
+    , m_window(ZELKInterfaceLoader::loadDialog(bundle, className(), window))
     , m_date(ZELKInterfaceLoader::outlet<QDateEdit>(*m_window, className(), "date"))
     , m_calendar(ZELKInterfaceLoader::outlet<QCalendarWidget>(*m_window, className(), "calendar"))
 {

@@ -6,6 +6,7 @@
 #include "ZELKSymbolLabel.h"
 
 #include <QAction>
+#include <QDialog>
 #include <QFile>
 
 #include <array>
@@ -73,9 +74,23 @@ std::unique_ptr<QWidget> ZELKInterfaceLoader::loadIfSound(const ZELKBundle &main
     return root;
 }
 
+QDialog *ZELKInterfaceLoader::loadDialog(const ZELKBundle &mainBundle, const QString &className,
+                                         QWidget &window, const Widgets &widgets)
+{
+    QDialog *dialog = loadWindow<QDialog>(mainBundle, className, widgets).release();
+    dialog->setParent(&window, Qt::Dialog);
+    return dialog;
+}
+
 QString ZELKInterfaceLoader::text(const QString &className, const QString &key)
 {
     return ZELKEnvironment::current().mainBundle->localizedStringForKey(key, {}, className);
+}
+
+void ZELKInterfaceLoader::failUnconnected(const QString &className, const char *name)
+{
+    ZELKAssertion::fail(QStringLiteral("client/") + className, 0,
+                        ZELKFormat("%@ %@ is not connected.", {className, name}));
 }
 
 void ZELKInterfaceLoader::localise(QObject &root, const QString &className)

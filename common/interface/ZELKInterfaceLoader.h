@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+class QDialog;
 class ZELKBundle;
 
 /// Loads an interface file of the main bundle, named after the class that it belongs to. Its texts are keys
@@ -41,6 +42,23 @@ public:
     /// The same for a class that reports such a file in its own words: null.
     static std::unique_ptr<QWidget> loadIfSound(const ZELKBundle &mainBundle, const QString &className,
                                                 const Widgets &widgets = {});
+    /// As loadInterface, for a file whose root is a window of that type; any other root raises "%@ window is
+    /// not connected.".
+    template <typename Type>
+    static std::unique_ptr<Type> loadWindow(const ZELKBundle &mainBundle, const QString &className,
+                                            const Widgets &widgets = {})
+    {
+        std::unique_ptr<QWidget> root = loadInterface(mainBundle, className, widgets);
+        auto *window = qobject_cast<Type *>(root.get());
+        if (!window)
+            failUnconnected(className, "window");
+        [[maybe_unused]] const QWidget *handedOn = root.release();
+        return std::unique_ptr<Type>(window);
+    }
+    /// A dialog that `window` owns and that stays in front of it, hidden yet; it raises as loadWindow does.
+    /// QDialog::open makes a sheet of it, which `window` waits for; with QWidget::show both can be used.
+    static QDialog *loadDialog(const ZELKBundle &mainBundle, const QString &className, QWidget &window,
+                               const Widgets &widgets = {});
     /// The text of `key` in the table that belongs to the class.
     static QString text(const QString &className, const QString &key);
 
@@ -50,14 +68,14 @@ public:
     {
         if (auto *found = root.findChild<Type *>(QString::fromLatin1(name)))
             return found;
-        ZELKAssertion::fail(QStringLiteral("client/") + className, 0,
-                            ZELKFormat("%@ %@ is not connected.", {className, name}));
+        failUnconnected(className, name);
     }
 
     QWidget *createWidget(const QString &className, QWidget *parent, const QString &name) override;
 
 private:
     explicit ZELKInterfaceLoader(const Widgets &widgets);
+    [[noreturn]] static void failUnconnected(const QString &className, const char *name);
     static void localise(QObject &root, const QString &className);
 
     Widgets m_widgets;
