@@ -2,17 +2,18 @@
 
 #include "ZELKApplicationSettings.h"
 #include "ZELKCommandLineText.h"
+#include "ZELKCommandLineWords.h"
 #include "ZELKEnvironment.h"
 #include "ZELKFormat.h"
 #include "ZELKSampleLog.h"
 
 #include <QCommandLineParser>
 #include <QDateTime>
-#include <QHash>
 #include <QRegularExpression>
 
 namespace {
 
+namespace Words = ZELKCommandLineWords;
 using Options = ZELKCommandLineOptions;
 using Command = Options::Command;
 using Format = ZELKEntryWriter::Format;
@@ -31,72 +32,6 @@ struct Complaint
 {
     throw Complaint{ZELKFormat(ZELKCommandLineText(key), {argument, second})};
 }
-
-const QHash<QString, int> &rangeTags()
-{
-    static const QHash<QString, int> tags{
-        {QStringLiteral("today"), 1},           {QStringLiteral("yesterday"), 2},
-        {QStringLiteral("last-seven-days"), 3}, {QStringLiteral("this-month"), 4},
-        {QStringLiteral("last-month"), 5},      {QStringLiteral("this-week"), 6},
-        {QStringLiteral("last-week"), 7},       {QStringLiteral("everything"), 8}};
-    return tags;
-}
-
-const QHash<QString, Format> &formats()
-{
-    static const QHash<QString, Format> formats{{QStringLiteral("table"), Format::Table},
-                                                {QStringLiteral("tsv"), Format::Tsv},
-                                                {QStringLiteral("json"), Format::Json}};
-    return formats;
-}
-
-const QHash<QString, Command> &commands()
-{
-    static const QHash<QString, Command> commands{
-        {QStringLiteral("list"), Command::List},         {QStringLiteral("stats"), Command::Stats},
-        {QStringLiteral("export"), Command::Export},     {QStringLiteral("import"), Command::Import},
-        {QStringLiteral("snapshot"), Command::Snapshot}, {QStringLiteral("agent"), Command::Agent},
-        {QStringLiteral("print"), Command::Print}};
-    return commands;
-}
-
-const QHash<QString, AgentAction> &agentActions()
-{
-    static const QHash<QString, AgentAction> actions{{QStringLiteral("status"), AgentAction::Status},
-                                                     {QStringLiteral("install"), AgentAction::Install},
-                                                     {QStringLiteral("remove"), AgentAction::Remove},
-                                                     {QStringLiteral("update"), AgentAction::Update}};
-    return actions;
-}
-
-const QHash<QString, ZELKAgentController::State> &agentForms()
-{
-    static const QHash<QString, ZELKAgentController::State> forms{
-        {QStringLiteral("system"), ZELKAgentController::PrivilegedJob},
-        {QStringLiteral("user"), ZELKAgentController::UserJob},
-        {QStringLiteral("session"), ZELKAgentController::SessionApplication}};
-    return forms;
-}
-
-/// One option: its name, what its value is called (empty for none), and the command that it belongs to
-/// (Window: to all).
-struct OptionRow
-{
-    const char *name;
-    const char *value;
-    Command command;
-};
-constexpr OptionRow optionRows[] = {
-    {"database", "FILE", Command::Window},   {"profile", "NAME", Command::Window},
-    {"sample", "", Command::Window},         {"start-agent", "", Command::Window},
-    {"or-picture", "FILE", Command::Window}, {"range", "RANGE", Command::List},
-    {"from", "DATE", Command::List},         {"to", "DATE", Command::List},
-    {"format", "FORMAT", Command::List},     {"picture", "FILE", Command::Snapshot},
-    {"count", "NUMBER", Command::Snapshot},  {"as", "FORM", Command::Agent},
-    {"output", "FILE", Command::Export},     {"width", "NUMBER", Command::Export},
-    {"height", "NUMBER", Command::Export},   {"paper", "PAPER", Command::Print},
-    {"landscape", "", Command::Print},
-};
 
 class Reader
 {
@@ -132,9 +67,9 @@ Reader::Reader(const QStringList &arguments)
 {
     m_parser.addOption(QCommandLineOption(QStringList{QStringLiteral("h"), QStringLiteral("help")}));
     m_parser.addOption(QCommandLineOption(QStringList{QStringLiteral("v"), QStringLiteral("version")}));
-    for (const OptionRow &row : optionRows)
+    for (const Words::Option &option : Words::options())
         m_parser.addOption(
-            QCommandLineOption(QString::fromLatin1(row.name), {}, QString::fromLatin1(row.value)));
+            QCommandLineOption(QString::fromLatin1(option.name), {}, QString::fromLatin1(option.value)));
 }
 
 Options::Parsed Reader::read()
@@ -163,9 +98,9 @@ void Reader::takeCommand()
     QStringList words = m_parser.positionalArguments();
     if (!words.isEmpty()) {
         const QString name = words.takeFirst();
-        if (!commands().contains(name))
+        if (!Words::commands().contains(name))
             complain("There is no command \"%@\".", name);
-        m_options.command = commands().value(name);
+        m_options.command = Words::commands().value(name);
     }
     if (m_options.command == Command::Import)
         words = takeImport(words);
@@ -200,32 +135,26 @@ QStringList Reader::takeBareRange(QStringList words)
 QStringList Reader::takeAgentAction(QStringList words)
 {
     const QString name = words.isEmpty() ? QString() : words.takeFirst();
-    if (!agentActions().contains(name))
+    if (!Words::agentActions().contains(name))
         complain("agent needs to be told what to do: status, install, remove or update.");
-    m_options.agent.action = agentActions().value(name);
+    m_options.agent.action = Words::agentActions().value(name);
     return words;
 }
 
 void Reader::checkBelonging() const
 {
-    const bool isStatus =
-        m_options.command == Command::Agent && m_options.agent.action == AgentAction::Status;
-    const bool isExport = m_options.command == Command::Export;
-    const bool isPrint = m_options.command == Command::Print;
     const bool orPicture = m_parser.isSet(QStringLiteral("or-picture"));
     if (orPicture && m_options.command != Command::Window)
         complain("--or-picture stands in for the window: it does not go together with a command.");
-    for (const OptionRow &row : optionRows) {
-        const QString name = QString::fromLatin1(row.name);
-        const bool goes = row.command == Command::Window || row.command == m_options.command ||
-                          (m_options.command == Command::Stats && row.command == Command::List) ||
-                          ((isPrint || isExport) && row.command == Command::List &&
-                           (isExport || name != QLatin1String("format"))) ||
-                          (isPrint && name == QLatin1String("output")) ||
-                          (orPicture && name == QLatin1String("count")) ||
-                          (isStatus && name == QLatin1String("format"));
-        if (!goes && m_parser.isSet(name))
-            complain("--%@ belongs to the command %@.", name, commands().key(row.command));
+    // What is told of the agent has formats; what is done to it has none.
+    const bool isAgentChanged =
+        m_options.command == Command::Agent && m_options.agent.action != AgentAction::Status;
+    for (const Words::Option &option : Words::options()) {
+        const QString name = QString::fromLatin1(option.name);
+        if (!m_parser.isSet(name) || (orPicture && name == QLatin1String("count")))
+            continue;
+        if (!option.goesWith(m_options.command) || (isAgentChanged && name == QLatin1String("format")))
+            complain("--%@ belongs to the command %@.", name, Words::commands().key(option.command));
     }
 }
 
@@ -274,9 +203,9 @@ void Reader::takeRange(const QString &range)
 {
     if (m_hasRange)
         complain("Unexpected argument \"%@\".", range);
-    if (!rangeTags().contains(range))
+    if (!Words::rangeTags().contains(range))
         complain("There is no range \"%@\".", range);
-    m_options.rangeTag = rangeTags().value(range);
+    m_options.rangeTag = Words::rangeTags().value(range);
     m_hasRange = true;
 }
 
@@ -284,10 +213,11 @@ void Reader::takeFormat(const QString &format)
 {
     const bool isStats = m_options.command == Command::Stats;
     m_options.statsAsJson = isStats && format == QLatin1String("json");
-    if (isStats ? !m_options.statsAsJson && format != QLatin1String("text") : !formats().contains(format))
+    if (isStats ? !m_options.statsAsJson && format != QLatin1String("text")
+                : !Words::formats().contains(format))
         complain("There is no format \"%@\".", format);
     if (!isStats)
-        m_options.format = formats().value(format);
+        m_options.format = Words::formats().value(format);
 }
 
 void Reader::takeList()
@@ -346,10 +276,10 @@ void Reader::takeAgent()
         complain("agent does not take --start-agent, --profile or --database.");
     const bool isInstall = m_options.agent.action == AgentAction::Install;
     const std::optional<QString> form = value("as");
-    if (isInstall != form.has_value() || (form && !agentForms().contains(*form)))
+    if (isInstall != form.has_value() || (form && !Words::agentForms().contains(*form)))
         complain("agent install, and nothing else, needs --as system, --as user or --as session.");
     if (isInstall)
-        m_options.agent.form = agentForms().value(*form);
+        m_options.agent.form = Words::agentForms().value(*form);
     if (m_options.format == Format::Tsv)
         complain("agent status has the formats table and json.");
     m_options.agent.asJson = m_options.format == Format::Json;
