@@ -3,6 +3,8 @@
 #include "LogFixture.h"
 #include "ZELKLWCLogEntrySelection.h"
 
+#include <random>
+
 using namespace Qt::StringLiterals;
 
 using Selection = ZELKLWCLogEntrySelection;
@@ -70,6 +72,21 @@ struct StatisticsFixture : LogFixture
         default:
             return plainAt(date);
         }
+    }
+
+    /// A life of some hours, with a little of everything.
+    static QString randomScript(std::mt19937 &random)
+    {
+        QStringList words;
+        double date = 0.0;
+        int percentage = 90;
+        for (int i = 5 + int(random() % 40); i > 0; --i) {
+            date += 0.1 + (random() % 8 ? double(random() % 20) : double(random() % 100));
+            percentage += random() % 9 ? -int(random() % 3) : 1;
+            const char kind = "bbbbbbbbbbbbxxxxssssswwwwwwacrmnuop"[random() % 35];
+            words.append(u"%1%2:%3"_s.arg(QLatin1Char(kind)).arg(date).arg(percentage));
+        }
+        return words.join(u' ');
     }
 
     /// Those at the given positions; all without any.

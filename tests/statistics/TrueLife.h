@@ -2,8 +2,6 @@
 
 #include "StatisticsFixture.h"
 
-#include <random>
-
 /// A laptop whose charge is known at every second, and the agent that watches it: it tells each point when it
 /// is gone, asks anew soon after a wake, and knows nothing of a sleep. So there is what a log would hold, and
 /// beside it what really happened.

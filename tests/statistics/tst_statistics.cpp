@@ -1,5 +1,4 @@
 // Statistics over entries: batteries, states, sleeps, and how they are shown.
-#include "BruteForce.h"
 #include "Rows.h"
 #include "StatisticsFixture.h"
 #include "TrueLife.h"
@@ -77,9 +76,6 @@ private Q_SLOTS:
         const ZELKDictionary info = battery.infoDictionary();
         QCOMPARE(info.contains(u"% Delta"_s), perPoint.isValid());
         QCOMPARE(info.value(u"% Delta"_s).value<ZELKLWCDuration>().duration(), perPoint.toDouble());
-        QCOMPARE(info.value(u"Minimum"_s), QVariant(battery.minimumCapacity()));
-        QCOMPARE(info.value(u"Average"_s), QVariant(battery.averageCapacity()));
-        QCOMPARE(info.value(u"Maximum"_s), QVariant(battery.maximumCapacity()));
     }
 
     void states_data()
@@ -262,14 +258,11 @@ private Q_SLOTS:
     {
         std::mt19937 random(20261123);
         for (int round = 0; round < 300; ++round) {
-            const QString script = BruteForce::script(random);
+            const QString script = StatisticsFixture::randomScript(random);
             const StatisticsFixture fixture(script);
             Selection::Entries entries = fixture.log.entry();
             const Selection whole(entries);
-            const BruteForce::Statistics expected = BruteForce::of(fixture.log);
             const auto found = [&](const QString &words) { return script + u" -> "_s + words; };
-            QCOMPARE(found(minutes(whole.summary())), found(expected.usage));
-            QCOMPARE(found(minutes(whole.powerSources())), found(expected.sources));
             entries.removeIf([&](const ZELKLWCLogEntry *) { return round % 2 && random() % 3 == 0; });
             const Selection picked(entries, whole.duration());
             ZELKBatterySamples samples(fixture.log.objectAtIndex(0)->arena().texts());
@@ -284,6 +277,7 @@ private Q_SLOTS:
                     std::shuffle(entries.begin(), entries.end(), random);
                 const Selection other(entries, whole.duration());
                 QCOMPARE(found(minutes(other.summary())), found(minutes(picked.summary())));
+                QCOMPARE(found(minutes(other.powerSources())), found(minutes(picked.powerSources())));
                 QVERIFY2(other.batteries() == picked.batteries(), qPrintable(script));
                 QCOMPARE(found(inWords(other.sleepCosts())), found(inWords(picked.sleepCosts())));
             }
