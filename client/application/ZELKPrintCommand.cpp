@@ -68,7 +68,7 @@ bool ZELKPrintCommand::run(const ZELKPrintRequest &request)
     const ZELKTerminationSignals termination;
     connect(&termination, &ZELKTerminationSignals::received, this, [this] { m_isCancelled = true; });
     while ((!m_isCancelled || !operation.canBeCancelled()) &&
-           operation.advance(sliceMilliseconds) == State::Printing)
+           operation.advance(sliceMilliseconds) < State::Done)
         QCoreApplication::processEvents();
     if (operation.state() == State::Failed)
         m_complain(ZELKFormat(ZELKCommandLineText("Cannot save file: '%@': %s"),

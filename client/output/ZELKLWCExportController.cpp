@@ -6,17 +6,19 @@
 #include "ZELKConsole.h"
 #include "ZELKEnvironment.h"
 #include "ZELKExportFormat.h"
-#include "ZELKExportProgress.h"
+#include "ZELKFileExport.h"
 #include "ZELKGraphImage.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLog.h"
 #include "ZELKLogRepresentation.h"
+#include "ZELKOutputProgress.h"
 #include "ZELKSavePanel.h"
 #include "ZELKUserDefaults.h"
 
 #include <QComboBox>
 #include <QDir>
+#include <QFileInfo>
 
 #include <utility>
 
@@ -35,6 +37,12 @@ QString general(const char *key)
 {
     const QString text = QString::fromLatin1(key);
     return ZELKLWCLogEntry::localizedStringForKey(text, text, QStringLiteral("General"));
+}
+
+/// Of the interface file's table.
+QString text(const char *key)
+{
+    return ZELKInterfaceLoader::text(className, QString::fromLatin1(key));
 }
 
 std::optional<ZELKExportFormat> formatWithTag(int tag)
@@ -136,8 +144,7 @@ void ZELKLWCExportController::exportLog()
     auto *panel = new ZELKSavePanel(m_mainWindow);
     setActiveExportPanel(panel);
     panel->setAccessoryView(view);
-    panel->setWindowTitle(
-        ZELKInterfaceLoader::text(className, QStringLiteral("ZELKLWCExportController.title")));
+    panel->setWindowTitle(text("ZELKLWCExportController.title"));
     chooser()->setCurrentIndex(chooser()->findData(exportSuffixTag()));
     panel->setDirectory(QDir::homePath());
     panel->setFileName(suggestedName());
@@ -194,23 +201,22 @@ std::unique_ptr<ZELKExportSource> ZELKLWCExportController::sourceForTag(int tag)
 
 void ZELKLWCExportController::startExport(std::unique_ptr<ZELKExportSource> source, const QString &path)
 {
-    m_progress = std::make_unique<ZELKExportProgress>(
+    m_progress = std::make_unique<ZELKOutputProgress>(
         std::make_unique<ZELKFileExport>(std::move(source), std::make_unique<ZELKExportFile>(path)),
+        ZELKOutputProgress::Texts{
+            text("ZELKLWCExportController.progress.title"),
+            ZELKFormat(text("ZELKLWCExportController.progress"), {QFileInfo(path).fileName()})},
         *m_mainWindow);
-    connect(m_progress.get(), &ZELKExportProgress::ended, this,
-            [this](bool isCancelled) { zelkGuard([&] { exportEnded(isCancelled); }); });
+    connect(m_progress.get(), &ZELKOutputProgress::ended, this,
+            [this, path](const QString &error) { zelkGuard([&] { exportEnded(path, error); }); });
     Q_EMIT menuItemsChanged();
     m_progress->start();
 }
 
-void ZELKLWCExportController::exportEnded(bool isCancelled)
+void ZELKLWCExportController::exportEnded(const QString &path, const QString &error)
 {
-    const ZELKFileExport &work = m_progress->work();
-    QString message;
-    if (!isCancelled && work.state() == ZELKFileExport::State::Failed)
-        message = ZELKFormat(general("Cannot save file: '%@': %s"), {work.path(), work.error()});
     m_progress.release()->deleteLater(); // it is telling us
     Q_EMIT menuItemsChanged();
-    if (!message.isNull())
-        Q_EMIT alertPresented(message);
+    if (!error.isNull())
+        Q_EMIT alertPresented(ZELKFormat(general("Cannot save file: '%@': %s"), {path, error}));
 }

@@ -9,10 +9,10 @@
 
 class QComboBox;
 class QWidget;
-class ZELKExportProgress;
 class ZELKExportSource;
 class ZELKLWCEntriesView;
 class ZELKLWCLog;
+class ZELKOutputProgress;
 class ZELKSavePanel;
 class ZELKUserDefaults;
 
@@ -72,7 +72,7 @@ private:
     static QString suggestedName();
     std::unique_ptr<ZELKExportSource> sourceForTag(int tag) const;
     void startExport(std::unique_ptr<ZELKExportSource> source, const QString &path);
-    void exportEnded(bool isCancelled);
+    void exportEnded(const QString &path, const QString &error);
 
     ZELKUserDefaults &m_defaults;
     const ZELKLWCLog *m_log = nullptr;
@@ -80,5 +80,5 @@ private:
     QWidget *m_mainWindow = nullptr;
     QPointer<QWidget> m_exportView; // owned; while a panel is up, the panel's child
     QPointer<ZELKSavePanel> m_activeExportPanel;
-    std::unique_ptr<ZELKExportProgress> m_progress;
+    std::unique_ptr<ZELKOutputProgress> m_progress;
 };

@@ -5,7 +5,8 @@
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCDateRangeController.h"
 #include "ZELKLWCLogTableController.h"
-#include "ZELKPrintProgress.h"
+#include "ZELKOutputProgress.h"
+#include "ZELKPrintOperation.h"
 
 #include <QPageSetupDialog>
 #include <QPaintEngine>
@@ -22,6 +23,11 @@ namespace {
 const QMarginsF usualMargins(72.0, 54.0, 72.0, 54.0);
 /// A preview holds all of its pages in memory, and is drawn at one go.
 constexpr qint64 mostPreviewPages = 300;
+
+QString text(const char *key)
+{
+    return ZELKInterfaceLoader::text(QStringLiteral("ZELKLWCPrintController"), QString::fromLatin1(key));
+}
 
 std::unique_ptr<QPrinter> usualPrinter()
 {
@@ -107,9 +113,12 @@ void ZELKLWCPrintController::printReport()
 {
     if (!canPrint())
         return;
-    auto operation = std::make_unique<ZELKPrintOperation>(makeReport(printInfo()), printInfo());
-    m_progress = std::make_unique<ZELKPrintProgress>(std::move(operation), m_outlets.window);
-    connect(m_progress.get(), &ZELKPrintProgress::ended, this, [this](const QString &error) {
+    m_progress = std::make_unique<ZELKOutputProgress>(
+        std::make_unique<ZELKPrintOperation>(makeReport(printInfo()), printInfo()),
+        ZELKOutputProgress::Texts{text("ZELKLWCPrintController.progress.title"),
+                                  text("ZELKLWCPrintController.progress")},
+        m_outlets.window);
+    connect(m_progress.get(), &ZELKOutputProgress::ended, this, [this](const QString &error) {
         zelkGuard([&] {
             m_progress.release()->deleteLater();
             Q_EMIT printed(error);
@@ -142,9 +151,7 @@ void ZELKLWCPrintController::printPreview()
     auto *dialog = new QPrintPreviewDialog(&printInfo(), &m_outlets.window);
     if (report->pages() > mostPreviewPages)
         dialog->setWindowTitle(
-            ZELKFormat(ZELKInterfaceLoader::text(QStringLiteral("ZELKLWCPrintController"),
-                                                 QStringLiteral("ZELKLWCPrintController.preview.first")),
-                       {mostPreviewPages, report->pages()}));
+            ZELKFormat(text("ZELKLWCPrintController.preview.first"), {mostPreviewPages, report->pages()}));
     dialog->resize(m_outlets.window.size().expandedTo({700, 800}));
     connect(dialog, &QPrintPreviewDialog::paintRequested, this,
             [this](QPrinter *printer) { zelkGuard([&] { drawPreview(*printer); }); });

@@ -9,7 +9,7 @@
 class QPrinter;
 class ZELKLWCDateRangeController;
 class ZELKLWCLogTableController;
-class ZELKPrintProgress;
+class ZELKOutputProgress;
 
 /// Prints the table as it is arranged, in the title the period that it shows: with a dialog before and
 /// progress meanwhile, or as a preview. It remembers printer, paper and margins as long as it lives.
@@ -59,6 +59,6 @@ private:
 
     Outlets m_outlets;
     std::unique_ptr<QPrinter> m_printInfo;
-    std::unique_ptr<ZELKPrintProgress> m_progress; // while something is being printed
+    std::unique_ptr<ZELKOutputProgress> m_progress; // while something is being printed
     bool m_printsAfterPreview = false;
 };

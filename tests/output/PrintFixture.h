@@ -34,7 +34,7 @@ struct PrintFixture : Table
     ZELKPrintOperation::State print(std::unique_ptr<ZELKLWCPrintableReportView> report)
     {
         ZELKPrintOperation operation(std::move(report), printer);
-        while (operation.advance(1000) == ZELKPrintOperation::State::Printing) {
+        while (operation.advance(1000) < ZELKPrintOperation::State::Done) {
         }
         return operation.state();
     }

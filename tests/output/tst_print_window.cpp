@@ -12,6 +12,8 @@
 #include <QPrinter>
 #include <QSignalSpy>
 
+#include <sys/stat.h>
+
 namespace {
 
 struct PrintBed : ApplicationFixture
@@ -121,22 +123,20 @@ private Q_SLOTS:
         QVERIFY(bed.controller().makeReport(bed.controller().printInfo())->pages() > before);
     }
 
+    /// Nobody reads the pipe that is printed to.
     void aLongReportCanBeCancelled()
     {
         PrintBed bed;
-        bed.session.add(60'000);
-        writeFile(bed.file(), "older");
+        QCOMPARE(::mkfifo(QFile::encodeName(bed.file()).constData(), 0600), 0);
         QSignalSpy printed(&bed.controller(), &ZELKLWCPrintController::printed);
         auto *dialog = bed.opened<QPrintDialog>("actionPrint");
         Q_EMIT dialog->accepted(dialog->printer());
         dialog->reject();
-        ZELKProgressSheet *sheet = nullptr;
-        QTRY_VERIFY((sheet = bed.session.window.findChild<ZELKProgressSheet *>()) || printed.count() > 0);
-        if (!sheet)
-            QSKIP("this machine prints faster than anybody cancels");
-        sheet->reject();
+        const auto sheet = [&] { return bed.session.window.findChild<ZELKProgressSheet *>(); };
+        QTRY_VERIFY(sheet());
+        sheet()->reject();
         QCOMPARE(printed.count(), 1);
-        QCOMPARE(readFile(bed.file()), QByteArray("older"));
+        QVERIFY(printed.first().first().toString().isNull());
     }
 };
 
