@@ -110,6 +110,30 @@ private Q_SLOTS:
         }
     }
 
+    /// Events that are read in place come to what their dictionaries come to.
+    void bothWaysMakeTheSameLog()
+    {
+        const QString texts[] = {u"startup"_s, QString(), u"Lüfter aus"_s, u"🔋"_s, u"a\tb"_s};
+        QStringList seen[2];
+        for (const bool isInPlace : {false, true}) {
+            const ConsoleLines console;
+            LogFixture fixture(Texts::English);
+            for (const QString &event : texts) {
+                for (const QString &monitor : texts) {
+                    for (const QString &properties : {u"NULL"_s, u"?"_s, u"<plist><dict/></plist>"_s}) {
+                        const auto raw = ZELKMakeRawEvent(ZELKDate(5), event, monitor, properties);
+                        const std::string bytes[] = {event.toStdString(), monitor.toStdString(),
+                                                     properties.toStdString()};
+                        isInPlace ? addInPlace(fixture, {"5.000000", bytes[0], bytes[1], bytes[2]})
+                                  : fixture.addAll({raw});
+                    }
+                }
+            }
+            seen[isInPlace] = LogDump::of(fixture.log) + console.lines();
+        }
+        QCOMPARE(seen[1], seen[0]);
+    }
+
     void dates()
     {
         // What the C library reads at a text's beginning; a number that is none counts as 0.

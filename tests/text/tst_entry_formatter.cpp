@@ -1,7 +1,8 @@
 // Entries as rich text: the two templates, what is put into them, and what is said of faulty ones.
 #include "ConsoleLines.h"
-#include "NamedRows.h"
+#include "Files.h"
 #include "Raised.h"
+#include "Rows.h"
 #include "ZELKEnvironment.h"
 #include "ZELKLWCLog.h"
 #include "ZELKLWCLogEntryFormatter.h"
@@ -10,7 +11,6 @@
 #include "ZELKSystemFonts.h"
 #include "ZELKTextDocument.h"
 
-#include <QFile>
 #include <QGuiApplication>
 #include <QTemporaryDir>
 
@@ -42,9 +42,7 @@ struct Bed
     }
     void write(const QString &resource, const QByteArray &bytes) const
     {
-        QFile file(folder.filePath(resource + u".rtf"_s));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        writeFile(folder.filePath(resource + u".rtf"_s), bytes);
     }
     QVariant object() const { return QVariant::fromValue(entry); }
 
@@ -63,32 +61,28 @@ class TestEntryFormatter : public QObject
 private Q_SLOTS:
     void fillsIn_data()
     {
-        const NamedRows<QByteArray, const char *, const char *, const char *> row("body", "summary",
-                                                                                  "attribute", "text");
+        const Rows<QByteArray, QString, QString, QString> row; // template, summary, attribute, what is shown
         row("both", "[primary]: [supplimentary].", "S", "A", "S: A.");
         row("in any order", "[supplimentary][primary]", "S", "A", "AS");
-        row("without attributes", "[primary]|[supplimentary]|", "S", nullptr, "S||");
+        row("without attributes", "[primary]|[supplimentary]|", "S", QString(), "S||");
         row("only the first", "[primary] [primary] [supplimentary]", "S", "A", "S [primary] A");
         row("none", "constant", "S", "A", "constant");
         row("not quite", "[Primary] [ primary]", "S", "A", "[Primary] [ primary]");
         row("a value brings a placeholder", "[primary] [supplimentary]", "[supplimentary]", "A",
             "A [supplimentary]");
         row("a value brings its own", "[primary]", "a[primary]", "A", "a[primary]");
-        row("an empty summary", "<[primary]>", "", nullptr, "<>");
+        row("an empty summary", "<[primary]>", "", QString(), "<>");
     }
-
     void fillsIn()
     {
-        QFETCH(QByteArray, body);
-        QFETCH(QString, summary);
-        QFETCH(QString, attribute);
+        const auto [body, summary, attribute, text] = Rows<QByteArray, QString, QString, QString>::fetch();
         const Bed bed({}, body);
         bed.entry->setSummary(summary);
         if (!attribute.isNull())
             bed.entry->setAttributeValue(1, attribute);
         Formatter formatter;
         formatter.setShowDetail(true);
-        QTEST(formatter.stringForObjectValue(bed.object()), "text");
+        QCOMPARE(formatter.stringForObjectValue(bed.object()), text);
     }
 
     void valuesTakeTheLookOfThePlaceholder()
@@ -215,9 +209,6 @@ private Q_SLOTS:
         QCOMPARE(beside.pointSize, 2 * secondary.pointSize);
         QVERIFY(!beside.bold);
         QVERIFY(Assistant::secondaryAttributesFromPrimaryAttributes({}) == secondary);
-        QCOMPARE(Assistant::miniPrimaryAttributes().pointSize, ZELKSystemFonts::smallSystemFontSize());
-        QCOMPARE(Assistant::miniSecondaryAttributes().pointSize, ZELKSystemFonts::miniSystemFontSize());
-        QCOMPARE(Assistant::miniSecondaryAttributes().colour, secondary.colour);
     }
 };
 
