@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <cstring>
 #include <utility>
 
 #include <fcntl.h>
@@ -53,7 +52,7 @@ ZELKExportFile::~ZELKExportFile()
 
 QString ZELKExportFile::systemErrorText() const
 {
-    return QString::fromLocal8Bit(std::strerror(m_error));
+    return ZELKPosixFile::errorText(m_error);
 }
 
 bool ZELKExportFile::fail()

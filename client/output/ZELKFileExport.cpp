@@ -1,7 +1,8 @@
 #include "ZELKFileExport.h"
 
+#include "ZELKPosixFile.h"
+
 #include <cerrno>
-#include <cstring>
 #include <utility>
 
 ZELKFileExport::ZELKFileExport(std::unique_ptr<ZELKExportSource> source, std::unique_ptr<ZELKExportFile> file)
@@ -23,5 +24,5 @@ ZELKOutputWork::State ZELKFileExport::produce()
     if (file().systemError() != 0)
         return fail(file().systemErrorText());
     const int reason = m_source->systemError();
-    return fail(QString::fromLocal8Bit(std::strerror(reason != 0 ? reason : EIO)));
+    return fail(ZELKPosixFile::errorText(reason != 0 ? reason : EIO));
 }

@@ -97,12 +97,9 @@ void ZELKLWCPrintController::print()
     if (!canPrint())
         return;
     const auto report = makeReport(printInfo());
-    prepare(*report);
     auto *dialog = new QPrintDialog(&printInfo(), &m_outlets.window);
-    dialog->setOption(QAbstractPrintDialog::PrintPageRange);
     dialog->setMinMax(1, int(report->pages()));
-    dialog->setFromTo(1, int(report->pages()));
-    printInfo().setPrintRange(QPrinter::AllPages);
+    prepare(*report); // the dialog has taken the pages of last time for what is wanted
     connect(dialog, qOverload<QPrinter *>(&QPrintDialog::accepted), this,
             [this] { zelkGuard([this] { printReport(); }); });
     open(*dialog);

@@ -57,12 +57,36 @@ QVariant valueFor(const QString &identifier, ZELKLWCLogEntry &entry)
                                                 : ZELKEntryKeyPath::value(entry, identifier);
 }
 
-/// The interface file's sizes are points, which its widgets take for pixels.
-void setPointsAsPixels(QLabel &field)
+const QString &givenTitle(const QString &title)
 {
-    QFont font = field.font();
+    if (title.isNull())
+        ZELKAssertion::failParameter(sourceFile, Title, "inTitle");
+    return title;
+}
+
+std::unique_ptr<QWidget> loadPageHeader()
+{
+    std::unique_ptr<QWidget> header =
+        ZELKInterfaceLoader::loadIfSound(*ZELKEnvironment::current().mainBundle, className);
+    if (!header || !header->layout())
+        ZELKAssertion::fail(sourceFile, Nib, ZELKFormat("Unable to load %@ nib.", {className}));
+    return header;
+}
+
+/// The interface file's sizes are points, which its widgets take for pixels.
+QLabel *fieldOf(const QWidget &pageHeader, const char *name)
+{
+    auto *field = ZELKInterfaceLoader::outlet<QLabel>(pageHeader, className, name);
+    QFont font = field->font();
     font.setPixelSize(qRound(font.pointSizeF()));
-    field.setFont(font);
+    field->setFont(font);
+    return field;
+}
+
+ZELKReportLayout::Heights heightsOf(const QWidget &pageHeader, const ZELKPaperFont &rowFont)
+{
+    const double row = rowFont.boundingHeight();
+    return {double(pageHeader.height()), row, row};
 }
 
 } // namespace
@@ -91,38 +115,20 @@ ZELKLWCPrintableReportView::ZELKLWCPrintableReportView(const ZELKLWCLogTableView
                                                        const ZELKReportLayout::Paper &paper)
     : m_columns(ZELKReportColumn::columnsOf(given(inTableView, TableView, "inTableView")))
     , m_arrangedObjects(rowsOf(given(inDataController, DataController, "inDataController")))
-    , m_title(inTitle)
+    , m_title(givenTitle(inTitle))
+    , m_pageHeaderView(loadPageHeader())
+    , m_pageTextField(fieldOf(*m_pageHeaderView, "pageTextField"))
+    , m_titleTextField(fieldOf(*m_pageHeaderView, "titleTextField"))
     , m_rowFont(fontForRow())
     , m_headingFont(ZELKSystemFonts::systemFontSize(), true)
     , m_rowAttributes(attributesOfRows())
     , m_tableWidth(ZELKReportColumn::tableWidth(m_columns))
-    , m_layout(paper, {0.0, 0.0, 1.0}, 0)
+    , m_layout(paper, heightsOf(*m_pageHeaderView, m_rowFont), m_arrangedObjects.size())
 {
-    if (inTitle.isNull())
-        ZELKAssertion::failParameter(sourceFile, Title, "inTitle");
-    loadPageHeader();
-    m_layout = makeLayout(paper);
     m_pageHeaderView->resize(qRound(m_layout.printableArea.width()), m_pageHeaderView->height());
 }
 
 ZELKLWCPrintableReportView::~ZELKLWCPrintableReportView() = default;
-
-void ZELKLWCPrintableReportView::loadPageHeader()
-{
-    m_pageHeaderView = ZELKInterfaceLoader::loadIfSound(*ZELKEnvironment::current().mainBundle, className);
-    if (!m_pageHeaderView || !m_pageHeaderView->layout())
-        ZELKAssertion::fail(sourceFile, Nib, ZELKFormat("Unable to load %@ nib.", {className}));
-    m_pageTextField = ZELKInterfaceLoader::outlet<QLabel>(*m_pageHeaderView, className, "pageTextField");
-    m_titleTextField = ZELKInterfaceLoader::outlet<QLabel>(*m_pageHeaderView, className, "titleTextField");
-    setPointsAsPixels(*m_pageTextField);
-    setPointsAsPixels(*m_titleTextField);
-}
-
-ZELKReportLayout ZELKLWCPrintableReportView::makeLayout(const ZELKReportLayout::Paper &paper) const
-{
-    const double row = m_rowFont.boundingHeight();
-    return {paper, {double(m_pageHeaderView->height()), row, row}, m_arrangedObjects.size()};
-}
 
 void ZELKLWCPrintableReportView::setColumns(const QList<ZELKReportColumn> &columns)
 {

@@ -64,7 +64,6 @@ private:
     /// A painter on an area of the view; places are turned over here and nowhere else.
     struct Canvas;
 
-    void loadPageHeader();
     void drawPage(const Canvas &canvas, qint64 page) const;
     void drawPageHeader(const Canvas &canvas, qint64 page) const;
     void drawColumnHeadings(const Canvas &canvas, double y) const;
@@ -72,7 +71,6 @@ private:
     void drawCell(const Canvas &canvas, const ZELKReportColumn &column, ZELKLWCLogEntry *entry,
                   const QRectF &cell) const;
     void drawRule(const Canvas &canvas, double y) const;
-    ZELKReportLayout makeLayout(const ZELKReportLayout::Paper &paper) const;
 
     static constexpr double m_columnPadding = 3.0;
 
@@ -80,11 +78,11 @@ private:
     QList<ZELKLWCLogEntry *> m_arrangedObjects;
     QString m_title;
     std::unique_ptr<QWidget> m_pageHeaderView; // never shown; laid out in points
-    QLabel *m_pageTextField = nullptr;
-    QLabel *m_titleTextField = nullptr;
+    QLabel *m_pageTextField;
+    QLabel *m_titleTextField;
     ZELKPaperFont m_rowFont;
     ZELKPaperFont m_headingFont;
     ZELKTextAttributes m_rowAttributes;
-    double m_tableWidth = 0.0;
+    double m_tableWidth;
     ZELKReportLayout m_layout;
 };

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
 
 #include <cerrno>
 #include <cstddef>
+#include <cstring>
 
 #include <sys/types.h>
 #include <unistd.h>
@@ -12,6 +13,12 @@
 namespace ZELKPosixFile {
 
 constexpr mode_t usualMode = 0666; ///< less what the user's mask takes away
+
+/// What the system says of an error number (errno).
+inline QString errorText(int error)
+{
+    return QString::fromLocal8Bit(std::strerror(error));
+}
 
 /// Calls `write` with what is left and how much is not, until there is nothing left; answers how much was
 /// written, which is less only after an error.

@@ -1,10 +1,11 @@
 #include "ZELKPrintOperation.h"
 
+#include "ZELKPosixFile.h"
+
 #include <QDir>
 #include <QTemporaryFile>
 
 #include <cerrno>
-#include <cstring>
 
 namespace {
 
@@ -106,7 +107,7 @@ QString ZELKPrintOperation::reasonOfDocument() const
     constexpr qsizetype roomy = 65536;
     const bool hasRoom = m_document->seek(m_document->size()) &&
                          m_document->write(QByteArray(roomy, ' ')) == roomy && m_document->flush();
-    return hasRoom ? QString::fromLocal8Bit(std::strerror(EIO)) : m_document->errorString();
+    return hasRoom ? ZELKPosixFile::errorText(EIO) : m_document->errorString();
 }
 
 /// Of a printer nothing is known.

@@ -20,7 +20,6 @@ struct ZELKReportLayout
         QMarginsF margins;
 
         static Paper of(const QPageLayout &layout);
-        bool operator==(const Paper &) const = default;
     };
     /// What stands on a page.
     struct Heights

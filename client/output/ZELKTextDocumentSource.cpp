@@ -18,7 +18,7 @@ ZELKAttributedString resource(const QString &name)
     QFile file(ZELKEnvironment::current().mainBundle->pathForResource(name, QStringLiteral("rtf")));
     if (file.fileName().isEmpty() || !file.open(QIODevice::ReadOnly))
         return {};
-    const ZELKRtfReader::Result result = ZELKRtfReader::read(file.readAll());
+    const ZELKRtfReader::Result result = ZELKRtfReader::read(file.read(ZELKRtfReader::mostBytes + 1));
     if (result.error)
         ZELKConsole::log(ZELKFormat("%@: %@", {file.fileName(), result.error->localizedDescription()}));
     return result.text.value_or(ZELKAttributedString());

@@ -30,8 +30,6 @@ gboolean noteWhether(bool isDone, GsfOutput *output)
     return TRUE;
 }
 
-using DeviceOutputClass = GsfOutputClass;
-
 gboolean writeToDevice(GsfOutput *output, size_t count, const guint8 *bytes)
 {
     QIODevice *device = reinterpret_cast<DeviceOutput *>(output)->device;
@@ -64,8 +62,8 @@ void initClass(void *memory, void * /*data*/)
 GType deviceOutputType()
 {
     static const GType type = [] {
-        const GTypeInfo info{sizeof(DeviceOutputClass), nullptr, nullptr, initClass, nullptr, nullptr,
-                             sizeof(DeviceOutput),      0,       nullptr, nullptr};
+        const GTypeInfo info{sizeof(GsfOutputClass), nullptr, nullptr, initClass, nullptr, nullptr,
+                             sizeof(DeviceOutput),   0,       nullptr, nullptr};
         return g_type_register_static(GSF_OUTPUT_TYPE, "ZELKDeviceOutput", &info, GTypeFlags(0));
     }();
     return type;

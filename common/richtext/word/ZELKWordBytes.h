@@ -7,6 +7,8 @@
 /// Numbers and texts as Word documents hold them, low bytes first.
 namespace ZELKWordBytes {
 
+constexpr qsizetype leastStream = 4096; ///< into shorter ones some readers do not look
+
 template <typename Number>
 void set(QByteArray &bytes, qsizetype offset, Number number)
 {

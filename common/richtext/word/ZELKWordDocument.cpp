@@ -12,7 +12,6 @@ namespace {
 constexpr char classIdentifier[] = "\x06\x09\x02\0\0\0\0\0\xC0\0\0\0\0\0\0\x46";
 constexpr char16_t paragraphEnd = u'\r';
 constexpr char16_t lineBreak = u'\v';
-constexpr qsizetype leastStream = 4096; // in shorter ones some readers do not look
 
 /// A unit between two others as the document holds it.
 char16_t written(char16_t before, char16_t unit, char16_t after)
@@ -165,7 +164,7 @@ bool ZELKWordDocument::appendPages()
 bool ZELKWordDocument::endStream()
 {
     m_contents.sectionPlace = m_position;
-    m_contents.textStart = m_header.textStart;
+    m_contents.textStart = ZELKWordHeader::room;
     m_contents.unitCount = m_header.unitCount;
     const QByteArray page = ZELKWordProperties::forPage();
     QByteArray end;

@@ -18,7 +18,7 @@ QByteArray ZELKWordHeader::bytes(const ZELKWordTables::Places &tables) const
     append16(out, 0x1200); // characters beyond the code page; tables in the stream "1Table"
     append16(out, 0x00BF); // the oldest version that can read it
     out.append(10, '\0');
-    append32(out, textStart);
+    append32(out, room);
     append32(out, textEnd);
     append16(out, shortCount);
     out.append(2 * (shortCount - 1), '\0');

@@ -5,10 +5,9 @@
 /// The beginning of a Word document's first stream.
 struct ZELKWordHeader
 {
-    /// Where text may begin.
+    /// Behind it the text begins.
     static constexpr quint32 room = 0x600;
 
-    quint32 textStart = room;
     quint32 textEnd = room;
     quint32 unitCount = 0;
     quint32 streamSize = 0;

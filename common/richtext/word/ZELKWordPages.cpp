@@ -48,9 +48,11 @@ void ZELKWordPages::append(quint32 end, const QByteArray &properties)
     const QByteArray block = blockOf(m_kind, properties);
     const auto number = int(m_ends.size());
     const int top = 4 * (number + 2) + entrySize(m_kind) * (number + 1);
-    if (std::min(placeFor(block), m_bottom) < top)
+    int place = placeFor(block);
+    if (std::min(place, m_bottom) < top) {
         closePage();
-    const int place = placeFor(block);
+        place = placeFor(block);
+    }
     if (place < m_bottom) {
         m_blocks.push_back({block, place});
         m_bottom = place;

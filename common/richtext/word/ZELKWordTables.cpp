@@ -16,8 +16,6 @@ constexpr int fontNames = 15;
 constexpr int settings = 31;
 constexpr int pieces = 33;
 
-constexpr qsizetype leastStream = 4096;
-
 /// A style is made of a fixed beginning, its name, and property lists, each with its length before it.
 struct Style
 {
