@@ -97,9 +97,9 @@ void ZELKLWCPrintController::print()
     if (!canPrint())
         return;
     const auto report = makeReport(printInfo());
+    prepare(*report);
     auto *dialog = new QPrintDialog(&printInfo(), &m_outlets.window);
     dialog->setMinMax(1, int(report->pages()));
-    prepare(*report); // the dialog has taken the pages of last time for what is wanted
     connect(dialog, qOverload<QPrinter *>(&QPrintDialog::accepted), this,
             [this] { zelkGuard([this] { printReport(); }); });
     open(*dialog);
