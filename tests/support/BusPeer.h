@@ -1,14 +1,11 @@
 #pragma once
 
+#include "AnsweringObject.h"
+
 #include <QDBusArgument>
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
 #include <QMap>
 #include <QSemaphore>
 #include <QThread>
-
-#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -17,8 +14,7 @@ using namespace Qt::StringLiterals;
 class BusPeer final : public QThread
 {
 public:
-    /// The reply to a call; an empty message for none.
-    using Answer = std::function<QDBusMessage(const QDBusMessage &)>;
+    using Answer = AnsweringObject::Answer;
 
     BusPeer(QDBusConnection::BusType bus, const QString &name, const Answer &answer)
         : m_bus(bus)
@@ -62,27 +58,9 @@ public:
     }
 
 private:
-    class Object final : public QDBusVirtualObject
-    {
-    public:
-        explicit Object(const Answer &answer)
-            : m_answer(answer)
-        {
-        }
-        QString introspect(const QString &) const override { return {}; }
-        bool handleMessage(const QDBusMessage &call, const QDBusConnection &bus) override
-        {
-            const QDBusMessage reply = m_answer(call);
-            return reply.type() == QDBusMessage::InvalidMessage || bus.send(reply);
-        }
-
-    private:
-        Answer m_answer;
-    };
-
     void run() override
     {
-        Object object(m_answer);
+        AnsweringObject object(m_answer);
         const QString own = QString::number(quintptr(this));
         QDBusConnection connection = QDBusConnection::connectToBus(m_bus, own);
         if (!connection.registerVirtualObject(u"/"_s, &object, QDBusConnection::SubPath) ||
