@@ -1,25 +1,13 @@
+#include "AccountingRecord.h"
 #include "AgentFixture.h"
+#include "ClockEnvironment.h"
 #include "ZELKAccountingRecords.h"
-#include "ZELKEnvironment.h"
 #include "ZELKLWASystemAccountingWatcher.h"
-
-#include <cstring>
-#include <utmpx.h>
 
 namespace {
 
 constexpr ZELKDate now = ZELKDate::fromSecondsSince1970(1795400000.0);
-constexpr double then = 1795378000.0;
-
-QByteArray recordOf(short type, const char *user, double seconds, const char *line = "~")
-{
-    utmpx record = {};
-    record.ut_type = type;
-    std::strcpy(record.ut_user, user);
-    std::strcpy(record.ut_line, line);
-    record.ut_tv.tv_sec = decltype(record.ut_tv.tv_sec)(qint64(seconds));
-    return QByteArray(reinterpret_cast<const char *>(&record), sizeof record);
-}
+constexpr qint64 then = 1795378000;
 
 ZELKAccountingRecords read(const QByteArray &bytes)
 {
@@ -36,16 +24,18 @@ private Q_SLOTS:
     void passesOver_data()
     {
         const Rows<QByteArray, int, QString> row;
-        const QByteArray boot = recordOf(BOOT_TIME, "reboot", then);
+        const QByteArray boot = accountingRecord(BOOT_TIME, "reboot", then);
         row("logins and run levels",
-            recordOf(USER_PROCESS, "me", then, "tty1") + boot + recordOf(RUN_LVL, "runlevel", then), 1);
-        row("unknown type", recordOf(77, "reboot", then) + recordOf(-1, "", then) + boot, 1,
+            accountingRecord(USER_PROCESS, "me", then, "tty1") + boot +
+                accountingRecord(RUN_LVL, "runlevel", then),
+            1);
+        row("unknown type", accountingRecord(77, "reboot", then) + accountingRecord(-1, "", then) + boot, 1,
             "2 of unknown type, 0 w");
-        row("a boot on no system line", recordOf(BOOT_TIME, "reboot", then, "tty1"), 0,
+        row("a boot on no system line", accountingRecord(BOOT_TIME, "reboot", then, "tty1"), 0,
             "1 of unknown type, 0 w");
-        row("before 1990", recordOf(BOOT_TIME, "reboot", 0) + boot, 1, "0 of unknown type, 1 w");
-        row("tomorrow is a clock's error", recordOf(BOOT_TIME, "reboot", 1795486000.0), 1);
-        row("the day after is none", recordOf(BOOT_TIME, "reboot", 1795487000.0), 0,
+        row("before 1990", accountingRecord(BOOT_TIME, "reboot", 0) + boot, 1, "0 of unknown type, 1 w");
+        row("tomorrow is a clock's error", accountingRecord(BOOT_TIME, "reboot", 1795486000), 1);
+        row("the day after is none", accountingRecord(BOOT_TIME, "reboot", 1795487000), 0,
             "0 of unknown type, 1 w");
         row("stray tail", boot + boot.left(17), 1,
             "0 of unknown type, 0 with an absurd time, 17 stray bytes");
@@ -64,9 +54,7 @@ private Q_SLOTS:
 
     void followsTheFile()
     {
-        ZELKEnvironment environment = ZELKEnvironment::system();
-        environment.clock = std::make_shared<ZELKFixedClock>(now);
-        const ZELKEnvironmentScope scope(environment);
+        const ZELKEnvironmentScope scope(environmentWith(std::make_shared<ZELKFixedClock>(now)));
         const QTemporaryDir folder;
         const QString path = folder.filePath(u"wtmp"_s);
         std::vector<ZELKLWAEvent> seen;
@@ -85,14 +73,14 @@ private Q_SLOTS:
         QCOMPARE(seen.back().event, u"accounting shut down"_s);
         QCOMPARE(seen.back().date, ZELKDate::fromSecondsSince1970(1795378844.468400));
 
-        const QByteArray next = recordOf(BOOT_TIME, "reboot", 1795379000.0);
+        const QByteArray next = accountingRecord(BOOT_TIME, "reboot", 1795379000);
         writeFile(path, next.left(100), QIODevice::Append);
         QTRY_COMPARE(console.size(), 2);
         writeFile(path, next.mid(100), QIODevice::Append);
         QTRY_COMPARE(seen.size(), std::size_t(3));
 
         QVERIFY(QFile::rename(path, path + u".1"_s));
-        writeFile(path, recordOf(BOOT_TIME, "reboot", 1795380000.0));
+        writeFile(path, accountingRecord(BOOT_TIME, "reboot", 1795380000));
         QTRY_COMPARE(seen.size(), std::size_t(4));
         QCOMPARE(seen.back().date, ZELKDate::fromSecondsSince1970(1795380000.0));
 

@@ -1,13 +1,9 @@
-#include "AgentFixture.h"
+#include "ServedEvents.h"
 #include "ZELKFailingSQLitePort.h"
-#include "ZELKLWAEventStore.h"
 
 #include <QSignalSpy>
 
-#include <limits>
-
 using Call = ZELKFailingSQLitePort::Call;
-using Reading = ZELKLWAEventPage::End;
 
 namespace {
 
@@ -21,23 +17,14 @@ ZELKLWAEvent eventAt(double seconds, const char *name = "event")
 /// "date name" of each event from `from` to `to`, read in pages of `page`.
 QStringList readAll(ZELKLWAEventStore &store, double from = -infinity, double to = infinity, int page = 2)
 {
-    QStringList found;
-    constexpr qint64 first = std::numeric_limits<qint64>::min();
-    ZELKLWAEventPosition at{first, first};
     const ZELKLWAEventRange range{ZELKLWATimeOf(ZELKDate(from)), ZELKLWATimeOf(ZELKDate(to)),
                                   std::numeric_limits<qint64>::max()};
     store.settle();
-    Reading reading = Reading::Stopped;
-    while (reading == Reading::Stopped)
-        reading = store.eventsAfter(at, range, page,
-                                    [&](ZELKLWAEventPosition position, const ZELKRawEventView &event) {
-                                        at = position;
-                                        found.append(text(event.date) + u' ' + text(event.description));
-                                        return true;
-                                    });
-    if (reading == Reading::Failed)
-        found.append(u"failed"_s);
-    return found;
+    const ServedEvents served(store, range, page);
+    QStringList found = served.dates;
+    for (qsizetype i = 0; i < found.size(); ++i)
+        found[i] += u' ' + served.names[i];
+    return served.failed ? found << u"failed"_s : found;
 }
 
 } // namespace

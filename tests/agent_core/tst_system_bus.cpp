@@ -1,14 +1,9 @@
 #include "BusService.h"
-#include "Files.h"
-#include "Rows.h"
-#include "ZELKBundle.h"
-#include "ZELKLWAEventStore.h"
+#include "ServedEvents.h"
 #include "ZELKSQLitePort.h"
 
 #include <QProcess>
-#include <QTemporaryDir>
 
-#include <memory>
 #include <optional>
 
 namespace {
@@ -135,7 +130,7 @@ private:
         m_agent->setProcessChannelMode(QProcess::MergedChannels);
         const QString none = m_folder->filePath(u"none"_s), accounting = m_folder->filePath(u"wtmp"_s);
         writeFile(accounting, {});
-        m_agent->start(ZELKBundle(QString::fromLocal8Bit(AGENT_BUNDLE)).executablePath(),
+        m_agent->start(agentBundle()->executablePath(),
                        {u"--database"_s, database(), u"--wtmp"_s, accounting, u"--power-supply"_s, none});
         QVERIFY(m_agent->waitForStarted());
     }
@@ -148,17 +143,9 @@ private:
     /// How often.
     int recorded(const QString &name) const
     {
-        ZELKLWAEventStore store(database(),
-                                std::make_shared<const ZELKBundle>(QString::fromLocal8Bit(AGENT_BUNDLE)),
-                                std::make_shared<ZELKSQLitePort>());
+        ZELKLWAEventStore store(database(), agentBundle(), std::make_shared<ZELKSQLitePort>());
         store.settle();
-        int count = 0;
-        store.eventsAfter({0, 0}, ZELKLWAEventRange::requested(0, 9e9), 1000,
-                          [&](ZELKLWAEventPosition, const ZELKRawEventView &event) {
-                              count += event.description == name.toStdString() ? 1 : 0;
-                              return true;
-                          });
-        return count;
+        return int(ServedEvents(store).names.count(name));
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
