@@ -1,9 +1,10 @@
 #pragma once
 
+#include "AccountingRecord.h"
+#include "ClockEnvironment.h"
 #include "ConsoleLines.h"
 #include "Files.h"
 #include "Rows.h"
-#include "ZELKEnvironment.h"
 #include "ZELKJournalReader.h"
 #include "ZELKLWAEvent.h"
 
@@ -12,25 +13,12 @@
 
 #include <cstring>
 #include <memory>
-#include <utmpx.h>
 #include <zlib.h>
 
 using namespace Qt::StringLiterals;
 
 /// When the tests take place, in seconds since 1970.
 constexpr double now = 1800000000.0;
-
-/// Makes it that time.
-struct TestTime
-{
-    static ZELKEnvironment environment()
-    {
-        ZELKEnvironment environment = ZELKEnvironment::system();
-        environment.clock = std::make_shared<ZELKFixedClock>(ZELKDate::fromSecondsSince1970(now));
-        return environment;
-    }
-    ZELKEnvironmentScope scope{environment()};
-};
 
 /// "SECONDS EVENT", the seconds since 1970.
 inline QStringList linesOf(const std::vector<ZELKLWAEvent> &events)
@@ -50,14 +38,10 @@ inline QByteArray accounting(const QList<Record> &records)
 {
     QByteArray bytes;
     for (const auto &[kind, seconds] : records) {
-        utmpx record = {};
-        record.ut_type = kind == Accounting::Boot    ? BOOT_TIME
-                         : kind == Accounting::Login ? USER_PROCESS
-                                                     : RUN_LVL;
-        std::strcpy(record.ut_user, kind == Accounting::ShutDown ? "shutdown" : "reboot");
-        std::strcpy(record.ut_line, "~");
-        record.ut_tv.tv_sec = decltype(record.ut_tv.tv_sec)(qint64(seconds));
-        bytes.append(reinterpret_cast<const char *>(&record), sizeof record);
+        const short type = kind == Accounting::Boot    ? BOOT_TIME
+                           : kind == Accounting::Login ? USER_PROCESS
+                                                       : RUN_LVL;
+        bytes += accountingRecord(type, type == RUN_LVL ? "shutdown" : "reboot", qint64(seconds));
     }
     return bytes;
 }
@@ -67,6 +51,15 @@ inline void writePacked(const QString &path, const QByteArray &bytes)
     const gzFile file = gzopen(path.toLocal8Bit().constData(), "wb");
     if (gzwrite(file, bytes.constData(), unsigned(bytes.size())) != bytes.size() || gzclose(file) != Z_OK)
         qFatal("%s cannot be written", qPrintable(path));
+}
+
+/// Makes it a file that nobody has written to since then, in seconds since 1970.
+inline void setModified(const QString &path, qint64 seconds)
+{
+    QFile file(path);
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(seconds);
+    if (!file.open(QIODevice::ReadWrite) || !file.setFileTime(time, QFileDevice::FileModificationTime))
+        qFatal("%s cannot be dated", qPrintable(path));
 }
 
 /// A journal of the tests' data.
@@ -96,7 +89,8 @@ inline int readJournal(int argc, char **argv)
         if (argc > 1 && std::strcmp(argv[1], ZELKJournalReader::option) == 0)                                \
             return readJournal(argc, argv);                                                                  \
         const QCoreApplication application(argc, argv);                                                      \
-        const TestTime time;                                                                                 \
+        const ZELKEnvironmentScope scope(                                                                    \
+            environmentWith(std::make_shared<ZELKFixedClock>(ZELKDate::fromSecondsSince1970(now))));         \
         Test test;                                                                                           \
         return QTest::qExec(&test, argc, argv);                                                              \
     }

@@ -1,6 +1,6 @@
 #include "BackfillFixture.h"
+#include "PropertyLists.h"
 #include "ZELKAccountingHistory.h"
-#include "ZELKPropertyList.h"
 #include "ZELKSettingsPowerSourceNames.h"
 #include "ZELKUPowerFolder.h"
 #include "ZELKUserDefaults.h"
@@ -28,9 +28,7 @@ QString textOf(const std::vector<ZELKUPowerReading> &readings)
 {
     QStringList lines;
     for (const ZELKUPowerReading &reading : readings) {
-        const QByteArray text = reading.event(u"PRB-1"_s).properties.toUtf8();
-        const auto value = ZELKPropertyList::read({text.constData(), std::size_t(text.size())}).value;
-        const auto properties = value.value<ZELKDictionary>();
+        const ZELKDictionary properties = listIn(reading.event(u"PRB-1"_s).properties.toUtf8());
         QStringList words{QString::number(reading.seconds - 1795379000),
                           properties.string(u"Current Capacity"_s),
                           properties.value(u"Is Charging"_s).toBool() ? u"charging"_s : u"resting"_s,
@@ -86,12 +84,8 @@ private Q_SLOTS:
         QVERIFY(console.lines().at(0).contains(u"wtmp-20231114.zst, wtmp.3.xz"_s));
         QVERIFY(console.lines().at(1).contains(u"1 with an absurd time, 4 stray bytes"_s));
 
-        const auto older = QDateTime::fromSecsSinceEpoch(1700000300);
-        for (const char *name : {".2", "-20231114.zst", ".3.xz"}) {
-            QFile file(path + QLatin1String(name));
-            QVERIFY(file.open(QIODevice::ReadWrite));
-            QVERIFY(file.setFileTime(older, QFileDevice::FileModificationTime));
-        }
+        for (const char *name : {".2", "-20231114.zst", ".3.xz"})
+            setModified(path + QLatin1String(name), 1700000300);
         const ZELKDate since = ZELKDate::fromSecondsSince1970(1700000301.0);
         QCOMPARE(ZELKAccountingHistory::files(path, since).size(), qsizetype(4));
         QCOMPARE(ZELKAccountingHistory::files(folder.filePath(u"btmp"_s), since), QStringList());

@@ -90,9 +90,7 @@ private Q_SLOTS:
     void init()
     {
         m_clock = std::make_shared<TestClock>();
-        ZELKEnvironment environment = ZELKEnvironment::system();
-        environment.clock = m_clock;
-        m_scope.emplace(environment);
+        m_scope.emplace(environmentWith(m_clock));
         writeFile(m_folder.filePath(u"boot_id"_s), "one\n");
     }
     void cleanup() { m_scope.reset(); }
