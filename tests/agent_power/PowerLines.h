@@ -1,8 +1,7 @@
 #pragma once
 
-#include "ZELKDictionary.h"
+#include "PropertyLists.h"
 #include "ZELKLWAEvent.h"
-#include "ZELKPropertyList.h"
 
 #include <QStringList>
 #include <QVariantMap>
@@ -32,7 +31,7 @@ inline ZELKDate second(double sinceEpoch)
 /// The properties of an event, read again from their text.
 inline ZELKDictionary propertiesOf(const ZELKLWAEvent &event)
 {
-    return ZELKPropertyList::read(event.properties.toStdString()).value.value<ZELKDictionary>();
+    return listIn(event.properties.toUtf8());
 }
 
 /// What "Power state changed" says, in short: "PRB-1 80% charging on AC Power", "PRB-1 gone on AC Power".

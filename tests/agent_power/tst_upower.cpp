@@ -1,7 +1,7 @@
+#include "ClockEnvironment.h"
 #include "ConsoleLines.h"
 #include "FakeUPower.h"
 #include "WatchedPower.h"
-#include "ZELKEnvironment.h"
 
 #include <QTest>
 
@@ -25,13 +25,7 @@ QStringList lines(const QList<int> &percents)
 /// UPower and its watcher, on a clock that stands.
 struct Bed
 {
-    Bed()
-    {
-        ZELKEnvironment environment = ZELKEnvironment::system();
-        environment.clock = clock;
-        scope.emplace(environment);
-        uPower.devices[batteryPath] = battery(80, 4990);
-    }
+    Bed() { uPower.devices[batteryPath] = battery(80, 4990); }
     void start()
     {
         uPower.come();
@@ -40,7 +34,7 @@ struct Bed
     void change(const QVariantMap &changes) { uPower.change(batteryPath, changes); }
 
     std::shared_ptr<ZELKFixedClock> clock = std::make_shared<ZELKFixedClock>(second(5000));
-    std::optional<ZELKEnvironmentScope> scope;
+    ZELKEnvironmentScope scope{environmentWith(clock)};
     FakeUPower uPower;
     WatchedPower power;
     ZELKLWAPowerSourceWatcher &watcher = power.watcher;

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "BusMock.h"
+#include "ClockEnvironment.h"
 #include "Rows.h"
 #include "TestClock.h"
-#include "ZELKEnvironment.h"
 #include "ZELKFileShutdownMemory.h"
 #include "ZELKLWASleepWatcher.h"
 
@@ -72,9 +72,7 @@ protected:
     {
         m_logind.emplace();
         m_clock = std::make_shared<TestClock>();
-        ZELKEnvironment environment = ZELKEnvironment::system();
-        environment.clock = m_clock;
-        m_scope.emplace(environment);
+        m_scope.emplace(environmentWith(m_clock));
         m_seen.clear();
         m_properties.clear();
         m_dates.clear();

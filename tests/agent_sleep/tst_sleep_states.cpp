@@ -1,7 +1,6 @@
+#include "PropertyLists.h"
 #include "Rows.h"
-#include "ZELKDictionary.h"
 #include "ZELKIdleStates.h"
-#include "ZELKPropertyList.h"
 #include "ZELKShutdownStates.h"
 #include "ZELKSleepStates.h"
 
@@ -207,8 +206,7 @@ private Q_SLOTS:
         QCOMPARE(events.empty(), expected.isEmpty());
         if (expected.isEmpty())
             return;
-        const auto properties =
-            ZELKPropertyList::read(events.front().properties.toStdString()).value.value<ZELKDictionary>();
+        const ZELKDictionary properties = listIn(events.front().properties.toUtf8());
         QCOMPARE(properties.value(ZELKPropertyIdleSeconds), QVariant(9));
         QCOMPARE(properties.value(ZELKPropertyProcesses), QVariant(QVariantList{expected}));
     }
