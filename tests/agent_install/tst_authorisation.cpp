@@ -25,23 +25,13 @@ ZELKAuthorizationForm ownForm()
 }
 
 /// The removal as a service has it.
-class Service : public QDBusVirtualObject
+AnsweringObject::Answer removing(ZELKAgentRemoval &removal)
 {
-public:
-    explicit Service(ZELKAgentRemoval &removal)
-        : m_removal(removal)
-    {
-    }
-    QString introspect(const QString &) const override { return {}; }
-    bool handleMessage(const QDBusMessage &call, const QDBusConnection &) override
-    {
-        m_removal.removeAgentFiles(call.arguments().constFirst().toByteArray(), call);
-        return true;
-    }
-
-private:
-    ZELKAgentRemoval &m_removal;
-};
+    return [&removal](const QDBusMessage &call) {
+        removal.removeAgentFiles(call.arguments().constFirst().toByteArray(), call);
+        return QDBusMessage();
+    };
+}
 
 } // namespace
 
@@ -171,7 +161,7 @@ private Q_SLOTS:
         QDBusConnection bus = QDBusConnection::systemBus();
         ZELKAgentRemoval removal(bus, place);
         QDBusConnection caller = QDBusConnection::connectToBus(QDBusConnection::SystemBus, u"caller"_s);
-        Service service(removal);
+        AnsweringObject service(removing(removal));
         QVERIFY(bus.registerVirtualObject(u"/removal"_s, &service));
         QDBusMessage call = QDBusMessage::createMethodCall(bus.baseService(), u"/removal"_s, QString(),
                                                            u"removeAgentFiles"_s);
@@ -197,7 +187,7 @@ private Q_SLOTS:
         // Where nobody deletes them, the answer comes before the caller gives up.
         install(place);
         ZELKAgentRemoval inVain(bus, place, nullptr, 50);
-        Service other(inVain);
+        AnsweringObject other(removing(inVain));
         bus.unregisterObject(u"/removal"_s);
         QVERIFY(bus.registerVirtualObject(u"/removal"_s, &other));
         const auto late = request(ownForm().encode());

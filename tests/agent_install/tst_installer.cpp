@@ -1,10 +1,8 @@
-#include "Files.h"
+#include "PropertyLists.h"
 #include "Rows.h"
-#include "ZELKDictionary.h"
 #include "ZELKFileManager.h"
 #include "ZELKInstaller.h"
 #include "ZELKOwnership.h"
-#include "ZELKPropertyList.h"
 
 #include <QDirIterator>
 #include <QProcess>
@@ -32,9 +30,8 @@ struct World
         })
     {
         ::umask(022);
-        const ZELKDictionary info{{u"CFBundleIdentifier"_s, identifier},
-                                  {u"CFBundleExecutable"_s, executable}};
-        writeFile(bundle + u"/Info.plist"_s, ZELKPropertyList::writeXml(QVariant::fromValue(info)).bytes);
+        writeList(bundle + u"/Info.plist"_s,
+                  {{u"CFBundleIdentifier"_s, identifier}, {u"CFBundleExecutable"_s, executable}});
         writeFile(program, "program");
         ::chmod(qPrintable(program), 04755);
         writeFile(bundle + u"/deeper/text"_s, "text");
