@@ -3,12 +3,11 @@
 #include "FakeAgentLookup.h"
 #include "FakeSystem.h"
 #include "FakeWorkspace.h"
-#include "Files.h"
+#include "PropertyLists.h"
 #include "Raised.h"
 #include "Rows.h"
 #include "ZELKBundle.h"
 #include "ZELKEnvironment.h"
-#include "ZELKPropertyList.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -18,23 +17,19 @@ struct AgentFixture
 {
     AgentFixture()
     {
-        writeList(u"agents/org.test.agent.app/Info.plist"_s,
+        writeList(path(u"agents/org.test.agent.app/Info.plist"_s),
                   {{u"CFBundleIdentifier"_s, agentName}, {u"CFBundleExecutable"_s, u"agent"_s}});
         writeFile(path(u"agents/org.test.agent.app/agent"_s), "#!/bin/sh\n");
-        writeList(u"agent.plist"_s, {{u"Label"_s, u"template"_s}, {u"RunAtLoad"_s, true}});
+        writeList(path(u"agent.plist"_s), {{u"Label"_s, u"template"_s}, {u"RunAtLoad"_s, true}});
         useInfo();
     }
 
     QString path(const QString &name) const { return folder.filePath(name); }
-    void writeList(const QString &name, const ZELKDictionary &list) const
-    {
-        writeFile(path(name), ZELKPropertyList::writeXml(QVariant::fromValue(list)).bytes);
-    }
     /// Has the main bundle say what `info` says now.
     void useInfo()
     {
         scope.reset();
-        writeList(u"Info.plist"_s, info);
+        writeList(path(u"Info.plist"_s), info);
         ZELKEnvironment environment = ZELKEnvironment::system();
         environment.mainBundle = std::make_shared<ZELKBundle>(folder.path());
         scope.emplace(environment);

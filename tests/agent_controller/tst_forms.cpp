@@ -99,10 +99,7 @@ private Q_SLOTS:
                                  {u"RunAtLoad"_s, true},
                                  {u"ProgramArguments"_s, QVariantList{copy + u"/agent"_s}}};
         QVERIFY(world.system->ticket == job);
-        const QByteArray bytes = readFile(ticket);
-        QVERIFY(
-            ZELKPropertyList::read({bytes.data(), std::size_t(bytes.size())}).value.value<ZELKDictionary>() ==
-            job);
+        QVERIFY(listIn(readFile(ticket)) == job);
 
         QVERIFY(world.installation.stopUserWithError(nullptr));
         QVERIFY(!QFile::exists(copy) && !QFile::exists(ticket));

@@ -102,14 +102,15 @@ private Q_SLOTS:
         ZELKAgentController &controller = world.create();
         controller.setAlerts(&world.sheets);
         controller.showInstallAlert();
+        QCoreApplication::instance()->setProperty("applicationDisplayName", u"Der Test"_s);
         controller.applicationDidFinishLaunching();
         controller.update();
         QCOMPARE(world.sheets.shown.size(), 2);
-        for (const ZELKAgentAlert &alert : std::as_const(world.sheets.shown)) {
-            QVERIFY(alert.informative.contains(u"Lullwatch"_s));
+        QVERIFY(world.sheets.shown.first().informative.contains(u"Lullwatch"_s));
+        QVERIFY(world.sheets.shown.last().informative.contains(u"Der Test"_s));
+        for (const ZELKAgentAlert &alert : std::as_const(world.sheets.shown))
             for (const QString &text : QStringList{alert.message, alert.informative} + alert.buttons)
                 QVERIFY2(!text.contains(u"ZELK"_s) && !text.contains(u'%'), qPrintable(text));
-        }
     }
 
     void helpNeedsAnAnchorAndABook()

@@ -152,17 +152,7 @@ private Q_SLOTS:
         QCOMPARE(messageWith({}), about + u"is missing ZELKAgentControllerAgentName"_s);
         QCOMPARE(messageWith({{name, 5}}), about + u"ZELKAgentControllerAgentName must be a string"_s);
         QCOMPARE(messageWith({{name, agentName}}), about + u"is missing ZELKAgentControllerAgentFolder"_s);
-    }
-
-    void namesOfApplicationAndAgent()
-    {
-        ServiceFixture world;
-        ZELKAgentController controller(world.ports(), u"org.test.other"_s);
-        QCOMPARE(controller.embeddedAgentURL().toLocalFile(),
-                 world.folder.filePath(u"agents/org.test.other.app"_s));
-        QCOMPARE(controller.applicationName(), u"Test"_s);
-        QCoreApplication::instance()->setProperty("applicationDisplayName", u"Der Test"_s);
-        QCOMPARE(controller.applicationName(), u"Der Test"_s);
+        ZELKAgentController controller(world.ports(), agentName);
         QVERIFY(!raised([&] { controller.isAgentCommunicatingWithName(QString()); }).isEmpty());
         QVERIFY(!raised([&] { controller.isAgentRunningInUserSessionWithName(QString()); }).isEmpty());
     }

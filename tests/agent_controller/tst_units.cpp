@@ -1,8 +1,7 @@
 #include "BusPeer.h"
-#include "Files.h"
+#include "PropertyLists.h"
 #include "Rows.h"
 #include "ZELKPolkitAuthorization.h"
-#include "ZELKPropertyList.h"
 #include "ZELKSystemdServiceManagement.h"
 #include "ZELKUnitFile.h"
 
@@ -148,9 +147,7 @@ private Q_SLOTS:
         const QString analyze = QStandardPaths::findExecutable(u"systemd-analyze"_s);
         if (analyze.isEmpty())
             QSKIP("systemd-analyze is not installed");
-        const QByteArray bytes = readFile(qEnvironmentVariable("ZELK_MAIN_BUNDLE") + u"/agent.plist"_s);
-        auto job =
-            ZELKPropertyList::read({bytes.data(), std::size_t(bytes.size())}).value.value<ZELKDictionary>();
+        ZELKDictionary job = listIn(readFile(qEnvironmentVariable("ZELK_MAIN_BUNDLE") + u"/agent.plist"_s));
         job.insert(u"Label"_s, label);
         job.insert(u"ProgramArguments"_s, QVariantList{u"/bin/true"_s, u"$HOME \"x\" %h"_s});
         QTemporaryDir folder;

@@ -4,11 +4,6 @@
 #include <cerrno>
 #include <csignal>
 
-static void writeTestBundle(const QString &folder, const ZELKDictionary &info)
-{
-    writeFile(folder + u"/Info.plist"_s, ZELKPropertyList::writeXml(QVariant::fromValue(info)).bytes);
-}
-
 class AgentControllerWorkspace : public QObject
 {
     Q_OBJECT
@@ -19,10 +14,10 @@ private Q_SLOTS:
         m_folder = std::make_unique<QTemporaryDir>();
         QDir().mkpath(path(u"proc"_s));
         const QString identifier = u"CFBundleIdentifier"_s;
-        writeTestBundle(path(u"main"_s), {{identifier, u"org.test"_s}});
-        writeTestBundle(path(u"main/a.app"_s), {{identifier, agentName}});
+        writeList(path(u"main/Info.plist"_s), {{identifier, u"org.test"_s}});
+        writeList(path(u"main/a.app/Info.plist"_s), {{identifier, agentName}});
         writeFile(path(u"main/a.app/bin/agent (deleted)"_s), "");
-        writeTestBundle(path(u"main/org.test.agent.app"_s), {{identifier, u"org.test.renamed"_s}});
+        writeList(path(u"main/org.test.agent.app/Info.plist"_s), {{identifier, u"org.test.renamed"_s}});
     }
 
     void scan_data()
@@ -113,7 +108,7 @@ private Q_SLOTS:
     {
         const auto [info, permissions, status] = Rows<ZELKDictionary, int, int>::fetch();
         const QString bundle = path(u"agents/x.app"_s);
-        writeTestBundle(bundle, info);
+        writeList(bundle + u"/Info.plist"_s, info);
         const QString program = ZELKBundle(bundle).executablePath();
         if (permissions && !program.isEmpty()) {
             writeFile(program, "#!/bin/false\n");
@@ -184,8 +179,8 @@ private:
     QUrl sleeper() const
     {
         const QString bundle = path(u"agents/sleeper.app"_s);
-        writeTestBundle(bundle,
-                        {{u"CFBundleIdentifier"_s, agentName}, {u"CFBundleExecutable"_s, u"agent"_s}});
+        writeList(bundle + u"/Info.plist"_s,
+                  {{u"CFBundleIdentifier"_s, agentName}, {u"CFBundleExecutable"_s, u"agent"_s}});
         const QString program = ZELKBundle(bundle).executablePath();
         QDir().mkpath(QFileInfo(program).path());
         QFile::copy(QFileInfo(u"/bin/sleep"_s).canonicalFilePath(), program);
