@@ -1,12 +1,11 @@
 #pragma once
 
-#include "Files.h"
+#include "PropertyLists.h"
 #include "Raised.h"
 #include "Rows.h"
 #include "ZELKBundle.h"
 #include "ZELKDatabaseController.h"
 #include "ZELKFailingSQLitePort.h"
-#include "ZELKPropertyList.h"
 
 #include <QTemporaryDir>
 
@@ -55,8 +54,7 @@ struct DatabaseFixture
 
     DatabaseFixture()
     {
-        const std::string bytes = readFile(QStringLiteral(ZELK_INFO_PLIST)).toStdString();
-        info = ZELKPropertyList::read(bytes).value.value<ZELKDictionary>();
+        info = listIn(readFile(QStringLiteral(ZELK_INFO_PLIST)));
         QString create = info.string(u"ZELKDatabaseSQLCreate"_s);
         set("ZELKDatabaseSQLCreate", create.replace("synchronous = FULL"_L1, "synchronous = OFF"_L1));
         set("CFBundleVersion", u"1.2"_s);
@@ -71,7 +69,7 @@ struct DatabaseFixture
 
     std::shared_ptr<const ZELKBundle> bundle() const
     {
-        writeFile(path(u"Info.plist"_s), ZELKPropertyList::writeXml(QVariant::fromValue(info)).bytes);
+        writeList(path(u"Info.plist"_s), info);
         return std::make_shared<ZELKBundle>(folder.path());
     }
     template <typename Controller = ZELKDatabaseController>

@@ -99,9 +99,8 @@ private Q_SLOTS:
     {
         DatabaseFixture fixture;
         fixture.set("Both", u"SELECT 'Info.plist' AS a"_s);
-        const ZELKDictionary resource{{u"Both"_s, u"SELECT 'resource' AS a"_s}};
-        writeFile(fixture.path(u"ZELKDatabaseController.plist"_s),
-                  ZELKPropertyList::writeXml(QVariant::fromValue(resource)).bytes);
+        writeList(fixture.path(u"ZELKDatabaseController.plist"_s),
+                  {{u"Both"_s, u"SELECT 'resource' AS a"_s}});
         const auto controller = fixture.make();
         QCOMPARE(controller->SQLForKey(u"Both"_s), u"SELECT 'resource' AS a"_s);
         QCOMPARE(controller->SQLForKey(u"Table"_s), fixture.info.string(u"Table"_s));
