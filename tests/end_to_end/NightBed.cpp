@@ -1,26 +1,22 @@
 #include "NightBed.h"
 
+#include "AccountingRecord.h"
 #include "Files.h"
+#include "PowerLines.h"
 
 #include <QCoreApplication>
 #include <QTest>
 
 #include <cmath>
 #include <sqlite3.h>
-#include <utmpx.h>
 
 namespace {
 
 constexpr char agentSession[] = "agent's session";
 constexpr char agentSystem[] = "agent's system";
-constexpr char battery[] = "/org/freedesktop/UPower/devices/battery_BAT0";
-constexpr char mains[] = "/org/freedesktop/UPower/devices/line_power_AC";
+const QString batteryPath = u"/org/freedesktop/UPower/devices/battery_BAT0"_s;
+const QString mainsPath = u"/org/freedesktop/UPower/devices/line_power_AC"_s;
 constexpr char readings[] = "event = 'Power state changed'";
-
-QString deviceInterface()
-{
-    return u"org.freedesktop.UPower.Device"_s;
-}
 
 void await(const std::function<bool()> &condition)
 {
@@ -79,20 +75,18 @@ NightBed::NightBed(double day)
     m_options.pastAccounting = QStringList(m_options.wtmp); // and nothing else of this machine's past
     m_machine.suspendClock = m_clock;
     m_machine.kernel = {path("boot_id"), path("stat"), path("utmp"), {}};
-    addDevices();
+    m_upower.devices[batteryPath] =
+        with(upowerBattery, {{u"Percentage"_s, 83.0}, {u"UpdateTime"_s, qulonglong(seconds())}});
+    m_upower.devices[mainsPath] = {
+        {u"Type"_s, 1U}, {u"NativePath"_s, u"AC"_s}, {u"PowerSupply"_s, true}, {u"Online"_s, false}};
+    m_upower.refresh = [](const QString &) {}; // there is nothing newer
+    m_upower.come();
 }
 
 void NightBed::addJournal(const QByteArray &bytes)
 {
     writeFile(path("system.journal"), bytes);
     m_options.pastJournals = QStringList(path("system.journal"));
-}
-
-ZELKEnvironment NightBed::environment() const
-{
-    ZELKEnvironment made = ZELKEnvironment::system();
-    made.clock = m_clock;
-    return made;
 }
 
 void NightBed::boot(const char *time)
@@ -152,9 +146,9 @@ void NightBed::batteryIs(const char *time, double percent, bool charging)
 {
     m_clock->moveTo(time);
     isRecorded([&] {
-        setDevice(battery, {{u"Percentage"_s, percent},
-                            {u"State"_s, charging ? 1U : 2U},
-                            {u"UpdateTime"_s, qulonglong(seconds())}});
+        m_upower.change(batteryPath, {{u"Percentage"_s, percent},
+                                      {u"State"_s, charging ? 1U : 2U},
+                                      {u"UpdateTime"_s, qulonglong(seconds())}});
     });
 }
 
@@ -162,13 +156,14 @@ void NightBed::batteryWas(const char *time, double percent)
 {
     QDateTime then = m_clock->local().addDays(-1);
     then.setTime(timeOfDay(time));
-    setDevice(battery, {{u"Percentage"_s, percent}, {u"UpdateTime"_s, qulonglong(then.toSecsSinceEpoch())}});
+    m_upower.change(batteryPath,
+                    {{u"Percentage"_s, percent}, {u"UpdateTime"_s, qulonglong(then.toSecsSinceEpoch())}});
 }
 
 void NightBed::plugIn(const char *time)
 {
     m_clock->moveTo(time);
-    isRecorded([this] { setDevice(mains, {{u"Online"_s, true}}); });
+    isRecorded([this] { m_upower.change(mainsPath, {{u"Online"_s, true}}); });
 }
 
 QString NightBed::list() const
@@ -194,40 +189,9 @@ QString NightBed::run(const QStringList &arguments) const
 /// Writes the accounting file's next record, and answers it.
 QByteArray NightBed::account(short type, const char *user) const
 {
-    utmpx record = {};
-    record.ut_type = type;
-    qstrncpy(record.ut_user, user, sizeof record.ut_user);
-    record.ut_line[0] = '~';
-    record.ut_tv.tv_sec = decltype(record.ut_tv.tv_sec)(seconds());
-    const QByteArray bytes(reinterpret_cast<const char *>(&record), sizeof record);
+    const QByteArray bytes = accountingRecord(type, user, seconds());
     writeFile(path("wtmp"), bytes, QIODevice::Append);
     return bytes;
-}
-
-/// The mock's own devices lack some of what UPower shows.
-void NightBed::addDevices() const
-{
-    m_upower.tell(u"AddAC"_s, {u"line_power_AC"_s, u"AC"_s});
-    m_upower.tell(u"AddDischargingBattery"_s, {u"battery_BAT0"_s, u"PRB-1"_s, 83.0, qlonglong(14400)});
-    const std::tuple<const char *, const char *, QVariant> properties[] = {
-        {mains, "Type", 1U},
-        {mains, "NativePath", u"AC"_s},
-        {battery, "NativePath", u"BAT0"_s},
-        {battery, "UpdateTime", qulonglong(seconds())},
-    };
-    for (const auto &[device, name, value] : properties)
-        m_upower.tell(
-            u"AddProperty"_s,
-            {deviceInterface(), QString::fromLatin1(name), QVariant::fromValue(QDBusVariant(value))},
-            QString::fromLatin1(device));
-    m_upower.tell(u"AddMethod"_s, {deviceInterface(), u"Refresh"_s, QString(), QString(), QString()},
-                  QString::fromLatin1(battery));
-    setDevice(mains, {{u"Online"_s, false}});
-}
-
-void NightBed::setDevice(const char *name, const QVariantMap &properties) const
-{
-    m_upower.tell(u"UpdateProperties"_s, {deviceInterface(), properties}, QString::fromLatin1(name));
 }
 
 bool NightBed::hasReadPast() const

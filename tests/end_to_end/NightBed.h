@@ -1,7 +1,8 @@
 #pragma once
 
 #include "BusMock.h"
-#include "ZELKEnvironment.h"
+#include "ClockEnvironment.h"
+#include "FakeUPower.h"
 #include "ZELKLWAAgent.h"
 
 #include <QTemporaryDir>
@@ -47,7 +48,7 @@ private:
 
 /// A laptop on battery, whose life from 17:00 on the test tells: each thing happens when it is next that time
 /// of the day. The agent is in this process, whose executable stands in an agent's bundle; logind and UPower
-/// are mocks.
+/// are fakes.
 class NightBed
 {
 public:
@@ -77,12 +78,9 @@ public:
     QString database() const { return m_options.database; }
 
 private:
-    ZELKEnvironment environment() const;
     QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
     qint64 seconds() const { return m_clock->local().toSecsSinceEpoch(); }
     QByteArray account(short type, const char *user) const;
-    void addDevices() const;
-    void setDevice(const char *name, const QVariantMap &properties) const;
     int locks() const { return BusMock::count(m_logind.call(u"ListInhibitors"_s)); }
     int records(const QByteArray &condition, const char *table = "events") const;
     bool hasReadPast() const;
@@ -90,15 +88,12 @@ private:
 
     QTemporaryDir m_folder;
     std::shared_ptr<NightClock> m_clock;
-    ZELKEnvironmentScope m_scope{environment()};
+    ZELKEnvironmentScope m_scope{environmentWith(m_clock)};
     BusMock m_logind{u"org.freedesktop.login1"_s,
                      u"/org/freedesktop/login1"_s,
                      u"org.freedesktop.login1.Manager"_s,
                      {u"--template"_s, u"logind"_s}};
-    BusMock m_upower{u"org.freedesktop.UPower"_s,
-                     u"/org/freedesktop/UPower"_s,
-                     u"org.freedesktop.UPower"_s,
-                     {u"--template"_s, u"upower"_s}};
+    FakeUPower m_upower;
     ZELKLWAOptions m_options;
     ZELKLWAMachine m_machine;
     std::optional<NightAgent> m_agent;

@@ -62,26 +62,6 @@ private Q_SLOTS:
 )");
     }
 
-    /// The gap begins with its last sign of life.
-    void agentIsKilled()
-    {
-        NightBed laptop;
-        laptop.boot("18:00");
-        laptop.startAgent("18:01");
-        laptop.batteryIs("22:40", 62);
-        laptop.killAgent();
-        laptop.startAgent("07:05");
-        compare(laptop.list(), R"(Date                       Summary
-2025-03-11 18:00:00 +0100  Boot
-2025-03-11 18:01:00 +0100  Starting monitor
-2025-03-11 18:01:00 +0100  'PRB-1' connected
-2025-03-11 22:40:00 +0100  'PRB-1' down to 62% capacity
-2025-03-11 22:40:00 +0100  Stopping monitor
-2025-03-12 07:05:00 +0100  Starting monitor
-6 entries
-)");
-    }
-
     /// Nobody hears of the wake; the clocks of the kernel prove it.
     void agentIsKilledAsleep()
     {

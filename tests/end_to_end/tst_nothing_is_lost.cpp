@@ -27,6 +27,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString agentName = u"org.zelk.lullwatch.agent"_s;
+constexpr double beginningOf2025 = 757'382'400.0; // after the reference date
 
 /// A program's own configuration, which does not wait for the disk.
 std::shared_ptr<const ZELKBundle> bundleIn(const QString &folder, const char *infoPlist)
@@ -108,19 +109,20 @@ struct Agent
     }
 };
 
-/// Seconds after the beginning of 2025, and what happened then.
-struct Happening
+/// "sleep 100, wake 500.3": what happens so many seconds after the beginning of 2025.
+std::vector<ZELKLWAEvent> eventsOf(const QString &story)
 {
-    double seconds;
-    QLatin1String event;
-    QLatin1String monitor;
-};
-
-std::vector<ZELKLWAEvent> eventsOf(const std::vector<Happening> &happenings)
-{
+    static const QMap<QString, ZELKLWAEvent> kinds{
+        {u"sleep"_s, {{}, ZELKEventSystemWillSleep, ZELKMonitorPowerEvents}},
+        {u"wake"_s, {{}, ZELKEventSystemHasPoweredOn, ZELKMonitorPowerEvents}},
+        {u"charge"_s, {{}, ZELKEventPowerStateChanged, ZELKMonitorPowerSource}},
+        {u"start"_s, {{}, ZELKEventStartingMonitor, ZELKMonitorLullwatch}},
+        {u"stop"_s, {{}, ZELKEventStoppingMonitor, ZELKMonitorLullwatch}}};
     std::vector<ZELKLWAEvent> events;
-    for (const auto &[seconds, event, monitor] : happenings)
-        events.push_back({ZELKDate(757'382'400.0 + seconds), event, monitor});
+    for (const QString &part : story.split(u", "_s)) {
+        events.push_back(kinds.value(part.section(u' ', 0, 0)));
+        events.back().date = ZELKDate(beginningOf2025 + part.section(u' ', 1).toDouble());
+    }
     return events;
 }
 
@@ -298,39 +300,26 @@ private Q_SLOTS:
             application.emplace(bundle, connect(QDBusConnection::SessionBus, "client"), folder.path(),
                                 connect(QDBusConnection::SystemBus, "client's other"));
         };
-        const auto sleeps = [](double at) {
-            return Happening{at, ZELKEventSystemWillSleep, ZELKMonitorPowerEvents};
-        };
-        const auto wakes = [](double at) {
-            return Happening{at, ZELKEventSystemHasPoweredOn, ZELKMonitorPowerEvents};
-        };
-        const auto charge = [](double at) {
-            return Happening{at, ZELKEventPowerStateChanged, ZELKMonitorPowerSource};
-        };
-        const auto own = [](double at, QLatin1String event) {
-            return Happening{at, event, ZELKMonitorLullwatch};
-        };
         {
             Agent agent(agentBundle, session, folder.path());
-            agent.store.record(eventsOf({own(1000, ZELKEventStartingMonitor), sleeps(1100), wakes(4000),
-                                         charge(5000.3), own(5500, ZELKEventStoppingMonitor)}));
+            agent.store.record(eventsOf(u"start 1000, sleep 1100, wake 4000, charge 5000.3, stop 5500"_s));
             agent.store.settle();
             start();
             QVERIFY(application->fetch());
         }
         QDir(folder.path()).mkpath(u"system"_s);
         Agent agent(agentBundle, system, folder.filePath(u"system"_s));
-        agent.store.record(eventsOf({sleeps(100), wakes(500), sleeps(1106), wakes(4006), charge(5000),
-                                     sleeps(6000), wakes(7000), own(9000, ZELKEventStartingMonitor)}));
+        agent.store.record(eventsOf(u"sleep 100, wake 500, sleep 1106, wake 4006, charge 5000, sleep 6000, "
+                                    "wake 7000, start 9000"_s));
         agent.store.settle();
         QVERIFY(application->fetch());
-        agent.store.record(eventsOf({charge(4500), charge(9500)})); // found late, and now
+        agent.store.record(eventsOf(u"charge 4500, charge 9500"_s)); // found late, and now
         agent.store.settle();
         QVERIFY(application->fetch());
         start();
         QStringList known;
         for (const ZELKRawEvent &event : application->store.sortedCachedEventsFromDate({}, {}))
-            known.append(QString::number(event.string(ZELKEventKeyDate).toDouble() - 757'382'400.0));
+            known.append(QString::number(event.string(ZELKEventKeyDate).toDouble() - beginningOf2025));
         QCOMPARE(known.join(u' '), u"100 500 1000 1100 4000 5000.3 5500 6000 7000 9000 9500"_s);
     }
 
