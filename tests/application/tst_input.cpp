@@ -61,26 +61,24 @@ class InputTest : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void registersDefaults_data()
-    {
-        const Rows<QByteArray, QString, QStringList> row;
-        row("with initial values",
-            "<dict><key>dateRange</key><integer>8</integer><key>initialValues</key><array>"
-            "<string>dateRange</string></array></dict>",
-            "8", QStringList{u"dateRange"_s});
-        row("without", "<dict><key>dateRange</key><integer>3</integer></dict>", "3");
-        row("unreadable", "<dict", "");
-        row("no dictionary", "<array/>", "");
-    }
     void registersDefaults()
     {
-        const auto [bytes, range, initialKeys] = Rows<QByteArray, QString, QStringList>::fetch();
-        DefaultsBed bed;
-        bed.write(bytes);
-        ZELKLWClientAppDelegate::initialize(ZELKBundle(bed.folder.path()), bed.defaults);
-        QCOMPARE(bed.defaults.stringForKey(u"dateRange"_s), range);
-        QCOMPARE(bed.defaults.initialValues().keys(), initialKeys);
-        QVERIFY(!QFile::exists(bed.folder.filePath(u"defaults.ini"_s)));
+        const std::tuple<QByteArray, QString, QStringList> cases[] = {
+            {"<dict><key>dateRange</key><integer>8</integer><key>initialValues</key><array>"
+             "<string>dateRange</string></array></dict>",
+             u"8"_s,
+             {u"dateRange"_s}},
+            {"<dict><key>dateRange</key><integer>3</integer></dict>", u"3"_s, {}},
+            {"<dict", QString(), {}},
+            {"<array/>", QString(), {}}};
+        for (const auto &[bytes, range, initialKeys] : cases) {
+            DefaultsBed bed;
+            bed.write(bytes);
+            ZELKLWClientAppDelegate::initialize(ZELKBundle(bed.folder.path()), bed.defaults);
+            QCOMPARE(bed.defaults.stringForKey(u"dateRange"_s), range);
+            QCOMPARE(bed.defaults.initialValues().keys(), initialKeys);
+            QVERIFY(!QFile::exists(bed.folder.filePath(u"defaults.ini"_s)));
+        }
     }
 
     void missingDefaults()

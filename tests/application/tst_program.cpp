@@ -265,6 +265,9 @@ private Q_SLOTS:
         program.run("--profile one import -", sleepAndTrouble());
         QVERIFY(program.run("list --profile one").output.contains("3 entries"_L1));
         QVERIFY(program.run("--profile two list").output.contains("0 entries"_L1));
+        program.run("--profile two import -", oneEvent);
+        QVERIFY(program.run("--profile two list --from 2024-01-01").output.endsWith("\n0 of 1 entry\n"_L1));
+        QVERIFY(program.run("--profile two list --format json").output.contains("\"date\": 1000000, "_L1));
         QVERIFY(program.run("list").output.contains("0 entries"_L1));
         QVERIFY(QFile::exists(program.path(u"org.zelk.lullwatch/profiles/one/Lullwatch.lullwatch-events"_s)));
     }
@@ -293,14 +296,6 @@ private Q_SLOTS:
         QCOMPARE(QDir(program.path(u"folder"_s)).entryList(QDir::Files).size(), 2);
     }
 
-    void writesNumbersPlainly()
-    {
-        const Program program;
-        program.run("import -", oneEvent);
-        QVERIFY(program.run("list --from 2024-01-01").output.endsWith("\n0 of 1 entry\n"_L1));
-        QVERIFY(program.run("list --format json").output.contains("\"date\": 1000000, "_L1));
-    }
-
     void givesWayToASnapshot()
     {
         const Program program;
@@ -317,35 +312,30 @@ private Q_SLOTS:
         }
     }
 
-    void signalsEndTheWindowInOrder_data()
-    {
-        const Rows<int> row;
-        row("SIGTERM", SIGTERM);
-        row("SIGINT", SIGINT);
-    }
     void signalsEndTheWindowInOrder()
     {
-        const auto [number] = Rows<int>::fetch();
-        const Program program;
-        program.run("--profile x import -", oneEvent);
-        QProcess window;
-        QProcessEnvironment environment = program.environment();
-        environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-        window.setProcessEnvironment(environment);
-        window.setChildProcessModifier([] { std::signal(SIGINT, SIG_DFL); });
-        window.start(QStringLiteral(LULLWATCH), {u"--profile"_s, u"x"_s});
-        window.setReadChannel(QProcess::StandardError);
-        QByteArray told;
-        while (!told.contains("cache provided") && window.waitForReadyRead(20000))
-            told += window.readAllStandardError();
-        ::kill(pid_t(window.processId()), number);
-        QVERIFY(window.waitForFinished(20000));
-        QCOMPARE(window.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(window.exitCode(), 0);
-        const QString profile = program.path(u"org.zelk.lullwatch/profiles/x/"_s);
-        const QSettings settings(profile + u"defaults.ini"_s, QSettings::IniFormat);
-        QCOMPARE(settings.value(u"ZELKLWCDateRangeController.duration.interval"_s).toDouble(), 86399.0);
-        QVERIFY(settings.contains(u"ZELKLWCMainWindowController.geometry"_s));
+        for (const int number : {SIGTERM, SIGINT}) {
+            const Program program;
+            program.run("--profile x import -", oneEvent);
+            QProcess window;
+            QProcessEnvironment environment = program.environment();
+            environment.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+            window.setProcessEnvironment(environment);
+            window.setChildProcessModifier([] { std::signal(SIGINT, SIG_DFL); });
+            window.start(QStringLiteral(LULLWATCH), {u"--profile"_s, u"x"_s});
+            window.setReadChannel(QProcess::StandardError);
+            QByteArray told;
+            while (!told.contains("cache provided") && window.waitForReadyRead(20000))
+                told += window.readAllStandardError();
+            ::kill(pid_t(window.processId()), number);
+            QVERIFY(window.waitForFinished(20000));
+            QCOMPARE(window.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(window.exitCode(), 0);
+            const QString profile = program.path(u"org.zelk.lullwatch/profiles/x/"_s);
+            const QSettings settings(profile + u"defaults.ini"_s, QSettings::IniFormat);
+            QCOMPARE(settings.value(u"ZELKLWCDateRangeController.duration.interval"_s).toDouble(), 86399.0);
+            QVERIFY(settings.contains(u"ZELKLWCMainWindowController.geometry"_s));
+        }
     }
 
     /// Also where there is no agent, and no bus to hear of it.

@@ -118,14 +118,6 @@ private Q_SLOTS:
         }
     }
 
-    void firstLook()
-    {
-        WelcomeBed bed;
-        bed.controller.awakeFromNib();
-        QVERIFY(Labels(bed.view).areAway());
-        QTRY_VERIFY(Labels(bed.view).areThere());
-    }
-
     void missingLabels_data()
     {
         const Rows<QByteArray, QByteArray, int> row; // there, missing, lines on the console
