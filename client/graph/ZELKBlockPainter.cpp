@@ -90,11 +90,9 @@ void ZELKBlockPainter::blend(int y, int x, std::span<const float> shares, const 
     const float green = colour.greenF() * 255.0F;
     const float blue = colour.blueF() * 255.0F;
     auto *pixel = reinterpret_cast<QRgb *>(m_image.scanLine(y)) + x;
-    for (const float share : shares) {
-        if (share > 0.0F) {
-            const float over = share * alpha;
-            *pixel = ZELKOpaquePixel::laidOver(*pixel, red * over, green * over, blue * over, 1.0F - over);
-        }
+    for (const float share : shares) { // none covers nothing, and leaves the pixel as it is
+        const float over = share * alpha;
+        *pixel = ZELKOpaquePixel::laidOver(*pixel, red * over, green * over, blue * over, 1.0F - over);
         ++pixel;
     }
 }

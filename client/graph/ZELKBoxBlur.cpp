@@ -6,6 +6,18 @@
 namespace {
 
 constexpr int passes = 3;
+constexpr int tile = 16; // as many floats as fill a cache line
+
+/// Rows become columns.
+void transpose(const std::vector<float> &values, std::vector<float> &to, int width, int height)
+{
+    for (int top = 0; top < height; top += tile)
+        for (int left = 0; left < width; left += tile)
+            for (int x = left; x < std::min(left + tile, width); ++x)
+                for (int y = top; y < std::min(top + tile, height); ++y)
+                    to[std::size_t(x) * std::size_t(height) + std::size_t(y)] =
+                        values[std::size_t(y) * std::size_t(width) + std::size_t(x)];
+}
 
 } // namespace
 
@@ -21,35 +33,17 @@ ZELKBoxBlur::ZELKBoxBlur(double deviation)
 
 void ZELKBoxBlur::blur(std::vector<float> &values, int width, int height) const
 {
-    std::vector<float> row(std::size_t(width), 0.0F);
-    for (int y = 0; y < height; ++y) {
-        const std::span<float> line = std::span(values).subspan(std::size_t(y) * row.size(), row.size());
-        if (std::all_of(line.begin(), line.end(), [](float value) { return value == 0.0F; }))
-            continue;
-        for (int pass = 0; pass < passes; ++pass) {
-            blurRow(line, row.data());
-            std::copy(row.begin(), row.end(), line.begin());
-        }
-    }
     std::vector<float> other(values.size());
-    for (int pass = 0; pass < passes; ++pass) {
-        blurColumns(values, other, width, height);
+    const auto blurAndTurn = [&](int columns, int rows) {
+        for (int pass = 0; pass < passes; ++pass) {
+            blurColumns(values, other, columns, rows);
+            values.swap(other);
+        }
+        transpose(values, other, columns, rows);
         values.swap(other);
-    }
-}
-
-void ZELKBoxBlur::blurRow(std::span<const float> row, float *to) const
-{
-    const int count = int(row.size());
-    const auto at = [&row, count](int x) { return x >= 0 && x < count ? row[std::size_t(x)] : 0.0F; };
-    float sum = 0.0F;
-    for (int x = 0; x < m_radius; ++x)
-        sum += at(x);
-    for (int x = 0; x < count; ++x) {
-        sum += at(x + m_radius);
-        to[x] = m_weight * (sum + m_part * (at(x - m_radius - 1) + at(x + m_radius + 1)));
-        sum -= at(x - m_radius);
-    }
+    };
+    blurAndTurn(width, height);
+    blurAndTurn(height, width);
 }
 
 /// All columns at once, row by row, as the values lie in memory.

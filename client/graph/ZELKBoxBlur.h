@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <vector>
 
 /// Blurs as a bell curve does, in a time that does not grow with its width: three running means in each
@@ -17,7 +16,6 @@ public:
     void blur(std::vector<float> &values, int width, int height) const;
 
 private:
-    void blurRow(std::span<const float> row, float *to) const;
     void blurColumns(const std::vector<float> &values, std::vector<float> &to, int width, int height) const;
 
     // The mean is of 2 * radius + 1 values, and of the two beside them in part.

@@ -12,23 +12,18 @@ ZELKColourLayer::ZELKColourLayer(const QRect &box)
 {
 }
 
-void ZELKColourLayer::add(int y, int x, std::span<const float> shares, const QColor &colour)
+void ZELKColourLayer::add(ZELKCoverage &coverage, const QColor &colour)
 {
-    const float red = colour.redF();
-    const float green = colour.greenF();
-    const float blue = colour.blueF();
-    const float alpha = colour.alphaF();
-    Pixel *pixel = m_pixels.data() + std::size_t(y - m_box.top()) * std::size_t(m_box.width()) +
-                   std::size_t(x - m_box.left());
-    for (const float share : shares) {
-        const float over = share * alpha;
-        const float left = 1.0F - over;
-        pixel->red = pixel->red * left + red * over;
-        pixel->green = pixel->green * left + green * over;
-        pixel->blue = pixel->blue * left + blue * over;
-        pixel->alpha = pixel->alpha * left + over;
-        ++pixel;
-    }
+    const Pixel opaque{colour.redF(), colour.greenF(), colour.blueF(), 1.0F};
+    const float opacity = colour.alphaF();
+    coverage.takeRows([&](int y, int x, std::span<const float> shares) {
+        Pixel *pixel = row(y - m_box.top()) + (x - m_box.left());
+        for (const float share : shares) {
+            if (share > 0.0F)
+                *pixel = pixel->towards(opaque, share * opacity);
+            ++pixel;
+        }
+    });
 }
 
 /// The layer's opacity, moved down and blurred; as large as the layer.

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "ZELKCoverage.h"
+
 #include <QColor>
 #include <QImage>
-#include <QRect>
 
-#include <span>
 #include <vector>
 
 /// A transparent layer over some of an image's pixels, in which colours are kept exactly enough for very many
@@ -23,8 +23,8 @@ public:
     explicit ZELKColourLayer(const QRect &box);
 
     const QRect &box() const { return m_box; }
-    /// Lays a colour over a row from the column `x` on, each pixel to its share. Within the box.
-    void add(int y, int x, std::span<const float> shares, const QColor &colour);
+    /// Lays a colour over what is covered, and forgets that. `coverage` is of the layer's box.
+    void add(ZELKCoverage &coverage, const QColor &colour);
     /// Lays the shadow over the image and then the layer, in the image's rows `from` up to before `end`.
     void paint(QImage &image, const Shadow &shadow, int from, int end) const;
 
@@ -36,9 +36,16 @@ private:
         float green = 0.0F;
         float blue = 0.0F;
         float alpha = 0.0F;
+
+        Pixel towards(const Pixel &other, float share) const
+        {
+            return {red + (other.red - red) * share, green + (other.green - green) * share,
+                    blue + (other.blue - blue) * share, alpha + (other.alpha - alpha) * share};
+        }
     };
 
     std::vector<float> blurred(const Shadow &shadow) const;
+    Pixel *row(int y) { return m_pixels.data() + std::size_t(y) * std::size_t(m_box.width()); }
     const Pixel *row(int y) const { return m_pixels.data() + std::size_t(y) * std::size_t(m_box.width()); }
 
     QRect m_box;

@@ -41,34 +41,53 @@ void ZELKCoverage::addEdge(QPointF from, QPointF to)
     if (!(below - above > levelEdge))
         return;
     const double slope = (to.x() - from.x()) / (to.y() - from.y());
-    double x = from.x() + slope * (above - from.y());
     const double width = m_box.width();
     const int first = int(above);
     const int last = std::min(m_box.height() - 1, int(below));
-    m_top = std::min(m_top, first);
-    m_bottom = std::max(m_bottom, last);
-    for (int y = first; y <= last; ++y) {
-        const double part = std::min(y + 1.0, below) - std::max(double(y), above);
-        const double next = x + slope * part;
-        const auto [left, right] = std::minmax(std::clamp(x, 0.0, width), std::clamp(next, 0.0, width));
-        addToRow(row(y), left, right, sign * part);
-        x = next;
-    }
+    double x = from.x() + slope * (above - from.y());
+    const double start = std::clamp(x, 0.0, width);
+    double here = start;
+    const auto cross = [&](int y, double part) {
+        x += slope * part;
+        const double next = std::clamp(x, 0.0, width);
+        addToRow(row(y), std::min(here, next), std::max(here, next), sign * part);
+        here = next;
+    };
+    cross(first, std::min(first + 1.0, below) - above);
+    for (int y = first + 1; y < last; ++y)
+        cross(y, 1.0);
+    if (last > first)
+        cross(last, below - last);
+    noteTouched(QRect(QPoint(int(std::min(start, here)), first), QPoint(int(std::max(start, here)), last)));
+}
+
+void ZELKCoverage::noteTouched(const QRect &cells)
+{
+    m_left = std::min(m_left, cells.left());
+    m_right = std::max(m_right, cells.right());
+    m_top = std::min(m_top, cells.top());
+    m_bottom = std::max(m_bottom, cells.bottom());
 }
 
 /// An edge that crosses the row from `left` to `right`, and `area` of its height.
-void ZELKCoverage::addToRow(float *row, double left, double right, double area)
+inline void ZELKCoverage::addToRow(float *row, double left, double right, double area)
 {
     const int first = int(left);
     const int last = int(right);
-    m_left = std::min(m_left, first);
-    m_right = std::max(m_right, last);
-    if (first == last) {
-        const double beside = (left + right) / 2.0 - first;
-        row[first] += float(area * (1.0 - beside));
-        row[first + 1] += float(area * beside);
+    if (first != last) {
+        addToColumns(row, left, right, area);
         return;
     }
+    const double beside = area * ((left + right) / 2.0 - first);
+    row[first] += float(area - beside);
+    row[first + 1] += float(beside);
+}
+
+/// The same of an edge that leaves the column in which it begins.
+void ZELKCoverage::addToColumns(float *row, double left, double right, double area)
+{
+    const int first = int(left);
+    const int last = int(right);
     const double slope = 1.0 / (right - left);
     const double inFirst = first + 1.0 - left;
     double done = 0.5 * slope * inFirst * inFirst;
@@ -84,34 +103,47 @@ void ZELKCoverage::addToRow(float *row, double left, double right, double area)
     row[last + 1] += float(area * (1.0 - upTo));
 }
 
-void ZELKCoverage::addLine(QPointF from, QPointF to, double width)
+void ZELKCoverage::addLine(std::span<const QPointF> points, double width)
 {
-    const QPointF along = to - from;
-    const double length = std::hypot(along.x(), along.y());
-    if (!(length > 0.0))
-        return;
-    const QPointF aside = QPointF(-along.y(), along.x()) * (width / 2.0 / length);
-    addEdge(from + aside, from - aside);
-    addEdge(from - aside, to - aside);
-    addEdge(to - aside, to + aside);
-    addEdge(to + aside, from + aside);
+    QPointF at;
+    QPointF aside; // from the line to its left border, where something was added before
+    bool isBegun = false;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const QPointF from = points[i - 1];
+        const QPointF to = points[i];
+        const QPointF along = to - from;
+        const double length = std::sqrt(along.x() * along.x() + along.y() * along.y());
+        if (!(length > 0.0))
+            continue;
+        const QPointF next = QPointF(-along.y(), along.x()) * (width / 2.0 / length);
+        if (isBegun)
+            addJoint(from, aside, next);
+        else
+            addEdge(from + next, from - next);
+        addEdge(from - next, to - next);
+        addEdge(to + next, from + next);
+        isBegun = true;
+        aside = next;
+        at = to;
+    }
+    if (isBegun)
+        addEdge(at - aside, at + aside);
 }
 
-void ZELKCoverage::addJoint(QPointF before, QPointF at, QPointF after, double width)
+/// Where two pieces of a line meet: what is left of both ends and of the triangle that is missing outside
+/// when those edges are left out that would be added once in each direction.
+void ZELKCoverage::addJoint(QPointF at, QPointF before, QPointF after)
 {
-    const QPointF in = at - before;
-    const QPointF out = after - at;
-    const double inLength = std::hypot(in.x(), in.y());
-    const double outLength = std::hypot(out.x(), out.y());
-    const double turn = in.x() * out.y() - in.y() * out.x();
-    if (!(inLength > 0.0 && outLength > 0.0) || turn == 0.0)
-        return;
-    const double side = turn > 0.0 ? -width / 2.0 : width / 2.0;
-    const QPointF first = QPointF(-in.y(), in.x()) * (side / inLength);
-    const QPointF second = QPointF(-out.y(), out.x()) * (side / outLength);
-    const QPointF corners[] = {at, at + (turn > 0.0 ? first : second), at + (turn > 0.0 ? second : first)};
-    for (int i = 0; i < 3; ++i)
-        addEdge(corners[(i + 2) % 3], corners[i]);
+    const bool turnsLeft = before.x() * after.y() > before.y() * after.x();
+    if (turnsLeft) {
+        addEdge(at - before, at - after);
+        addEdge(at, at + before);
+        addEdge(at + after, at);
+    } else {
+        addEdge(at - before, at);
+        addEdge(at, at - after);
+        addEdge(at + after, at + before);
+    }
 }
 
 std::span<const float> ZELKCoverage::takeRow(int y)

@@ -18,11 +18,9 @@ public:
     explicit ZELKCoverage(const QRect &box);
 
     void addEdge(QPointF from, QPointF to);
-    /// A line of that width with square ends.
-    void addLine(QPointF from, QPointF to, double width);
-    /// The triangle that is missing outside where two such lines meet. Pointed corners would stick out of a
-    /// noisy line like thorns.
-    void addJoint(QPointF before, QPointF at, QPointF after, double width);
+    /// A line of that width through the points, with square ends. Its corners are cut off: pointed ones would
+    /// stick out of a noisy line like thorns.
+    void addLine(std::span<const QPointF> points, double width);
 
     /// Hands over each row that edges were added to, as `take(y, x, shares)` with shares of 0 to 1 from the
     /// column `x` on, and forgets it.
@@ -38,6 +36,9 @@ public:
 private:
     float *row(int y) { return m_areas.data() + std::size_t(y) * std::size_t(m_stride); }
     void addToRow(float *row, double left, double right, double area);
+    void addToColumns(float *row, double left, double right, double area);
+    void addJoint(QPointF at, QPointF before, QPointF after);
+    void noteTouched(const QRect &cells);
     std::span<const float> takeRow(int y);
     void forgetBounds();
 

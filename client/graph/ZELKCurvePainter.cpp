@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace {
 
@@ -40,47 +41,33 @@ void ZELKCurvePainter::paintBand(std::span<const ZELKCurve> curves, int from, in
     const QRect box(0, top, m_image.width(), bottom - top);
     ZELKColourLayer layer(box);
     ZELKCoverage coverage(box);
+    std::vector<QPointF> line;
     for (const ZELKCurve &curve : curves) {
         if (curve.points.size() < 2)
             continue;
-        QColor colour = curve.colour;
-        const auto add = [&layer, &colour](int y, int x, std::span<const float> shares) {
-            layer.add(y, x, shares, colour);
+        line.clear();
+        for (const QPointF point : curve.points)
+            line.push_back(m_space.pixel(point));
+        const auto lay = [&](double opacity) {
+            QColor colour = curve.colour;
+            colour.setAlphaF(float(opacity * curve.colour.alphaF()));
+            layer.add(coverage, colour);
         };
-        colour.setAlphaF(float(areaOpacity * curve.colour.alphaF()));
-        addArea(coverage, curve);
-        coverage.takeRows(add);
-        colour = curve.colour;
-        addLine(coverage, curve);
-        coverage.takeRows(add);
+        addArea(coverage, line);
+        lay(areaOpacity);
+        coverage.addLine(line, lineWidth * m_space.scale);
+        lay(1.0);
     }
     layer.paint(m_image, shadow, from, end);
 }
 
-void ZELKCurvePainter::addArea(ZELKCoverage &coverage, const ZELKCurve &curve) const
+void ZELKCurvePainter::addArea(ZELKCoverage &coverage, std::span<const QPointF> line) const
 {
-    QPointF last = m_space.pixel({curve.points.front().x(), m_lower});
-    for (const QPointF point : curve.points) {
-        const QPointF next = m_space.pixel(point);
+    const double lower = m_space.pixel({0.0, m_lower}).y();
+    QPointF last(line.front().x(), lower);
+    for (const QPointF next : line) {
         coverage.addEdge(last, next);
         last = next;
     }
-    coverage.addEdge(last, m_space.pixel({curve.points.back().x(), m_lower}));
-}
-
-void ZELKCurvePainter::addLine(ZELKCoverage &coverage, const ZELKCurve &curve) const
-{
-    const double width = lineWidth * m_space.scale;
-    QPointF before;
-    QPointF at = m_space.pixel(curve.points.front());
-    for (std::size_t i = 1; i < curve.points.size(); ++i) {
-        const QPointF next = m_space.pixel(curve.points[i]);
-        if (next == at)
-            continue;
-        coverage.addLine(at, next, width);
-        if (i > 1)
-            coverage.addJoint(before, at, next, width);
-        before = at;
-        at = next;
-    }
+    coverage.addEdge(last, {last.x(), lower});
 }

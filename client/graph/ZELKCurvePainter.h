@@ -9,8 +9,6 @@
 
 #include <span>
 
-class ZELKColourLayer;
-
 /// A line of one colour; points of an unflipped view.
 struct ZELKCurve
 {
@@ -36,8 +34,7 @@ public:
 
 private:
     void paintBand(std::span<const ZELKCurve> curves, int from, int end);
-    void addArea(ZELKCoverage &coverage, const ZELKCurve &curve) const;
-    void addLine(ZELKCoverage &coverage, const ZELKCurve &curve) const;
+    void addArea(ZELKCoverage &coverage, std::span<const QPointF> line) const;
 
     QImage &m_image;
     ZELKPixelSpace m_space;

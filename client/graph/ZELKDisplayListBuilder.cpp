@@ -168,7 +168,7 @@ ZELKDisplayListBuilder::Segment ZELKDisplayListBuilder::segment(const QString &s
                                                                 double percentage) const
 {
     return Segment::batterySegmentForState(state, m_scale.convertDateAndPercentageToPoint(date, percentage),
-                                           m_list.columnWidth());
+                                           m_list.curveColumnWidth());
 }
 
 ZELKDisplayListBuilder::Battery &ZELKDisplayListBuilder::batteryOf(const ZELKLWCLogEntryPowerStatus &entry,
@@ -214,7 +214,7 @@ void ZELKDisplayListBuilder::startCurve(Battery &battery, const ZELKLWCLogEntryP
         m_log.powerEventForBatteryBefore(battery.name, m_log.objectInVisibleEntriesAtIndex(0));
     battery.segments.push_back(
         earlier ? segment(powerSourceOf(*earlier), m_start, percentageBetween(m_start, *earlier, entry))
-                : Segment(m_list.columnWidth()));
+                : Segment(m_list.curveColumnWidth()));
 }
 
 void ZELKDisplayListBuilder::prepareBatteriesWithoutVisibleEntries(Presence presence)

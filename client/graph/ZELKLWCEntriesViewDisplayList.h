@@ -21,9 +21,9 @@ public:
     /// A state word whose blocks are kept, by its place in the list.
     using Word = std::size_t;
 
-    /// `columnWidth` in points: whatever stands in the same column may be merged where the picture is the
-    /// same, so that the list stays as small as the chart is wide. A quarter of a pixel cannot be told from
-    /// the whole. 0 keeps every block and every point.
+    /// `columnWidth` in points: what stands in the same column may be merged where the picture is the same,
+    /// so that the list stays as small as the chart is wide. An eighth of a pixel cannot be told from the
+    /// whole. 0 keeps every block and every point.
     explicit ZELKLWCEntriesViewDisplayList(double columnWidth = 0.0)
         : m_columnWidth(columnWidth)
     {
@@ -31,7 +31,8 @@ public:
     /// A list in which "Off" is painted first, as rectangles, then "Asleep" and "Unmonitored", rounded.
     static ZELKLWCEntriesViewDisplayList displayList(double columnWidth = 0.0);
 
-    double columnWidth() const { return m_columnWidth; }
+    /// Of the curves' columns, in points. A line is wider than a thin block and bears more.
+    double curveColumnWidth() const { return 2.0 * m_columnWidth; }
     /// Blocks of the word get this shape, others are rectangles. A word that is new to stateOrder() is
     /// painted after those in it.
     void setSelectorString(Selector selector, const QString &state);

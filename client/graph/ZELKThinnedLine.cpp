@@ -1,5 +1,6 @@
 #include "ZELKThinnedLine.h"
 
+#include <algorithm>
 #include <cmath>
 
 void ZELKThinnedLine::append(QPointF point)
@@ -14,25 +15,32 @@ void ZELKThinnedLine::append(QPointF point)
         m_first = m_points.size();
     }
     m_points.push_back(point);
-    if (m_points.size() - m_first > 4)
-        dropFifth();
+    if (m_points.size() - m_first > 2)
+        dropNeedless();
 }
 
-/// Of the three points between the first and the last of the column at least one is neither its lowest nor
-/// its highest.
-void ZELKThinnedLine::dropFifth()
+/// Of the points between the first and the last of the column only its lowest and its highest stay.
+void ZELKThinnedLine::dropNeedless()
 {
     const auto column = m_points.begin() + std::ptrdiff_t(m_first);
-    auto lowest = column;
-    auto highest = column;
-    for (auto point = column; point != m_points.end(); ++point) {
-        if (point->y() < lowest->y())
-            lowest = point;
-        if (point->y() > highest->y())
-            highest = point;
+    const auto last = m_points.end() - 1;
+    double lowest = std::min(column->y(), last->y());
+    double highest = std::max(column->y(), last->y());
+    auto lowestPoint = column;
+    auto highestPoint = column;
+    for (auto point = column + 1; point != last; ++point) {
+        if (point->y() < lowest) {
+            lowest = point->y();
+            lowestPoint = point;
+        }
+        if (point->y() > highest) {
+            highest = point->y();
+            highestPoint = point;
+        }
     }
-    auto needless = column + 1;
-    while (needless == lowest || needless == highest)
-        ++needless;
-    m_points.erase(needless);
+    auto kept = column + 1;
+    for (auto point = column + 1; point != m_points.end(); ++point)
+        if (point == lowestPoint || point == highestPoint || point == last)
+            *kept++ = *point;
+    m_points.erase(kept, m_points.end());
 }

@@ -6,8 +6,8 @@
 #include <vector>
 
 /// A polyline that looks the same however many points it is given: of the points that follow each other
-/// within one column, the first, the lowest, the highest and the last are kept, in their order; at most four
-/// in all. Points may go back to the left, which begins the column anew.
+/// within one column, the first and the last are kept, and between them the lowest and the highest where they
+/// are beyond both, in their order. Points may go back to the left, which begins the column anew.
 class ZELKThinnedLine
 {
 public:
@@ -23,7 +23,7 @@ public:
     bool isEmpty() const { return m_points.empty(); }
 
 private:
-    void dropFifth();
+    void dropNeedless();
 
     double m_columnWidth;
     double m_column = 0.0;

@@ -218,8 +218,8 @@ private Q_SLOTS:
                 const auto thinned = merged.batteries().segments(battery.name);
                 QCOMPARE(thinned.size(), battery.segments.size());
                 for (std::size_t i = 0; i < thinned.size(); ++i) {
-                    const auto runs = extremesOf(thinned[i].points(), column);
-                    QCOMPARE(runs, extremesOf(battery.segments[i].points(), column));
+                    const auto runs = extremesOf(thinned[i].points(), merged.curveColumnWidth());
+                    QCOMPARE(runs, extremesOf(battery.segments[i].points(), merged.curveColumnWidth()));
                     QVERIFY(thinned[i].points().size() <= 4 * runs.size());
                     QCOMPARE(thinned[i].end(),
                              thinned[i].points().empty() ? QPointF() : thinned[i].points().back());

@@ -132,9 +132,9 @@ private Q_SLOTS:
     {
         ZELKThinnedLine line(1.0);
         for (const QPointF point :
-             {QPointF(0, 5), {1, 5}, {1.1, 6}, {1.2, 4}, {1.3, 5}, {1.4, 5}, {0.5, 9}, {0.6, 7}})
+             {QPointF(0, 5), {1, 5}, {1.1, 6}, {1.2, 4}, {1.3, 6}, {1.4, 5}, {0.5, 9}, {0.6, 7}, {0.7, 6}})
             line.append(point);
-        const std::vector<QPointF> kept{{0, 5}, {1, 5}, {1.1, 6}, {1.2, 4}, {1.4, 5}, {0.5, 9}, {0.6, 7}};
+        const std::vector<QPointF> kept{{0, 5}, {1, 5}, {1.2, 4}, {1.3, 6}, {1.4, 5}, {0.5, 9}, {0.7, 6}};
         QCOMPARE(line.points(), kept);
     }
 };
