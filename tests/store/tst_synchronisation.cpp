@@ -299,30 +299,26 @@ private Q_SLOTS:
         QVERIFY(!bare->isFetching());
     }
 
-    void aRequestDuringAFetchIsKept_data()
-    {
-        const Rows<bool> row;
-        row("the fetch succeeds", false);
-        row("the fetch fails", true);
-    }
+    /// Whether that fetch succeeds or fails.
     void aRequestDuringAFetchIsKept()
     {
-        const auto [fails] = Rows<bool>::fetch();
-        FakeAgent agent;
-        StoreFixture fixture(StoreFixture::sessionBus());
-        QDBusMessage pending;
-        agent.answer = [&](const QDBusMessage &call) { pending = call; };
-        fixture.store->sync();
-        QTRY_COMPARE(agent.questions.size(), 1);
-        fixture.store->sync();
-        fixture.store->sync();
-        agent.answer = nullptr;
-        if (fails)
-            agent.bus().send(pending.createErrorReply(QDBusError::Failed, u"not now"_s));
-        else
-            agent.give(pending, streamOf({}));
-        QTRY_VERIFY(agent.questions.size() == 2 && !fixture.store->isFetching());
-        QCOMPARE(agent.registrations.size(), 2);
+        for (const bool fails : {false, true}) {
+            FakeAgent agent;
+            StoreFixture fixture(StoreFixture::sessionBus());
+            QDBusMessage pending;
+            agent.answer = [&](const QDBusMessage &call) { pending = call; };
+            fixture.store->sync();
+            QTRY_COMPARE(agent.questions.size(), 1);
+            fixture.store->sync();
+            fixture.store->sync();
+            agent.answer = nullptr;
+            if (fails)
+                agent.bus().send(pending.createErrorReply(QDBusError::Failed, u"not now"_s));
+            else
+                agent.give(pending, streamOf({}));
+            QTRY_VERIFY(agent.questions.size() == 2 && !fixture.store->isFetching());
+            QCOMPARE(agent.registrations.size(), 2);
+        }
     }
 
     void quittingKeepsTheLastSynchronisation()

@@ -1,4 +1,4 @@
-#include "NamedRows.h"
+#include "Rows.h"
 #include "TableWindow.h"
 #include "ZELKRtfReader.h"
 
@@ -230,21 +230,18 @@ private Q_SLOTS:
 
     void partners_data()
     {
-        const NamedRows<int, int, bool, bool, QList<int>, QList<int>> row("first", "last", "isFiltered",
-                                                                          "isValid", "pair", "extended");
-        row("partner above", 7, 7, false, true, {3}, {3, 4, 5, 6, 7});
-        row("partner below", 2, 2, false, true, {6}, {2, 3, 4, 5, 6});
-        row("of the first of several", 7, 9, false, false, {3}, {3, 4, 5, 6, 7, 8, 9});
-        row("none", 5, 5, false, false, {5}, {5});
-        row("not listed", 0, 0, true, false, {0}, {0});
+        // the rows that are selected, whether others are hidden; whether there is a pair, it, and all between
+        const Rows<int, int, bool, bool, QList<int>, QList<int>> row;
+        row("partner above", 7, 7, false, true, QList{3}, QList{3, 4, 5, 6, 7});
+        row("partner below", 2, 2, false, true, QList{6}, QList{2, 3, 4, 5, 6});
+        row("of the first of several", 7, 9, false, false, QList{3}, QList{3, 4, 5, 6, 7, 8, 9});
+        row("none", 5, 5, false, false, QList{5}, QList{5});
+        row("not listed", 0, 0, true, false, QList{0}, QList{0});
     }
-
     void partners()
     {
-        QFETCH(int, first);
-        QFETCH(int, last);
-        QFETCH(bool, isFiltered);
-        QFETCH(bool, isValid);
+        const auto [first, last, isFiltered, isValid, pair, extended] =
+            Rows<int, int, bool, bool, QList<int>, QList<int>>::fetch();
         Table table(20);
         table.pair(7, 3);
         table.pair(2, 6);
@@ -253,36 +250,28 @@ private Q_SLOTS:
         QCOMPARE(table.controller.validateMenuItem(MenuItem::SelectPair), isValid);
         QCOMPARE(table.controller.validateMenuItem(MenuItem::ExtendSelectionToPair), isValid);
         table.controller.extendSelectionToPair();
-        QTEST(table.selected(), "extended");
+        QCOMPARE(table.selected(), extended);
         table.select(first, last);
         table.controller.selectPair();
-        QTEST(table.selected(), "pair");
-    }
-
-    void nearestEntry_data()
-    {
-        const NamedRows<double, int> row("hours", "index");
-        row("before all", -100.0, 0);
-        row("after all", 1000.0, 9);
-        row("nearer to the earlier", 6.0 * 3 + 2.0, 3);
-        row("nearer to the later", 6.0 * 3 + 4.0, 4);
-        row("midway", 6.0 * 3 + 3.0, 4);
-        row("at an entry", 6.0 * 5, 5);
-        row("at the first", 0.0, 0);
-        row("at the last, which none is after", 6.0 * 9, -1);
+        QCOMPARE(table.selected(), pair);
     }
 
     void nearestEntry()
     {
-        QFETCH(double, hours);
-        QFETCH(int, index);
+        const std::pair<double, int> nearest[] = {
+            {-100.0, 0},        {1000.0, 9},        // before all, after all
+            {6.0 * 3 + 2.0, 3}, {6.0 * 3 + 4.0, 4}, // nearer to one of two
+            {6.0 * 3 + 3.0, 4}, {6.0 * 5, 5},       // midway, at an entry
+            {0.0, 0},           {6.0 * 9, -1}};     // at the first, and at the last, which none is after
         Table table(10);
         for (const ZELKSortDescriptors &order :
              {ZELKSortDescriptors(), {{u"date"_s, false}}, {{u"summary"_s, false}}}) {
             table.controller.setSortDescriptors(order);
-            const std::optional<int> row =
-                table.controller.nearestVisibleEntryToDate(ZELKDate(logStart + hours * 3600.0));
-            QCOMPARE(row.value_or(-1), index < 0 ? -1 : table.rowOf(index));
+            for (const auto &[hours, index] : nearest) {
+                const std::optional<int> row =
+                    table.controller.nearestVisibleEntryToDate(ZELKDate(logStart + hours * 3600.0));
+                QCOMPARE(row.value_or(-1), index < 0 ? -1 : table.rowOf(index));
+            }
         }
         table.field.setText(u"nothing has this"_s);
         QVERIFY(!table.controller.nearestVisibleEntryToDate(ZELKDate(logStart)));

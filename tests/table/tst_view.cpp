@@ -1,4 +1,4 @@
-#include "NamedRows.h"
+#include "Rows.h"
 #include "TableWindow.h"
 #include "ZELKCapsule.h"
 
@@ -29,7 +29,7 @@ class ViewTest : public QObject
 private Q_SLOTS:
     void keys_data()
     {
-        const NamedRows<Qt::Key, Qt::KeyboardModifier, int, int> row("key", "modifier", "opens", "top");
+        const Rows<Qt::Key, Qt::KeyboardModifier, int, int> row; // how often it opens, and the top row then
         row("Home", Qt::Key_Home, Qt::NoModifier, 0, 0);
         row("Shift Home", Qt::Key_Home, Qt::ShiftModifier, 0, 0);
         row("End", Qt::Key_End, Qt::NoModifier, 0, -1);
@@ -37,13 +37,9 @@ private Q_SLOTS:
         row("Enter", Qt::Key_Enter, Qt::KeypadModifier, 1, 100);
         row("a letter", Qt::Key_E, Qt::NoModifier, 0, 100);
     }
-
     void keys()
     {
-        QFETCH(Qt::Key, key);
-        QFETCH(Qt::KeyboardModifier, modifier);
-        QFETCH(int, opens);
-        QFETCH(int, top);
+        const auto [key, modifier, opens, top] = Rows<Qt::Key, Qt::KeyboardModifier, int, int>::fetch();
         Table table;
         table.select(103, 104);
         table.view.verticalScrollBar()->setValue(100);
@@ -92,16 +88,13 @@ private Q_SLOTS:
 
     void drags_data()
     {
-        const NamedRows<QPoint, int, int> row("way", "drags", "selected");
+        const Rows<QPoint, int, int> row; // the way, drags, rows that are selected
         row("along the row", QPoint(60, 4), 1, 1);
         row("across rows", QPoint(4, 60), 0, 4);
     }
-
     void drags()
     {
-        QFETCH(QPoint, way);
-        QFETCH(int, drags);
-        QFETCH(int, selected);
+        const auto [way, drags, selected] = Rows<QPoint, int, int>::fetch();
         Table table;
         table.view.setUniformRowHeight(20);
         int count = 0;
@@ -164,26 +157,16 @@ private Q_SLOTS:
         }
     }
 
-    void capsule_data()
-    {
-        const NamedRows<QRectF, float, QPointF, bool> row("frame", "radius", "point", "isInside");
-        const QRectF frame(10, 20, 100, 21);
-        row("left tip", frame, 10.5F, {10.3, 30.5}, true);
-        row("beyond the left tip", frame, 10.5F, {9.9, 30.5}, false);
-        row("corner", frame, 10.5F, {11.5, 21.5}, false);
-        row("right tip", frame, 10.5F, {109.7, 30.5}, true);
-        row("right corner", frame, 10.5F, {108.5, 39.5}, false);
-        row("middle, top edge", frame, 10.5F, {60.0, 20.2}, true);
-    }
-
     void capsule()
     {
-        QFETCH(QRectF, frame);
-        QFETCH(QPointF, point);
+        const QRectF frame(10, 20, 100, 21);
         const ZELKCapsule capsule = ZELKCapsule::inFrame(frame);
-        QTEST(capsule.radius, "radius");
-        QTEST(capsule.path().contains(point), "isInside");
+        QCOMPARE(capsule.radius, 10.5F);
         QCOMPARE(ZELKCapsule::textFrame(frame), QRectF(15, 20, 95, 21));
+        for (const QPointF inside : {QPointF(10.3, 30.5), {109.7, 30.5}, {60.0, 20.2}})
+            QVERIFY(capsule.path().contains(inside));
+        for (const QPointF outside : {QPointF(9.9, 30.5), {11.5, 21.5}, {108.5, 39.5}}) // beyond, corners
+            QVERIFY(!capsule.path().contains(outside));
     }
 
     void isReadAloud()
