@@ -22,6 +22,12 @@ struct AgentFixture
         writeFile(path(u"agents/org.test.agent.app/agent"_s), "#!/bin/sh\n");
         writeList(path(u"agent.plist"_s), {{u"Label"_s, u"template"_s}, {u"RunAtLoad"_s, true}});
         useInfo();
+        lookup->serviceName = agentName + u"._service"_s;
+        lookup->version = u"1.0"_s;
+        lookup->isThere = [jobs = system] { return jobs->systemJob || jobs->userJob; };
+        lookup->removeFiles = [agent = system](const QByteArray &authorization, QString *reason) {
+            return agent->removeFiles(authorization, reason);
+        };
     }
 
     QString path(const QString &name) const { return folder.filePath(name); }
@@ -36,11 +42,7 @@ struct AgentFixture
     }
     ZELKAgentPorts ports() const
     {
-        std::shared_ptr<ZELKAgentLookup> services = system;
-        if (lookup)
-            services = lookup;
-        return {
-            system, workspace, services, {u"--database=x"_s}, system, {path(u"data"_s), path(u"config"_s)}};
+        return {system, workspace, lookup, {u"--database=x"_s}, system, {path(u"data"_s), path(u"config"_s)}};
     }
     /// The controller, once everything around it is as it shall be.
     ZELKAgentController &create()
@@ -61,7 +63,8 @@ struct AgentFixture
     std::optional<ZELKEnvironmentScope> scope;
     std::shared_ptr<FakeSystem> system = std::make_shared<FakeSystem>();
     std::shared_ptr<FakeWorkspace> workspace = std::make_shared<FakeWorkspace>();
-    std::shared_ptr<FakeAgentLookup> lookup; ///< else the system knows whether there is a service
+    /// Its service is there when a job is.
+    std::shared_ptr<FakeAgentLookup> lookup = std::make_shared<FakeAgentLookup>();
     std::optional<ZELKAgentController> controller;
     std::optional<QSignalSpy> presented; ///< its errors
 };

@@ -6,9 +6,9 @@ using namespace Qt::StringLiterals;
 
 const QString agentName = u"org.test.agent"_s;
 
-/// Every port but the workspace in one: does what it is told and keeps what it was asked, in order. What
-/// `failing` names fails.
-class FakeSystem final : public ZELKServiceManagement, public ZELKAuthorizationService, public ZELKAgentLookup
+/// The system's services and its rights in one: does what it is told and keeps what it was asked, in order.
+/// What `failing` names fails.
+class FakeSystem final : public ZELKServiceManagement, public ZELKAuthorizationService
 {
 public:
     using Problem = std::optional<ZELKAgentError>;
@@ -16,10 +16,8 @@ public:
 
     QStringList calls;
     QString failing;
-    QString version = u"1.0"_s;
     bool hasManager = true;
     bool systemJob = false, userJob = false;
-    bool serves = false; ///< else the service is there when a job is
     ZELKDictionary ticket;
     QByteArray form;
 
@@ -65,35 +63,17 @@ public:
         return fails(u"form"_s) ? QByteArray() : authorization.form().encode();
     }
 
-    std::unique_ptr<ZELKAgentConnection> connectionWithServiceName(const QString &) override
+    /// What an agent answers that is to remove its files.
+    std::optional<bool> removeFiles(const QByteArray &authorization, QString *reason)
     {
-        return serves || systemJob || userJob ? std::make_unique<Connection>(*this) : nullptr;
+        form = authorization;
+        if (fails(u"files"_s))
+            return false;
+        *reason = u"no answer"_s;
+        return fails(u"call"_s) ? std::nullopt : std::optional(true);
     }
 
 private:
-    class Connection final : public ZELKAgentConnection
-    {
-    public:
-        explicit Connection(FakeSystem &system)
-            : m_system(system)
-        {
-        }
-        std::optional<QString> version() override { return m_system.version; }
-        void requestVersion(QObject *, const VersionHandler &answered) override { answered(version()); }
-        std::optional<bool> removeAgentFiles(const QByteArray &form, QString *reason) override
-        {
-            m_system.form = form;
-            if (m_system.fails(u"files"_s))
-                return false;
-            *reason = u"no answer"_s;
-            return m_system.fails(u"call"_s) ? std::nullopt : std::optional(true);
-        }
-        std::optional<QString> setDefaultsWithDictionary(const ZELKDictionary &) override { return {}; }
-
-    private:
-        FakeSystem &m_system;
-    };
-
     bool fails(const QString &call)
     {
         calls.append(call);

@@ -31,22 +31,6 @@ QTime timeOfDay(const char *time)
 
 } // namespace
 
-QDateTime NightClock::local() const
-{
-    return m_now.date.toDateTime(QTimeZone("Europe/Berlin"));
-}
-
-void NightClock::moveTo(const char *time, bool asleep)
-{
-    QDateTime then = local();
-    then.setTime(timeOfDay(time));
-    if (then < local())
-        then = then.addDays(1);
-    const ZELKDate date = ZELKDate::fromDateTime(then);
-    (asleep ? m_now.suspended : m_now.awake) += date.timeIntervalSinceDate(m_now.date);
-    m_now.date = date;
-}
-
 NightAgent::NightAgent(const ZELKLWAOptions &options, const ZELKLWAMachine &machine)
 {
     const auto connect = [](QDBusConnection::BusType bus, const char *name) {
@@ -66,7 +50,7 @@ NightAgent::~NightAgent()
 }
 
 NightBed::NightBed(double day)
-    : m_clock(std::make_shared<NightClock>(day))
+    : m_clock(std::make_shared<TestClock>(day))
 {
     m_options.database = path("agent.db");
     m_options.settings = path("agent.ini");
@@ -83,6 +67,16 @@ NightBed::NightBed(double day)
     m_upower.come();
 }
 
+void NightBed::moveTo(const char *time, bool asleep)
+{
+    QDateTime then = local();
+    then.setTime(timeOfDay(time));
+    if (then < local())
+        then = then.addDays(1);
+    const double seconds = ZELKDate::fromDateTime(then).timeIntervalSinceDate(m_clock->now());
+    m_clock->pass(asleep ? 0.0 : seconds, asleep ? seconds : 0.0);
+}
+
 void NightBed::addJournal(const QByteArray &bytes)
 {
     writeFile(path("system.journal"), bytes);
@@ -91,7 +85,7 @@ void NightBed::addJournal(const QByteArray &bytes)
 
 void NightBed::boot(const char *time)
 {
-    m_clock->moveTo(time);
+    moveTo(time);
     m_clock->boot();
     const QByteArray since1970 = QByteArray::number(seconds());
     writeFile(path("boot_id"), "0b6f7d5c-9f4e-4d7a-8b53-00" + since1970 + '\n');
@@ -101,9 +95,9 @@ void NightBed::boot(const char *time)
 
 void NightBed::shutDown(const char *time)
 {
-    m_clock->moveTo(time);
+    moveTo(time);
     if (m_agent) {
-        isRecorded([this] { m_logind.emitSignal(u"PrepareForShutdown"_s, u"b"_s, {true}); });
+        isRecorded([this] { m_logind.prepareForShutdown(true); });
         (*m_agent)->terminate();
         m_agent.reset();
     }
@@ -118,33 +112,33 @@ void NightBed::rotateAccounting() const
 
 void NightBed::startAgent(const char *time)
 {
-    m_clock->moveTo(time);
+    moveTo(time);
     const int before = records(readings);
     m_agent.emplace(m_options, m_machine);
     if (!(*m_agent)->start())
         qFatal("the agent does not start");
-    await([&] { return locks() > 0 && records(readings) > before && hasReadPast(); });
+    await([&] { return m_logind.locks() > 0 && records(readings) > before && hasReadPast(); });
 }
 
 void NightBed::fallAsleep(const char *time)
 {
-    m_clock->moveTo(time);
-    isRecorded([this] { m_logind.emitSignal(u"PrepareForSleep"_s, u"b"_s, {true}); });
-    await([this] { return locks() == 0; });
+    moveTo(time);
+    isRecorded([this] { m_logind.prepareForSleep(true); });
+    await([this] { return m_logind.locks() == 0; });
 }
 
 void NightBed::wake(const char *time)
 {
-    m_clock->moveTo(time, true);
+    moveTo(time, true);
     if (!m_agent)
         return;
-    isRecorded([this] { m_logind.emitSignal(u"PrepareForSleep"_s, u"b"_s, {false}); });
-    await([this] { return locks() > 0; });
+    isRecorded([this] { m_logind.prepareForSleep(false); });
+    await([this] { return m_logind.locks() > 0; });
 }
 
 void NightBed::batteryIs(const char *time, double percent, bool charging)
 {
-    m_clock->moveTo(time);
+    moveTo(time);
     isRecorded([&] {
         m_upower.change(batteryPath, {{u"Percentage"_s, percent},
                                       {u"State"_s, charging ? 1U : 2U},
@@ -154,7 +148,7 @@ void NightBed::batteryIs(const char *time, double percent, bool charging)
 
 void NightBed::batteryWas(const char *time, double percent)
 {
-    QDateTime then = m_clock->local().addDays(-1);
+    QDateTime then = local().addDays(-1);
     then.setTime(timeOfDay(time));
     m_upower.change(batteryPath,
                     {{u"Percentage"_s, percent}, {u"UpdateTime"_s, qulonglong(then.toSecsSinceEpoch())}});
@@ -162,7 +156,7 @@ void NightBed::batteryWas(const char *time, double percent)
 
 void NightBed::plugIn(const char *time)
 {
-    m_clock->moveTo(time);
+    moveTo(time);
     isRecorded([this] { m_upower.change(mainsPath, {{u"Online"_s, true}}); });
 }
 

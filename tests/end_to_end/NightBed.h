@@ -1,8 +1,9 @@
 #pragma once
 
-#include "BusMock.h"
 #include "ClockEnvironment.h"
 #include "FakeUPower.h"
+#include "Logind.h"
+#include "TestClock.h"
 #include "ZELKLWAAgent.h"
 
 #include <QTemporaryDir>
@@ -13,26 +14,6 @@
 
 /// 11 March 2025, 17:00 in Berlin.
 inline constexpr double usualDay = 1741708800.0;
-
-/// A computer's wall clock in Berlin, and those by which its kernel tells sleep from waking.
-class NightClock final : public ZELKClock, public ZELKSuspendClock
-{
-public:
-    /// `seconds` since 1970.
-    explicit NightClock(double seconds)
-        : m_now{ZELKDate::fromSecondsSince1970(seconds)}
-    {
-    }
-    ZELKDate now() const override { return m_now.date; }
-    ZELKMoment read(ZELKDate date) const override { return {date, m_now.awake, m_now.suspended}; }
-    QDateTime local() const;
-    /// To when it is next that time of the day.
-    void moveTo(const char *time, bool asleep = false);
-    void boot() { m_now.awake = m_now.suspended = 0.0; }
-
-private:
-    ZELKMoment m_now;
-};
 
 /// An agent's life, with connections that end with it as a process's do.
 class NightAgent
@@ -79,20 +60,19 @@ public:
 
 private:
     QString path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)); }
-    qint64 seconds() const { return m_clock->local().toSecsSinceEpoch(); }
+    QDateTime local() const { return m_clock->now().toDateTime(QTimeZone("Europe/Berlin")); }
+    /// To when it is next that time of the day.
+    void moveTo(const char *time, bool asleep = false);
+    qint64 seconds() const { return local().toSecsSinceEpoch(); }
     QByteArray account(short type, const char *user) const;
-    int locks() const { return BusMock::count(m_logind.call(u"ListInhibitors"_s)); }
     int records(const QByteArray &condition, const char *table = "events") const;
     bool hasReadPast() const;
     void isRecorded(const std::function<void()> &what) const;
 
     QTemporaryDir m_folder;
-    std::shared_ptr<NightClock> m_clock;
+    std::shared_ptr<TestClock> m_clock;
     ZELKEnvironmentScope m_scope{environmentWith(m_clock)};
-    BusMock m_logind{u"org.freedesktop.login1"_s,
-                     u"/org/freedesktop/login1"_s,
-                     u"org.freedesktop.login1.Manager"_s,
-                     {u"--template"_s, u"logind"_s}};
+    Logind m_logind;
     FakeUPower m_upower;
     ZELKLWAOptions m_options;
     ZELKLWAMachine m_machine;

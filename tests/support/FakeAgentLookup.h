@@ -18,13 +18,16 @@ public:
     /// Questions for the version that need not be waited for stay open until answerQuestions().
     bool isSlow = false;
     std::optional<QString> defaultsProblem;
+    std::function<bool()> isThere; ///< else a service that has a name is
+    /// Answers a removal of the agent's files, else the call fails.
+    std::function<std::optional<bool>(const QByteArray &authorization, QString *reason)> removeFiles;
 
     int questions = 0; ///< for the version, of both kinds
     QList<ZELKDictionary> defaults;
 
     std::unique_ptr<ZELKAgentConnection> connectionWithServiceName(const QString &name) override
     {
-        if (serviceName.isEmpty() || name != serviceName)
+        if (serviceName.isEmpty() || name != serviceName || (isThere && !isThere()))
             return nullptr;
         return std::make_unique<Connection>(*this);
     }
@@ -58,6 +61,11 @@ private:
             m_service.m_open.append({context, answered});
             if (!m_service.isSlow)
                 QTimer::singleShot(0, context, [&service = m_service] { service.answerQuestions(); });
+        }
+
+        std::optional<bool> removeAgentFiles(const QByteArray &authorization, QString *reason) override
+        {
+            return m_service.removeFiles ? m_service.removeFiles(authorization, reason) : std::nullopt;
         }
 
         std::optional<QString> setDefaultsWithDictionary(const ZELKDictionary &defaults) override
