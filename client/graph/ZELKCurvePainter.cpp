@@ -40,14 +40,14 @@ void ZELKCurvePainter::paintBand(std::span<const ZELKCurve> curves, int from, in
     const int bottom = std::min(m_image.height(), end + reach);
     const QRect box(0, top, m_image.width(), bottom - top);
     ZELKColourLayer layer(box);
-    ZELKCoverage coverage(box);
+    ZELKCoverage coverage(layer.turnedBox());
     std::vector<QPointF> line;
     for (const ZELKCurve &curve : curves) {
         if (curve.points.size() < 2)
             continue;
         line.clear();
         for (const QPointF point : curve.points)
-            line.push_back(m_space.pixel(point));
+            line.push_back(m_space.pixel(point).transposed());
         const auto lay = [&](double opacity) {
             QColor colour = curve.colour;
             colour.setAlphaF(float(opacity * curve.colour.alphaF()));
@@ -61,13 +61,17 @@ void ZELKCurvePainter::paintBand(std::span<const ZELKCurve> curves, int from, in
     layer.paint(m_image, shadow, from, end);
 }
 
+/// `line` is turned, as all that is covered in a colour layer.
 void ZELKCurvePainter::addArea(ZELKCoverage &coverage, std::span<const QPointF> line) const
 {
     const double lower = m_space.pixel({0.0, m_lower}).y();
-    QPointF last(line.front().x(), lower);
+    const QPointF first(lower, line.front().y());
+    QPointF last = first;
     for (const QPointF next : line) {
         coverage.addEdge(last, next);
         last = next;
     }
-    coverage.addEdge(last, {last.x(), lower});
+    const QPointF end(lower, last.y());
+    coverage.addEdge(last, end);
+    coverage.addEdge(end, first);
 }
