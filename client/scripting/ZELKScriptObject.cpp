@@ -45,7 +45,7 @@ void writeMethod(QXmlStreamWriter &writer, const ZELKScriptObject::Method &metho
 
 } // namespace
 
-const std::optional<ZELKScriptObject::Property> ZELKScriptObject::property(const QString &name) const
+std::optional<ZELKScriptObject::Property> ZELKScriptObject::property(const QString &name) const
 {
     const std::vector<Property> all = properties();
     const auto found =

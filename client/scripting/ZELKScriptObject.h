@@ -62,7 +62,7 @@ public:
         return std::nullopt;
     }
 
-    const std::optional<Property> property(const QString &name) const;
+    std::optional<Property> property(const QString &name) const;
     /// The interface as XML.
     QString introspection() const;
 };
