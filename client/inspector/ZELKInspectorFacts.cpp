@@ -23,8 +23,7 @@ QString number(qsizetype count)
 
 ZELKAttributedString headline(const QString &words)
 {
-    ZELKTextAttributes attributes =
-        ZELKLWCPresentationAssistant::attributedStringWithPrimary(QStringLiteral("x"), {}).attributesAt(0);
+    ZELKTextAttributes attributes = ZELKLWCPresentationAssistant::primaryAttributes();
     attributes.bold = true;
     return ZELKAttributedString(ZELKInspectorCell::ofValue(words).text.string(), attributes);
 }

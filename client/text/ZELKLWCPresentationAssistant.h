@@ -9,6 +9,8 @@ class ZELKLWCPresentationAssistant
 public:
     ZELKLWCPresentationAssistant() = delete;
 
+    static ZELKTextAttributes primaryAttributes();
+    static ZELKTextAttributes secondaryAttributes();
     /// The first text in the primary look and behind it, with nothing between, the second in the secondary
     /// one, unless it is null.
     static ZELKAttributedString attributedStringWithPrimary(const QString &primary, const QString &secondary);
@@ -19,8 +21,4 @@ public:
     /// meant.
     static ZELKTextAttributes miniPrimaryAttributes();
     static ZELKTextAttributes miniSecondaryAttributes();
-
-private:
-    static ZELKTextAttributes primaryAttributes();
-    static ZELKTextAttributes secondaryAttributes();
 };
