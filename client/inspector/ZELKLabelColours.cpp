@@ -1,26 +1,14 @@
 #include "ZELKLabelColours.h"
 
+#include "ZELKTextColours.h"
+
 #include <QPalette>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
 constexpr double readableContrast = 7.0;
-
-double linear(double channel)
-{
-    return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-}
-
-/// Of black on the colour, as the guidelines for accessible contents reckon it.
-double contrastOfBlack(const QColor &colour)
-{
-    return (0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-            0.0722 * linear(colour.blueF()) + 0.05) /
-           0.05;
-}
 
 /// The titles are black, whatever tint the desktop has chosen.
 QColor tint(const QPalette &palette)
@@ -28,7 +16,8 @@ QColor tint(const QPalette &palette)
     const QColor chosen = palette.color(QPalette::Active, QPalette::Highlight).toRgb();
     constexpr int steps = 20;
     QColor colour = chosen;
-    for (int step = 1; step <= steps && contrastOfBlack(colour) < readableContrast; ++step) {
+    for (int step = 1; step <= steps && ZELKTextColours::contrast(colour, Qt::black) < readableContrast;
+         ++step) {
         const float part = float(step) / steps;
         const auto lighter = [part](float channel) { return channel + (1.0F - channel) * part; };
         colour = QColor::fromRgbF(lighter(chosen.redF()), lighter(chosen.greenF()), lighter(chosen.blueF()));

@@ -20,13 +20,6 @@ double luminance(const QColor &colour)
            0.0722 * linear(colour.blueF());
 }
 
-/// From 1 to 21, as the guidelines for accessible contents reckon it.
-double contrast(const QColor &a, const QColor &b)
-{
-    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
-    return (lighter + 0.05) / (darker + 0.05);
-}
-
 QColor mixed(const QColor &a, const QColor &b, double partOfB)
 {
     const auto channel = [partOfB](int from, int to) {
@@ -40,7 +33,7 @@ QColor readable(const QColor &faint, const QColor &text, const QColor &backgroun
     constexpr int steps = 20;
     for (int step = 0; step < steps; ++step) {
         const QColor candidate = mixed(faint, text, double(step) / steps);
-        if (contrast(candidate, background) >= readableContrast)
+        if (ZELKTextColours::contrast(candidate, background) >= readableContrast)
             return candidate;
     }
     return text;
@@ -80,4 +73,10 @@ QColor ZELKTextColours::colour(const ZELKTextColour &of) const
         break;
     }
     return text;
+}
+
+double ZELKTextColours::contrast(const QColor &a, const QColor &b)
+{
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
 }

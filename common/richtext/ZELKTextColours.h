@@ -20,4 +20,8 @@ struct ZELKTextColours
     static ZELKTextColours forPaper();
 
     QColor colour(const ZELKTextColour &of) const;
+
+    /// How much one colour stands out from another, whichever is the text: from 1 to 21, as the guidelines
+    /// for accessible contents reckon it.
+    static double contrast(const QColor &a, const QColor &b);
 };
