@@ -1,49 +1,14 @@
 #pragma once
 
-#include "ZELKEnvironment.h"
+#include "TableFixture.h"
 #include "ZELKEventVocabulary.h"
-#include "ZELKLWCDateRangeController.h"
-#include "ZELKLWCLog.h"
-#include "ZELKRawEvent.h"
-#include "ZELKUserDefaults.h"
 
-#include <QTemporaryDir>
-
-using namespace Qt::StringLiterals;
-
-/// The real main bundle; Sunday, 2024-03-31, 10:00 in Berlin, the day on which summer time began.
-inline ZELKEnvironment exportEnvironment()
+/// A log, and where it is exported to. Its times are counted from 2024-03-05 00:00:00 UTC.
+struct ExportFixture : TableFixture
 {
-    ZELKEnvironment environment = ZELKEnvironment::system();
-    environment.zone = QTimeZone("Europe/Berlin");
-    environment.clock = std::make_shared<ZELKFixedClock>(
-        ZELKDate::fromDateTime(QDateTime(QDate(2024, 3, 31), QTime(10, 0), environment.zone)));
-    environment.mainBundle = std::make_shared<ZELKBundle>(ZELKBundle::mainBundlePath({}));
-    return environment;
-}
-
-// 2024-03-05 12:00:00 in Berlin
-inline constexpr ZELKDate exportStart(731329200.0);
-
-/// A log on a date range.
-struct ExportFixture
-{
-    ZELKEnvironmentScope scope{exportEnvironment()};
-    QTemporaryDir folder;
-    ZELKUserDefaults defaults{folder.filePath(u"defaults.ini"_s)};
-    ZELKLWCDateRangeController range{defaults};
-    ZELKLWCLog log;
-
-    ExportFixture()
-    {
-        range.awakeFromNib();
-        log.setDateRange(&range);
-        log.awakeFromNib();
-        range.setSelectionTag(8);
-    }
     static ZELKRawEvent event(double seconds, const QString &name, const ZELKDictionary &properties = {})
     {
-        return ZELKMakeRawEvent(exportStart.addingTimeInterval(seconds), name, ZELKMonitorPowerEvents,
+        return ZELKMakeRawEvent(ZELKDate(logStart + seconds), name, ZELKMonitorPowerEvents,
                                 ZELKPropertiesText(properties));
     }
     void add(double seconds, const QString &name) { log.addExternalEntries({event(seconds, name)}); }
@@ -62,14 +27,6 @@ struct ExportFixture
                     {ZELKPropertyPowerSourceState, ZELKPowerSourceBattery}}),
              event(7260.0, ZELKEventSystemWillNotSleep,
                    {{ZELKPropertyProcesses, QVariantList{u"backup <1>"_s, u"Пример 🔋 שלום"_s}}})});
-    }
-    void addMany(int count)
-    {
-        QList<ZELKRawEvent> events;
-        for (int i = 0; i < count; ++i)
-            events.append(ZELKMakeRawEvent(exportStart.addingTimeInterval(10000.0 + i), u"event %1"_s.arg(i),
-                                           ZELKMonitorPowerEvents));
-        log.addExternalEntries(events);
     }
     QString path(const QString &name) const { return folder.filePath(name); }
 };

@@ -61,16 +61,16 @@ inline QList<QStringList> linesOfPages(const QString &file)
 }
 
 /// Where each word of the first page stands, in points from the upper left corner.
-inline QList<std::pair<QString, QRectF>> wordsOfFirstPage(const QString &file)
+inline QMap<QString, QRectF> wordsOfFirstPage(const QString &file)
 {
     static const QRegularExpression form(
         u"<word xMin=\"(.*)\" yMin=\"(.*)\" xMax=\"(.*)\" yMax=\"(.*)\">(.*)</word>"_s);
-    QList<std::pair<QString, QRectF>> words;
+    QMap<QString, QRectF> words;
     auto matches = form.globalMatch(readPdf(u"pdftotext"_s, {u"-bbox"_s, u"-l"_s, u"1"_s, file, u"-"_s}));
     while (matches.hasNext()) {
         const QRegularExpressionMatch match = matches.next();
         const auto number = [&match](int part) { return match.captured(part).toDouble(); };
-        words.append({match.captured(5), {QPointF(number(1), number(2)), QPointF(number(3), number(4))}});
+        words.insert(match.captured(5), {QPointF(number(1), number(2)), QPointF(number(3), number(4))});
     }
     return words;
 }

@@ -21,25 +21,25 @@ private Q_SLOTS:
     {
         const Rows<QString, QString, QString> row; // type, suffix, what is read
         row("tab text", tabularText, "txt",
-            "2024-03-05 12:00:00 +0100 | System will sleep | Duplicates:(2024-03-05 12:00:01 +0100)\n"
-            "2024-03-05 14:00:00 +0100 | System powering on after 2 hours | Properties:[Duration:2h]\n"
-            "2024-03-05 14:00:30 +0100 | 'BAT0' connected | Device:[Name:BAT0, Current Capacity:80%, "
+            "2024-03-05 01:00:00 +0100 | System will sleep | Duplicates:(2024-03-05 01:00:01 +0100)\n"
+            "2024-03-05 03:00:00 +0100 | System powering on after 2 hours | Properties:[Duration:2h]\n"
+            "2024-03-05 03:00:30 +0100 | 'BAT0' connected | Device:[Name:BAT0, Current Capacity:80%, "
             "Time to Empty:1h 30m]\n"
-            "2024-03-05 14:01:00 +0100 | System will not sleep | Processes:(backup <1>, Пример 🔋 שלום)\n");
+            "2024-03-05 03:01:00 +0100 | System will not sleep | Processes:(backup <1>, Пример 🔋 שלום)\n");
         row("property list", propertyList, "plist",
-            "2024-03-05T11:00:00 | System will sleep | Power Events | "
-            "{'Duplicates': [datetime.datetime(2024, 3, 5, 11, 0, 1)]}\n"
-            "2024-03-05T13:00:00 | System powering on after 2 hours | Power Events | "
+            "2024-03-05T00:00:00 | System will sleep | Power Events | "
+            "{'Duplicates': [datetime.datetime(2024, 3, 5, 0, 0, 1)]}\n"
+            "2024-03-05T02:00:00 | System powering on after 2 hours | Power Events | "
             "{'Properties': {'Duration': '2h'}}\n"
-            "2024-03-05T13:00:30 | 'BAT0' connected | Power Events | {'Device': {'Name': 'BAT0', "
+            "2024-03-05T02:00:30 | 'BAT0' connected | Power Events | {'Device': {'Name': 'BAT0', "
             "'Current Capacity': '80%', 'Time to Empty': '1h 30m'}}\n"
-            "2024-03-05T13:01:00 | System will not sleep | Power Events | "
+            "2024-03-05T02:01:00 | System will not sleep | Power Events | "
             "{'Processes': ['backup <1>', 'Пример 🔋 שלום']}\n");
         constexpr char lines[] = "When this computer slept, woke and changed its power\n"
-                                 "2024-03-05 12:00:00 +0100 | System will sleep\n"
-                                 "2024-03-05 14:00:00 +0100 | System powering on after 2 hours\n"
-                                 "2024-03-05 14:00:30 +0100 | 'BAT0' connected\n"
-                                 "2024-03-05 14:01:00 +0100 | System will not sleep\n";
+                                 "2024-03-05 01:00:00 +0100 | System will sleep\n"
+                                 "2024-03-05 03:00:00 +0100 | System powering on after 2 hours\n"
+                                 "2024-03-05 03:00:30 +0100 | 'BAT0' connected\n"
+                                 "2024-03-05 03:01:00 +0100 | System will not sleep\n";
         row("rich text", richText, "rtf", lines);
         row("Word document", wordDocument, "doc", lines);
     }
@@ -47,9 +47,11 @@ private Q_SLOTS:
     {
         const auto [type, suffix, expected] = Rows<QString, QString, QString>::fetch();
         ExportFixture fixture;
+        ZELKEnvironment environment = ZELKEnvironment::current();
+        environment.zone = QTimeZone("Europe/Berlin");
+        const ZELKEnvironmentScope scope(environment);
         fixture.addNight();
-        fixture.range.setAbsoluteDuration(
-            std::make_shared<ZELKLWCAbsoluteDuration>(exportStart.addingTimeInterval(-86400.0), 60.0));
+        fixture.show(-2, 1);
         QCOMPARE(fixture.log.countOfVisibleEntries(), 0u);
         const QString file = fixture.path(u"history."_s + suffix);
         writeFile(file, dataRepresentationOfType(fixture.log, type));
@@ -65,7 +67,7 @@ private Q_SLOTS:
     {
         for (const int count : {0, 1, 256, 257, 1000}) {
             ExportFixture fixture;
-            fixture.addMany(count);
+            fixture.grow(count);
             QVariantList all;
             for (const ZELKLWCLogEntry *entry : fixture.log.entry())
                 all.append(QVariant::fromValue(entry->exportAsDictionary()));
@@ -104,7 +106,7 @@ private Q_SLOTS:
         ExportFixture fixture;
         fixture.add(0.0, u"a\tb\nc{\\}"_s);
         const QByteArray lines = dataRepresentationOfType(fixture.log, u"text/tab-separated-values"_s);
-        QVERIFY2(lines.contains("+0100\ta\tb\nc{\\}\t\n"), lines.constData());
+        QVERIFY2(lines.contains("+0000\ta\tb\nc{\\}\t\n"), lines.constData());
         const QByteArray text = dataRepresentationOfType(fixture.log, u"text/rtf"_s);
         QVERIFY2(text.contains("a\\tab b\\line c\\{\\\\\\}\\par"), text.constData());
     }

@@ -2,14 +2,22 @@
 
 #include "ZELKAssertion.h"
 
-/// The message that `action` raises; empty when it raises none.
+/// What `action` raises, as "file:line message"; empty when it raises nothing.
 template <typename Action>
-QString raised(const Action &action)
+QString raisedAt(const Action &action)
 {
     try {
         action();
     } catch (const ZELKAssertionFailure &failure) {
-        return failure.message();
+        return failure.file() + QLatin1Char(':') + QString::number(failure.line()) + QLatin1Char(' ') +
+               failure.message();
     }
     return {};
+}
+
+/// The message alone.
+template <typename Action>
+QString raised(const Action &action)
+{
+    return raisedAt(action).section(QLatin1Char(' '), 1);
 }

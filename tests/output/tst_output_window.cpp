@@ -1,8 +1,9 @@
-// The file menu's items for printing, and the dialogs that they open.
+// The file menu's items for printing and exporting, and the dialogs that they open.
 #include "Files.h"
 #include "WindowBed.h"
 #include "ZELKPrintActions.h"
 #include "ZELKProgressSheet.h"
+#include "ZELKSavePanel.h"
 
 #include <QMessageBox>
 #include <QPageSetupDialog>
@@ -16,11 +17,12 @@
 
 namespace {
 
-struct PrintBed : ApplicationFixture
+struct OutputBed : ApplicationFixture
 {
     Session session;
+    QSignalSpy printed{&controller(), &ZELKLWCPrintController::printed};
 
-    explicit PrintBed(bool isFilled = true)
+    explicit OutputBed(bool isFilled = true)
         : session(*this, isFilled)
     {
         controller().printInfo().setOutputFileName(file());
@@ -44,14 +46,14 @@ struct PrintBed : ApplicationFixture
 
 } // namespace
 
-class TestPrintWindow : public QObject
+class TestOutputWindow : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void onlyRowsCanBePrinted()
     {
-        PrintBed bed(false);
+        OutputBed bed(false);
         const auto &print = bed.session.find<QAction>("actionPrint");
         const auto &preview = bed.session.find<QAction>("actionPrintPreview");
         QVERIFY(!print.isEnabled() && !preview.isEnabled());
@@ -66,8 +68,7 @@ private Q_SLOTS:
 
     void whoAcceptsTheDialogGetsTheReport()
     {
-        PrintBed bed;
-        QSignalSpy printed(&bed.controller(), &ZELKLWCPrintController::printed);
+        OutputBed bed;
         auto *dialog = bed.opened<QPrintDialog>("actionPrint");
         QCOMPARE(dialog->maxPage(), int(bed.controller().makeReport(*dialog->printer())->pages()));
         dialog->reject();
@@ -75,42 +76,40 @@ private Q_SLOTS:
         dialog = bed.opened<QPrintDialog>("actionPrint");
         QCOMPARE(dialog->printer()->toPage(), dialog->maxPage());
         dialog->accept();
-        QTRY_COMPARE(printed.count(), 1);
-        QVERIFY(printed.first().first().toString().isNull());
+        QTRY_COMPARE(bed.printed.count(), 1);
+        QVERIFY(bed.printed.first().first().toString().isNull());
         QVERIFY(QFileInfo(bed.file()).size() > 0);
     }
 
     void aFailureIsTold()
     {
-        PrintBed bed;
-        QSignalSpy printed(&bed.controller(), &ZELKLWCPrintController::printed);
+        OutputBed bed;
         auto *dialog = bed.opened<QPrintDialog>("actionPrint");
         QDir(bed.folder.path()).mkdir(u"report.pdf"_s);
         Q_EMIT dialog->accepted(dialog->printer());
-        QTRY_COMPARE(printed.count(), 1);
+        QTRY_COMPARE(bed.printed.count(), 1);
         QCOMPARE(bed.session.window.findChild<QMessageBox *>()->text(),
                  u"The report could not be printed."_s);
     }
 
     void aPreviewShowsThePagesAndPrintsThem()
     {
-        PrintBed bed;
-        QSignalSpy printed(&bed.controller(), &ZELKLWCPrintController::printed);
+        OutputBed bed;
         auto *dialog = bed.opened<QPrintPreviewDialog>("actionPrintPreview");
-        const auto *widget = dialog->findChild<QPrintPreviewWidget *>();
+        auto *widget = dialog->findChild<QPrintPreviewWidget *>();
         QTRY_COMPARE(widget->pageCount(), int(bed.controller().makeReport(*dialog->printer())->pages()));
         QVERIFY(!QFile::exists(bed.file()));
         dialog->printer()->setOutputFileName(bed.file());
-        dialog->findChild<QPrintPreviewWidget *>()->print(); // as the dialog's button, after it asked
+        widget->print(); // as the dialog's button, after it asked
         dialog->accept();
-        QTRY_COMPARE(printed.count(), 1);
+        QTRY_COMPARE(bed.printed.count(), 1);
         QVERIFY(QFileInfo(bed.file()).size() > 0);
         QVERIFY(!bed.controller().printInfo().fullPage());
     }
 
     void thePaperIsRemembered()
     {
-        PrintBed bed;
+        OutputBed bed;
         const qint64 before = bed.controller().makeReport(bed.controller().printInfo())->pages();
         QTimer::singleShot(0, &bed.session.window, [&bed] {
             auto *dialog = bed.session.window.findChild<QPageSetupDialog *>();
@@ -126,19 +125,46 @@ private Q_SLOTS:
     /// Nobody reads the pipe that is printed to.
     void aLongReportCanBeCancelled()
     {
-        PrintBed bed;
+        OutputBed bed;
         QCOMPARE(::mkfifo(QFile::encodeName(bed.file()).constData(), 0600), 0);
-        QSignalSpy printed(&bed.controller(), &ZELKLWCPrintController::printed);
         auto *dialog = bed.opened<QPrintDialog>("actionPrint");
         Q_EMIT dialog->accepted(dialog->printer());
         dialog->reject();
         const auto sheet = [&] { return bed.session.window.findChild<ZELKProgressSheet *>(); };
         QTRY_VERIFY(sheet());
-        sheet()->reject();
-        QCOMPARE(printed.count(), 1);
-        QVERIFY(printed.first().first().toString().isNull());
+        QTest::keyClick(sheet(), Qt::Key_Escape);
+        QCOMPARE(bed.printed.count(), 1);
+        QVERIFY(bed.printed.first().first().toString().isNull());
+    }
+
+    void itemExports()
+    {
+        const OutputBed bed(false);
+        const Session &session = bed.session;
+        qputenv("HOME", bed.folder.path().toLocal8Bit());
+        auto &item = session.find<QAction>("actionExport");
+        QVERIFY(!item.isEnabled());
+        session.add(3);
+        QVERIFY(item.isEnabled());
+        session.wiring.defaults().setValue(u"exportFormatTag"_s, 1);
+        for (const char *name : {"out", "/dev/full"}) {
+            item.trigger();
+            auto &panel = *session.window.findChild<ZELKSavePanel *>();
+            panel.setFileName(QString::fromLatin1(name));
+            if (*name == '/') { // which a name with an extension is not
+                panel.setRequiredFileType({});
+                panel.setOption(QFileDialog::DontConfirmOverwrite);
+                panel.setFileName(QString::fromLatin1(name));
+            }
+            panel.accept();
+            QTRY_VERIFY(!session.window.findChild<ZELKSavePanel *>());
+        }
+        QCOMPARE(readFile(bed.folder.filePath(u"out.txt"_s)).count('\n'), 3);
+        QTRY_VERIFY(session.window.findChild<QMessageBox *>());
+        QCOMPARE(session.window.findChild<QMessageBox *>()->text(),
+                 u"Cannot save file: '/dev/full': No space left on device"_s);
     }
 };
 
-QTEST_MAIN(TestPrintWindow)
-#include "tst_print_window.moc"
+QTEST_MAIN(TestOutputWindow)
+#include "tst_output_window.moc"
