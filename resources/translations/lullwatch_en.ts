@@ -1134,11 +1134,11 @@ in the user guide (Help in the window).
     <name>ZELKLWCEntriesView</name>
     <message>
         <source>ZELKLWCEntriesView.entry</source>
-        <translation>%d event</translation>
+        <translation>%d entry</translation>
     </message>
     <message>
         <source>ZELKLWCEntriesView.entries</source>
-        <translation>%d events</translation>
+        <translation>%d entries</translation>
     </message>
     <message>
         <source>ZELKLWCEntriesView.once</source>
