@@ -7,14 +7,9 @@
 /// Texts for writers of files, in the looks that files know.
 namespace TextSamples {
 
-inline QString letters()
-{
-    return QStringLiteral("Größe\tПривет\tשלום עולם\tمرحبا\n日本語\u2028{next} \\line\n");
-}
-
 inline QString withAstral()
 {
-    return letters() + QStringLiteral("😀 𝒳\ttail");
+    return QStringLiteral("Größe\tПривет\tשלום עולם\tمرحبا\n日本語\u2028{next} \\line\n😀 𝒳\ttail");
 }
 
 inline ZELKTextAttributes usual()

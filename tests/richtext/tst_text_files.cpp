@@ -1,7 +1,5 @@
 // Long texts as files: Word documents that are what they should be to the last byte, rich text that is the
-// same whether written at once or piece by piece, what other programs read of both, and devices that fail.
-#include "Files.h"
-#include "ForeignReader.h"
+// same whether written at once or piece by piece, and devices that fail.
 #include "NamedRows.h"
 #include "TextSamples.h"
 #include "WordReader.h"
@@ -10,7 +8,6 @@
 #include "ZELKWordFileWriter.h"
 
 #include <QBuffer>
-#include <QTextDocumentFragment>
 
 using namespace Qt::StringLiterals;
 using Failure = ZELKTextFileWriter::Failure;
@@ -139,33 +136,6 @@ private Q_SLOTS:
         }
     }
 
-    void foreignReaders_data()
-    {
-        const NamedRows<QString, QString> row("program", "arguments");
-        row("antiword", u"antiword"_s, u"-w 0 -m UTF-8.txt FILE"_s);
-        row("catdoc", u"catdoc"_s, u"-w -d utf-8 FILE"_s);
-        row("unrtf", u"unrtf"_s, u"--html --nopict FILE"_s);
-    }
-
-    /// These three know no characters beyond 16 bits.
-    void foreignReaders()
-    {
-        QFETCH(QString, program);
-        QFETCH(QString, arguments);
-        if (!ForeignReader::isInstalled(program))
-            QSKIP("It is not installed.");
-        const bool isRtf = program == u"unrtf"_s;
-        const QString text = TextSamples::letters() + u"line\t%1\n"_s.repeated(1000) + u"end"_s;
-        const QString file = m_folder.filePath(isRtf ? u"sample.rtf"_s : u"sample.doc"_s);
-        writeFile(file, isRtf ? written<ZELKRtfFileWriter>(text) : written<ZELKWordFileWriter>(text));
-        const QString output =
-            QString::fromUtf8(ForeignReader::output(program, arguments.replace(u"FILE"_s, file).split(u' ')));
-        if (isRtf)
-            QCOMPARE(QTextDocumentFragment::fromHtml(output).toPlainText().simplified(), text.simplified());
-        else
-            QCOMPARE(output.trimmed(), QString(text).replace(QChar(0x2028), u'\n'));
-    }
-
     void failures_data()
     {
         const NamedRows<int, bool, int> row("room", "isPipe", "failure");
@@ -227,9 +197,6 @@ private Q_SLOTS:
         QCOMPARE(ZELKTextFileWriter::withinParagraph(u"a\nb\r\nc\rd\ve\ff\u0085g\u2029\n"_s),
                  u"a\u2028b\u2028c\u2028d\u2028e\u2028f\u2028g\u2028\u2028"_s);
     }
-
-private:
-    QTemporaryDir m_folder;
 };
 
 QTEST_MAIN(TestTextFiles)
