@@ -255,17 +255,17 @@ private Q_SLOTS:
     void whatItShowsIsTold_data()
     {
         const NamedRows<const char *, const char *> row("events", "told");
-        row("nothing", "40:plain", "0 events");
+        row("nothing", "40:plain", "0 entries");
         row("blocks and curves", "1:b50 4:sleep 8:wake 9:sleep 9.5:wake 12:off 18:on 23:b40 40:plain",
-            "8 events; Off once, 6 hours; Asleep 2 times, 4 hours, 30 minutes in all; BAT0 from 50 % to 40 "
+            "8 entries; Off once, 6 hours; Asleep 2 times, 4 hours, 30 minutes in all; BAT0 from 50 % to 40 "
             "%");
-        row("off all day", "-30:off 30:on", "0 events; Off once, 1 day");
+        row("off all day", "-30:off 30:on", "0 entries; Off once, 1 day");
         row("across both ends", "-8:sleep 6:wake 22:sleep 30:wake",
-            "2 events; Asleep 2 times, 8 hours in all");
-        row("duplicates beyond the day", "1:off 3:on 30:boot", "2 events; Off once, 23 hours");
+            "2 entries; Asleep 2 times, 8 hours in all");
+        row("duplicates beyond the day", "1:off 3:on 30:boot", "2 entries; Off once, 23 hours");
         row("levels that readings outside tell", "-4:b80@BAT1 -2:a50 4:sleep 26:a64 40:b20@BAT1",
-            "1 event; BAT1 from 75 % to 42 %; BAT0 from 51 % to 63 %");
-        row("away", "-4:x80 40:plain", "0 events");
+            "1 entry; BAT1 from 75 % to 42 %; BAT0 from 51 % to 63 %");
+        row("away", "-4:x80 40:plain", "0 entries");
     }
     void whatItShowsIsTold()
     {
