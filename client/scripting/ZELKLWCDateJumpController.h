@@ -30,7 +30,9 @@ public:
     ZELKLWCDateJumpController(QWidget &window, const ZELKBundle &bundle, const Outlets &outlets,
                               QObject *parent = nullptr);
 
-    /// The sheet with today, out of the days that were recorded. Window-modal; does not wait.
+    /// The sheet with today, or the nearest of the days from the first entry's to that on which the last one
+    /// began. What only repeated it later belongs to it: such days are in the log's range and not picked.
+    /// Window-modal; does not wait.
     void show();
     /// From the day of the first selected entry to that of the last one's last repetition.
     void jumpToSelection();
