@@ -69,8 +69,7 @@ void ZELKLWCDateJumpController::show()
 void ZELKLWCDateJumpController::ok()
 {
     const auto date = ZELKDate::fromDateTime(m_date->date().startOfDay(ZELKEnvironment::current().zone));
-    m_outlets.visibleSlice.setStart(date);
-    m_outlets.visibleSlice.setEnd(date);
+    m_outlets.visibleSlice.setStartAndEnd(date, date);
 }
 
 void ZELKLWCDateJumpController::jumpToSelection()
@@ -81,8 +80,7 @@ void ZELKLWCDateJumpController::jumpToSelection()
         return;
     if (last->date() < first->date()) // the latest stand first
         std::swap(first, last);
-    m_outlets.visibleSlice.setStart(first->date());
-    m_outlets.visibleSlice.setEnd(last->finalDate());
+    m_outlets.visibleSlice.setStartAndEnd(first->date(), last->finalDate());
 }
 
 bool ZELKLWCDateJumpController::validateMenuItem(MenuItem item) const

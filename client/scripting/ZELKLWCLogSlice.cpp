@@ -9,6 +9,9 @@
 #include <QSaveFile>
 #include <QUrl>
 
+#include <algorithm>
+#include <memory>
+
 namespace {
 
 QString pathOf(const QVariant &destination)
@@ -53,6 +56,14 @@ ZELKDate ZELKLWCLogSlice::end() const
 void ZELKLWCLogSlice::setEnd(ZELKDate date)
 {
     m_outlets.dateRange.setEndingDay(date);
+}
+
+void ZELKLWCLogSlice::setStartAndEnd(ZELKDate start, ZELKDate end)
+{
+    using DateRange = ZELKLWCDateRangeController;
+    const ZELKDate first = std::max(DateRange::floorDate(start), m_outlets.dateRange.distantPast());
+    m_outlets.dateRange.setAbsoluteDuration(std::make_shared<ZELKLWCAbsoluteDuration>(
+        ZELKLWCAbsoluteDuration::absoluteDurationFromDate(first, DateRange::ceilingDate(end))));
 }
 
 double ZELKLWCLogSlice::duration() const

@@ -37,6 +37,9 @@ public:
     void setStart(ZELKDate date);
     ZELKDate end() const;
     void setEnd(ZELKDate date);
+    /// What setStart() and then setEnd() lead to, as one change: everybody who follows the range would else
+    /// take up one between, that may be years long.
+    void setStartAndEnd(ZELKDate start, ZELKDate end);
     /// Seconds.
     double duration() const;
     QString title() const;

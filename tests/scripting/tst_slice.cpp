@@ -7,6 +7,7 @@
 #include <QDialog>
 #include <QFile>
 #include <QImage>
+#include <QSignalSpy>
 #include <QTest>
 
 namespace {
@@ -98,12 +99,14 @@ private Q_SLOTS:
     {
         JumpFixture fixture;
         QVERIFY(fixture.jump->validateMenuItem(ZELKLWCDateJumpController::MenuItem::Show));
+        const QSignalSpy changes(&fixture.log, &ZELKLWCLog::visibleEntriesDidChange);
         fixture.jumpTo(QDate(2024, 3, 7)); // later than the range, then earlier
         QCOMPARE(fixture.slice.start(), at(2, 0));
         QCOMPARE(fixture.slice.end(), at(3, 0).addingTimeInterval(-1));
         fixture.jumpTo(QDate(2024, 3, 5));
         QCOMPARE(fixture.slice.start(), at(0, 0));
         QCOMPARE(fixture.slice.end(), at(1, 0).addingTimeInterval(-1));
+        QCOMPARE(changes.size(), 2); // once for each, all in between would be seen
         fixture.jumpTo(QDate(2024, 3, 8));
         QCOMPARE(fixture.slice.start(), at(3, 0));
         fixture.jump->show();
@@ -112,6 +115,23 @@ private Q_SLOTS:
         QCOMPARE(date->date(), QDate(2024, 3, 8)); // today
         fixture.window.findChild<QDialog *>()->reject();
         QCOMPARE(fixture.slice.start(), at(3, 0));
+    }
+
+    void bothEndsAtOnceAreOneAfterTheOther()
+    {
+        // Also beyond what was recorded, and the wrong way round.
+        for (const auto &[start, end] :
+             {std::pair(1, 2), std::pair(-9, -8), std::pair(8, 9), std::pair(2, 1)}) {
+            SliceFixture steps;
+            SliceFixture once;
+            steps.record();
+            once.record();
+            steps.slice.setStart(at(start, 0));
+            steps.slice.setEnd(at(end, 0));
+            once.slice.setStartAndEnd(at(start, 0), at(end, 0));
+            QCOMPARE(once.slice.start(), steps.slice.start());
+            QCOMPARE(once.slice.end(), steps.slice.end());
+        }
     }
 
     void jumpsToTheSelection()
