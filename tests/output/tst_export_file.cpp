@@ -124,6 +124,7 @@ private Q_SLOTS:
             ZELKFileExport work = exportOf(bytes(after), path("link"));
             while (work.canBeCancelled() && work.advance(0) < State::Done)
                 continue; // the rest is done when it goes
+            QCOMPARE(work.canBeCancelled(), work.state() == State::Done);
         }
         QCOMPARE(readFile(path("other name")), bytes(after));
         QCOMPARE(modeOf(path("old")), 0640u);
