@@ -1,5 +1,6 @@
 #include "ZELKTextOutput.h"
 
+#include "ZELKCharacters.h"
 #include "ZELKConsole.h"
 
 #include <algorithm>
@@ -11,14 +12,6 @@
 namespace {
 
 constexpr qsizetype bufferSize = qsizetype(64) << 10;
-
-bool isHarmful(QChar character)
-{
-    const ushort code = character.unicode();
-    return character.category() == QChar::Other_Control || code == QChar::LineSeparator ||
-           code == QChar::ParagraphSeparator || (code >= 0x202A && code <= 0x202E) ||
-           (code >= 0x2066 && code <= 0x2069);
-}
 
 } // namespace
 
@@ -57,10 +50,10 @@ ZELKTextOutput::State ZELKTextOutput::flush()
 
 QString ZELKTextOutput::safe(const QString &text)
 {
-    if (std::none_of(text.begin(), text.end(), isHarmful))
+    if (std::all_of(text.begin(), text.end(), &ZELKCharacters::isPlain))
         return text;
     QString line;
     for (const QChar character : text)
-        line += isHarmful(character) ? ZELKConsole::escaped(character) : QString(character);
+        line += ZELKCharacters::isPlain(character) ? QString(character) : ZELKConsole::escaped(character);
     return line;
 }

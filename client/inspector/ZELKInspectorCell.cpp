@@ -1,5 +1,6 @@
 #include "ZELKInspectorCell.h"
 
+#include "ZELKCharacters.h"
 #include "ZELKLWCPresentationAssistant.h"
 #include "ZELKShortDate.h"
 #include "ZELKValue.h"
@@ -20,9 +21,8 @@ QString described(const QVariant &value)
 /// Marks that embed, override or isolate a direction, and control characters.
 bool isHarmful(QChar character)
 {
-    const char16_t code = character.unicode();
-    return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069) ||
-           (character.category() == QChar::Other_Control && code != u'\n');
+    return ZELKCharacters::turnsDirection(character) ||
+           (ZELKCharacters::isControl(character) && character != QLatin1Char('\n'));
 }
 
 QString bounded(const QString &text)

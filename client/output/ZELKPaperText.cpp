@@ -1,5 +1,6 @@
 #include "ZELKPaperText.h"
 
+#include "ZELKCharacters.h"
 #include "ZELKPaperFont.h"
 #include "ZELKTextColours.h"
 #include "ZELKTextLines.h"
@@ -20,10 +21,9 @@ QString safeLine(const QString &text)
     constexpr QChar nothing(0x200B); // a space without width
     QString line = text.left(ZELKTextLines::longestLine);
     for (QChar &character : line) {
-        const char16_t unit = character.unicode();
-        if ((unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069))
+        if (ZELKCharacters::turnsDirection(character))
             character = nothing;
-        else if (character.isSpace() || character.category() == QChar::Other_Control)
+        else if (character.isSpace() || ZELKCharacters::isControl(character))
             character = QLatin1Char(' ');
     }
     return line;

@@ -1,5 +1,6 @@
 #include "ZELKTextLineCache.h"
 
+#include "ZELKCharacters.h"
 #include "ZELKTextDocument.h"
 #include "ZELKTextLines.h"
 
@@ -15,19 +16,12 @@ namespace {
 
 constexpr QChar ellipsis(0x2026);
 
-/// Whether a character is drawn as what it is: no control character, no line end, none that turns directions.
-bool isPlain(QChar character)
-{
-    const char16_t unit = character.unicode();
-    return (unit >= 0x20 && unit < 0x7F) ||
-           (unit >= 0xA0 && !(unit >= 0x2028 && unit <= 0x202E) && !(unit >= 0x2066 && unit <= 0x2069));
-}
-
 bool isPlain(const ZELKAttributedString &text)
 {
     return text.runs().size() == 1 && !text.runs().front().attributes.underline &&
            text.length() < ZELKTextLines::longestLine &&
-           std::all_of(text.string().begin(), text.string().end(), [](QChar one) { return isPlain(one); });
+           std::all_of(text.string().begin(), text.string().end(),
+                       [](QChar one) { return ZELKCharacters::isPlain(one); });
 }
 
 /// One line of a text, laid out for a width.

@@ -1,5 +1,6 @@
 #include "ZELKTextLines.h"
 
+#include "ZELKCharacters.h"
 #include "ZELKTextDocument.h"
 
 #include <QFontMetricsF>
@@ -16,22 +17,14 @@ using ZELKTextLines::longestLine;
 constexpr int mostLines = 16;
 constexpr QChar ellipsis(0x2026);
 
-bool turnsDirection(QChar character)
-{
-    const char16_t unit = character.unicode();
-    return (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
-}
-
 QString safe(QString text)
 {
     constexpr QChar nothing(0x200B); // a space without width
     for (QChar &character : text) {
-        if (turnsDirection(character))
+        if (ZELKCharacters::turnsDirection(character))
             character = nothing;
-        else if (character.category() == QChar::Other_Control ||
-                 character.category() == QChar::Separator_Line ||
-                 character.category() == QChar::Separator_Paragraph)
-            character = character == QLatin1Char('\t') ? character : QLatin1Char(' ');
+        else if (!ZELKCharacters::isPlain(character) && character != QLatin1Char('\t'))
+            character = QLatin1Char(' ');
     }
     return text;
 }
