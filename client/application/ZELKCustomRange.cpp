@@ -1,6 +1,7 @@
 #include "ZELKCustomRange.h"
 
 #include "ZELKAssertion.h"
+#include "ZELKCalendar.h"
 #include "ZELKEnvironment.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCDateRangeController.h"
@@ -15,10 +16,7 @@ QString className()
     return QStringLiteral("ZELKCustomRange");
 }
 
-QDate day(ZELKDate date)
-{
-    return date.toDateTime(ZELKEnvironment::current().zone).date();
-}
+using ZELKCalendar::day;
 
 ZELKDate date(QDate day)
 {

@@ -1,5 +1,6 @@
 #include "ZELKInspectorFacts.h"
 
+#include "ZELKCalendar.h"
 #include "ZELKEnvironment.h"
 #include "ZELKFormat.h"
 #include "ZELKInspectorCell.h"
@@ -36,10 +37,9 @@ QString general(const QString &word)
 /// Short enough for one line.
 QString dayAndTime(ZELKDate date)
 {
-    const ZELKEnvironment &environment = ZELKEnvironment::current();
-    const int weekday = date.toDateTime(environment.zone).date().dayOfWeek();
-    return ZELKFormat(text("%@ %@"),
-                      {environment.locale.dayName(weekday, QLocale::ShortFormat), ZELKShortDate::text(date)});
+    const QString weekday =
+        ZELKEnvironment::current().locale.dayName(ZELKCalendar::day(date).dayOfWeek(), QLocale::ShortFormat);
+    return ZELKFormat(text("%@ %@"), {weekday, ZELKShortDate::text(date)});
 }
 
 /// The state that the partner began, or what the partner is.
@@ -54,8 +54,7 @@ QString sincePair(const ZELKLWCLogEntry &pair)
 
 QString ZELKInspectorFacts::day(ZELKDate date)
 {
-    const ZELKEnvironment &environment = ZELKEnvironment::current();
-    return environment.locale.toString(date.toDateTime(environment.zone).date(), QLocale::LongFormat);
+    return ZELKEnvironment::current().locale.toString(ZELKCalendar::day(date), QLocale::LongFormat);
 }
 
 QString ZELKInspectorFacts::time(ZELKDate date)

@@ -1,6 +1,7 @@
 #include "ZELKLWCDateJumpController.h"
 
 #include "ZELKAssertion.h"
+#include "ZELKCalendar.h"
 #include "ZELKEnvironment.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCLog.h"
@@ -19,11 +20,6 @@ namespace {
 QString className()
 {
     return QStringLiteral("ZELKLWCDateJumpController");
-}
-
-QDate day(ZELKDate date)
-{
-    return date.toDateTime(ZELKEnvironment::current().zone).date();
 }
 
 } // namespace
@@ -54,12 +50,12 @@ ZELKLWCDateJumpController::ZELKLWCDateJumpController(QWidget &window, const ZELK
 void ZELKLWCDateJumpController::show()
 {
     if (m_outlets.log.count() > 0) {
-        const QDate first = day(m_outlets.log.objectAtIndex(0)->date());
-        const QDate last = day(m_outlets.log.pastEntry()->date());
+        const QDate first = ZELKCalendar::day(m_outlets.log.objectAtIndex(0)->date());
+        const QDate last = ZELKCalendar::day(m_outlets.log.pastEntry()->date());
         m_date->setDateRange(first, last);
         m_calendar->setDateRange(first, last);
     }
-    const QDate today = day(ZELKEnvironment::current().clock->now());
+    const QDate today = ZELKCalendar::day(ZELKEnvironment::current().clock->now());
     m_date->setDate(today);
     m_calendar->setSelectedDate(m_date->date());
     m_date->setFocus();

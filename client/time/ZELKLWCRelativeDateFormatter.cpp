@@ -1,6 +1,7 @@
 #include "ZELKLWCRelativeDateFormatter.h"
 
 #include "ZELKAssertion.h"
+#include "ZELKCalendar.h"
 #include "ZELKEnvironment.h"
 #include "ZELKFormat.h"
 #include "ZELKSystemFonts.h"
@@ -19,7 +20,7 @@ struct CalendarDate
 
 CalendarDate calendarDate(ZELKDate date)
 {
-    return {date, date.toDateTime(ZELKEnvironment::current().zone).date().toJulianDay()};
+    return {date, ZELKCalendar::day(date).toJulianDay()};
 }
 
 std::optional<CalendarDate> calendarDateOf(const QVariant &object)

@@ -191,6 +191,11 @@ ZELKDate ZELKCalendar::adding(ZELKDate date, int months, int days, int hours, do
     return date.addingTimeInterval(hours * 3600.0 + seconds);
 }
 
+QDate ZELKCalendar::day(ZELKDate date)
+{
+    return date.toDateTime(ZELKEnvironment::current().zone).date();
+}
+
 int ZELKCalendar::weekday(ZELKDate date)
 {
     return wallTime(date).day.dayOfWeek() % 7;

@@ -16,6 +16,8 @@ ZELKDate startOfMonth(ZELKDate date);
 /// Adds calendar fields, months first (a day past the month's end becomes its last), then days, then hours
 /// and seconds; hours and seconds are elapsed time.
 ZELKDate adding(ZELKDate date, int months, int days, int hours = 0, double seconds = 0.0);
+/// As pickers and locales have it: the day that is shown beside the date's time of day, to the millisecond.
+QDate day(ZELKDate date);
 /// 0 for Sunday to 6 for Saturday.
 int weekday(ZELKDate date);
 int year(ZELKDate date);
