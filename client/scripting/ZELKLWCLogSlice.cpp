@@ -1,5 +1,6 @@
 #include "ZELKLWCLogSlice.h"
 
+#include "ZELKEventVocabulary.h"
 #include "ZELKGraphImage.h"
 #include "ZELKLWCDateRangeController.h"
 #include "ZELKLWCEntriesView.h"
@@ -106,9 +107,19 @@ std::optional<ZELKDictionary> ZELKLWCLogSlice::summary() const
     return selection->summary();
 }
 
-double ZELKLWCLogSlice::seconds(const QString &state) const
+double ZELKLWCLogSlice::awake(const ZELKDictionary &summary)
 {
-    return summary().value_or(ZELKDictionary()).value(state).toDouble();
+    return summary.value(ZELKStateAwake).toDouble();
+}
+
+double ZELKLWCLogSlice::asleep(const ZELKDictionary &summary)
+{
+    return summary.value(ZELKStateAsleep).toDouble();
+}
+
+double ZELKLWCLogSlice::off(const ZELKDictionary &summary)
+{
+    return summary.value(ZELKStateOff).toDouble();
 }
 
 QString ZELKLWCLogSlice::objectSpecifier() const

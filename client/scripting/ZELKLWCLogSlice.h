@@ -46,11 +46,12 @@ public:
     QList<ZELKLWCLogEntry *> events() const;
     std::uint64_t countOfEvents() const;
 
-    /// Seconds in each state; nothing where the range has no events.
+    /// Seconds in each state; nothing where the range has no events. Goes through all of them, so who wants
+    /// several states asks once, and the summary for each.
     std::optional<ZELKDictionary> summary() const;
-    double awake() const { return seconds(QStringLiteral("Awake")); }
-    double asleep() const { return seconds(QStringLiteral("Asleep")); }
-    double off() const { return seconds(QStringLiteral("Off")); }
+    static double awake(const ZELKDictionary &summary);
+    static double asleep(const ZELKDictionary &summary);
+    static double off(const ZELKDictionary &summary);
     /// Statistics of the events over the range; nothing without events.
     std::optional<ZELKLWCLogEntrySelection>
     selectionFromEvents(const ZELKLWCLogEntrySelection::Entries &events) const;
@@ -69,7 +70,5 @@ public:
                                               float maximum, float base);
 
 private:
-    double seconds(const QString &state) const;
-
     Outlets m_outlets;
 };

@@ -157,8 +157,10 @@ public:
 private:
     QVariant events() const;
     QVariant summary() const;
+    const ZELKDictionary &totals() const;
 
     ZELKLWCLogSlice &m_slice;
+    mutable std::optional<ZELKDictionary> m_totals;
 };
 
 std::vector<Object::Property> Slice::properties() const
@@ -190,11 +192,11 @@ QVariant Slice::value(const QString &property) const
     if (property == QLatin1String("duration"))
         return m_slice.duration();
     if (property == QLatin1String("awake"))
-        return m_slice.awake();
+        return ZELKLWCLogSlice::awake(totals());
     if (property == QLatin1String("asleep"))
-        return m_slice.asleep();
+        return ZELKLWCLogSlice::asleep(totals());
     if (property == QLatin1String("off"))
-        return m_slice.off();
+        return ZELKLWCLogSlice::off(totals());
     return property == QLatin1String("events") ? events() : summary();
 }
 
@@ -208,11 +210,19 @@ QVariant Slice::events() const
     return QVariant::fromValue(paths);
 }
 
+/// Of all entries of the range, once for an answer that tells several of them.
+const ZELKDictionary &Slice::totals() const
+{
+    if (!m_totals)
+        m_totals = m_slice.summary().value_or(ZELKDictionary());
+    return *m_totals;
+}
+
 QVariant Slice::summary() const
 {
     QDBusArgument map;
     map.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<double>());
-    for (const auto &[state, seconds] : m_slice.summary().value_or(ZELKDictionary())) {
+    for (const auto &[state, seconds] : totals()) {
         map.beginMapEntry();
         map << state << seconds.toDouble();
         map.endMapEntry();
