@@ -2,7 +2,6 @@
 
 #include "ZELKAssertion.h"
 #include "ZELKEnvironment.h"
-#include "ZELKInspectorFacts.h"
 #include "ZELKInspectorKind.h"
 #include "ZELKInspectorStack.h"
 #include "ZELKInterfaceLoader.h"
@@ -226,7 +225,7 @@ ZELKLWCInspectorController::Parts ZELKLWCInspectorController::parts() const
     const auto selection = std::make_shared<const ZELKLWCLogEntrySelection>(selected);
     Parts parts{{text("Summary"), QVariant::fromValue(selection), text("Event")}};
     if (selected.size() == 1)
-        parts.front().facts = ZELKInspectorFacts::ofEntry(*selected.constFirst());
+        parts.front().repetitions = selected.constFirst()->duplicates().size();
     for (const QString &key : selection->attributes())
         if (const QVariant value = selection->attributeForKey(key); value.isValid())
             parts.push_back({key, value, key});
@@ -237,7 +236,7 @@ ZELKLWCInspectorController::Parts ZELKLWCInspectorController::parts() const
 bool ZELKLWCInspectorController::isShown(const Parts &parts) const
 {
     const auto isSame = [](const Part &a, const Part &b) {
-        return a.label == b.label && a.key == b.key && a.facts == b.facts &&
+        return a.label == b.label && a.key == b.key && a.repetitions == b.repetitions &&
                ZELKInspectorValue::isSame(a.value, b.value);
     };
     return m_isUpToDate && std::equal(parts.begin(), parts.end(), m_shown.begin(), m_shown.end(), isSame);

@@ -82,7 +82,7 @@ private:
         QString label;
         QVariant value;
         QString key;
-        ZELKDictionary facts = {}; ///< of a single entry, which may be repeated at any time
+        qsizetype repetitions = 0; ///< of a single entry: may grow at any time
     };
     using Parts = std::vector<Part>;
 

@@ -10,14 +10,7 @@ public:
 
     /// In the order that the dictionary gives; none for a value that has no keys, whose rows are then those
     /// of an array.
-    const QStringList &keyArray() const { return m_keyArray; }
+    QStringList keyArray() const { return items().keys(); }
     /// Null without a view.
     ZELKInspectorTableView *tableView() const { return outlet<ZELKInspectorTableView>("tableView"); }
-
-    int numberOfRowsInTableView() const override;
-    /// The key in the column "key", the value for it in any other.
-    QVariant tableViewObjectValueForTableColumn(const QString &column, int row) const override;
-
-private:
-    QStringList m_keyArray;
 };

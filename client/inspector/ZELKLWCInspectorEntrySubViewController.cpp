@@ -7,18 +7,10 @@ ZELKLWCInspectorEntrySubViewController::ZELKLWCInspectorEntrySubViewController(Z
     : ZELKLWCInspectorSubViewController(QVariant::fromValue(&entry), QStringLiteral("Event"),
                                         QStringLiteral("ZELKLWCInspectorEntrySubViewController"))
     , m_entry(entry)
-    , m_facts(ZELKInspectorFacts::ofEntry(entry))
 {
 }
 
 ZELKAttributedString ZELKLWCInspectorEntrySubViewController::title() const
 {
     return ZELKInspectorFacts::titleOf(m_entry);
-}
-
-QVariant ZELKLWCInspectorEntrySubViewController::tableViewObjectValueForTableColumn(const QString &column,
-                                                                                    int row) const
-{
-    const QString key = m_facts.keys().value(row);
-    return column == QLatin1String("key") ? QVariant(key) : m_facts.value(key);
 }

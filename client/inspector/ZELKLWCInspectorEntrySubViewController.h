@@ -11,13 +11,9 @@ class ZELKLWCInspectorEntrySubViewController : public ZELKLWCInspectorSubViewCon
 public:
     explicit ZELKLWCInspectorEntrySubViewController(ZELKLWCLogEntry &entry);
 
-    int numberOfRowsInTableView() const override { return int(m_facts.size()); }
-    QVariant tableViewObjectValueForTableColumn(const QString &column, int row) const override;
-
 protected:
     ZELKAttributedString title() const override;
 
 private:
     ZELKLWCLogEntry &m_entry;
-    ZELKDictionary m_facts;
 };

@@ -25,12 +25,31 @@ bool isDate(const QVariant &value)
 
 QVariantList elementsOf(const QVariant &value)
 {
+    if (ZELKInspectorValue::kindOf(value) != ZELKInspectorKind::Array)
+        return {};
     if (value.metaType() != QMetaType::fromType<QStringList>())
         return value.toList();
     QVariantList texts;
     for (const QString &text : value.toStringList())
         texts.append(text);
     return texts;
+}
+
+ZELKDictionary itemsOf(const QVariant &value)
+{
+    switch (ZELKInspectorValue::kindOf(value)) {
+    case ZELKInspectorKind::Entry:
+        return ZELKInspectorFacts::ofEntry(*ZELKInspectorValue::entry(ZELKInspectorValue::single(value)));
+    case ZELKInspectorKind::Selection:
+        return ZELKInspectorFacts::ofSelection(*ZELKInspectorValue::selection(value));
+    case ZELKInspectorKind::Dictionary:
+        return value.value<ZELKDictionary>();
+    case ZELKInspectorKind::Array:
+    case ZELKInspectorKind::Scalar:
+    case ZELKInspectorKind::Unsupported:
+        break;
+    }
+    return {};
 }
 
 ZELKInterfaceLoader::Widgets widgets()
@@ -97,12 +116,9 @@ Controller::Pointer Controller::inspectorSubViewControllerWithAttributeValue(con
 Controller::ZELKLWCInspectorSubViewController(const QVariant &value, const QString &key, const QString &nib)
     : m_attributeKey(key)
     , m_attributeValue(value)
+    , m_elements(elementsOf(value))
+    , m_items(itemsOf(value))
 {
-    const ZELKInspectorKind kind = ZELKInspectorValue::kindOf(value);
-    if (kind == ZELKInspectorKind::Array)
-        m_elements = elementsOf(value);
-    else if (kind == ZELKInspectorKind::Selection)
-        m_facts = ZELKInspectorFacts::ofSelection(*ZELKInspectorValue::selection(value));
     zelkGuard([&] { loadNib(nib); });
 }
 
@@ -160,13 +176,15 @@ ZELKAttributedString Controller::title() const
 
 int Controller::numberOfRowsInTableView() const
 {
-    return int(m_elements.size() + m_facts.size());
+    return int(m_elements.size() + m_items.size());
 }
 
 QVariant Controller::tableViewObjectValueForTableColumn(const QString &column, int row) const
 {
-    if (!m_facts.isEmpty())
-        return column == keyColumn ? m_facts.keys().at(row) : m_facts.value(m_facts.keys().at(row));
+    if (row >= 0 && row < m_items.size()) {
+        const auto &[key, value] = m_items.begin()[row];
+        return column == keyColumn ? QVariant(key) : value;
+    }
     const QVariant element = m_elements.value(row);
     if (!isDate(element))
         return element;

@@ -41,10 +41,11 @@ public:
         return {ZELKDateFormatter::Style::Short, ZELKDateFormatter::Style::None};
     }
 
-    /// Rows are an array's elements; of a selection, what there is to say of it.
+    /// Rows are an array's elements, a dictionary's keys, and what there is to say of an entry or a
+    /// selection.
     int numberOfRowsInTableView() const override;
-    /// The element at the row, whatever the column. A date is formatted, and its time is in the column
-    /// "time".
+    /// An array's element at the row, whatever the column; a date is formatted, and its time is in the column
+    /// "time". Else what the row is called in the column "key", and its value in any other.
     QVariant tableViewObjectValueForTableColumn(const QString &column, int row) const override;
     static constexpr bool tableViewShouldSelectRow(int) { return false; }
 
@@ -54,6 +55,8 @@ public:
 protected:
     /// The headline; empty for a value without one.
     virtual ZELKAttributedString title() const;
+    /// The rows of a value that is no array, by what they are called.
+    const ZELKDictionary &items() const { return m_items; }
 
     template <typename Type>
     Type *outlet(const char *name) const
@@ -69,5 +72,5 @@ private:
     QString m_attributeKey;
     QVariant m_attributeValue;
     QVariantList m_elements; ///< of an array
-    ZELKDictionary m_facts;  ///< of a selection
+    ZELKDictionary m_items;
 };
