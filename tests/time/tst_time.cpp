@@ -237,18 +237,6 @@ private Q_SLOTS:
                  u"in : 2021-01-29 to 2023-12-31, 2021-01-28 to 2024-01-01"_s);
     }
 
-    void jumpsToDays()
-    {
-        DateRangeBed bed(now, past, future);
-        const ZELKDate day = LocalTime::date("2024-02-10 15:00:00");
-        bed.set("2024-01-12", "2024-01-12");
-        bed.controller.setStartingDay(day);
-        bed.controller.setEndingDay(day);
-        QCOMPARE(bed.range(), u"2024-02-10 to 2024-02-10"_s);
-        bed.controller.setEndingDay(LocalTime::date("2024-03-01 15:00:00"));
-        QCOMPARE(bed.range(), u"2024-02-10 to 2024-03-01"_s);
-    }
-
     void tellsOnceOfEachRange()
     {
         DateRangeBed bed(now, past, future);
