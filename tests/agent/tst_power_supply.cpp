@@ -42,14 +42,14 @@ private Q_SLOTS:
         using Map = QVariantMap;
         row("discharging", battery, "0",
             Map{{ZELKPropertyName, u"PRB-1"_s},
+                {ZELKPropertyPowerSourceID, u"BAT0"_s},
+                {ZELKPropertyTransportType, u"Internal"_s},
                 {charging, false},
                 {capacity, 80},
+                {ZELKPropertyMaxCapacity, 100},
                 {empty, 320},
-                {full, none}});
-        row("where it is", battery, "0",
-            Map{{ZELKPropertyPowerSourceID, u"BAT0"_s}, {ZELKPropertyTransportType, u"Internal"_s}});
-        row("what it gives", battery, "0",
-            Map{{ZELKPropertyMaxCapacity, 100}, {state, QString(ZELKPowerSourceBattery)}});
+                {full, none},
+                {state, QString(ZELKPowerSourceBattery)}});
         row("charging", batteryWith({{"status", "Charging"}}), "1",
             Map{{charging, true}, {empty, none}, {full, 80}, {state, QString(ZELKPowerSourceAC)}});
         row("full", batteryWith({{"status", "Full"}, {"capacity", "103"}}), "1",

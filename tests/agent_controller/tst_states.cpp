@@ -234,6 +234,7 @@ private Q_SLOTS:
         for (const int form : {1, 5, 6, -1}) {
             world.expectLine(u"ZELKAgentController can not start agent: ZELKAgentController.state.1"_s);
             QVERIFY(!world.controller->startWithState(form));
+            QVERIFY(!world.controller->isStateChangeExpected());
         }
         QVERIFY(world.workspace->launches.isEmpty());
         for (const int instances : {0, 1}) {

@@ -289,13 +289,6 @@ private Q_SLOTS:
         }
     }
 
-    void countsWeekdaysFromSunday()
-    {
-        const ZELKEnvironmentScope scope(environmentIn("Asia/Tokyo"));
-        QCOMPARE(ZELKCalendar::weekday(utc(u"2024-03-09T15:00"_s)), 0);
-        QCOMPARE(ZELKCalendar::weekday(utc(u"2024-03-09T14:59:59"_s)), 6);
-    }
-
     void formats_data()
     {
         const Rows<QLocale, QString, QString, QString> row;
