@@ -15,11 +15,9 @@ QString entryPath(const QString &dataFolder, const QString &identifier)
     return dataFolder + QLatin1String("/applications/") + identifier + QLatin1String(".desktop");
 }
 
-/// A value of the file: one line, its backslashes doubled.
-QByteArray line(const char *key, QString value)
+QByteArray line(const char *key, const QString &value)
 {
-    value.replace(u'\\', QLatin1String("\\\\")).replace(u'\n', QLatin1String("\\n"));
-    return QByteArray(key) + '=' + value.toUtf8() + '\n';
+    return QByteArray(key) + '=' + ZELKDesktopEntry::escaped(value) + '\n';
 }
 
 QByteArray entryText(const ZELKApplicationsMenu::Application &application)

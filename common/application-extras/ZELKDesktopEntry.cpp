@@ -134,18 +134,23 @@ QStringList ZELKDesktopEntry::command() const
     return CommandWords().of(value(QStringLiteral("Exec")));
 }
 
+QByteArray ZELKDesktopEntry::escaped(QString text)
+{
+    text.replace(u'\\', QLatin1String("\\\\"))
+        .replace(u'\n', QLatin1String("\\n"))
+        .replace(u'\r', QLatin1String("\\r"));
+    return text.toUtf8();
+}
+
 QByteArray ZELKDesktopEntry::quoted(const QString &word)
 {
     QString quoted;
     for (const QChar character : word) {
-        if (character == u'\\')
-            quoted +=
-                QLatin1String("\\\\\\"); // four in all: halved by the file's escapes, then by the command's
-        else if (QStringView(u"\"`$").contains(character))
-            quoted += QLatin1String("\\\\"); // likewise
+        if (QStringView(u"\\\"`$").contains(character))
+            quoted += u'\\';
         else if (character == u'%')
             quoted += character;
         quoted += character;
     }
-    return '"' + quoted.toUtf8() + '"';
+    return '"' + escaped(quoted) + '"';
 }

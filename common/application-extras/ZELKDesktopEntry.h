@@ -22,7 +22,9 @@ public:
     /// The words of its command, quotes and field codes ("%f") taken away; empty when it is malformed.
     QStringList command() const;
 
-    /// A word as it stands in the file's command line.
+    /// A text as it stands in the file as a value: in one line.
+    static QByteArray escaped(QString text);
+    /// A word as it stands in the file's command line: quoted there, and that escaped.
     static QByteArray quoted(const QString &word);
 
 private:

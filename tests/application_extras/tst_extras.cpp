@@ -147,7 +147,7 @@ private Q_SLOTS:
         row("quotes, codes", "\"a b\" %U c%%d \"\" \"e\\\\\"f\"",
             QStringList{u"a b"_s, u"c%d"_s, u""_s, u"e\"f"_s});
         row("open quote", "\"a b");
-        const QString strange = u"/x \"$`\\%u/ü"_s;
+        const QString strange = u"/x \"$`\\%u/\n\r\\n/ü"_s;
         row("what we write", ZELKDesktopEntry::quoted(strange), QStringList{strange});
     }
     void commandsAreTakenApart()
