@@ -36,22 +36,20 @@ ZELKAboutPanel::~ZELKAboutPanel()
 
 QDialog *ZELKAboutPanel::load(QWidget &window) const
 {
-    std::unique_ptr<QWidget> root = ZELKInterfaceLoader::loadInterface(m_bundle, className());
-    label(*root, "icon").setPixmap(m_icon.pixmap(QSize(iconSide, iconSide), window.devicePixelRatio()));
-    QLabel &name = label(*root, "name");
+    QDialog *panel = ZELKInterfaceLoader::loadDialog(m_bundle, className(), window);
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    label(*panel, "icon").setPixmap(m_icon.pixmap(QSize(iconSide, iconSide), window.devicePixelRatio()));
+    QLabel &name = label(*panel, "name");
     name.setText(m_bundle.infoDictionary().string(QStringLiteral("CFBundleName")));
     QFont font = name.font();
     font.setPointSizeF(font.pointSizeF() * 1.6);
     font.setBold(true);
     name.setFont(font);
-    QLabel &version = label(*root, "version");
+    QLabel &version = label(*panel, "version");
     version.setText(
         ZELKFormat(version.text(), {m_bundle.infoDictionary().string(QStringLiteral("CFBundleVersion"))}));
-    QLabel &builtWith = label(*root, "builtWith");
+    QLabel &builtWith = label(*panel, "builtWith");
     builtWith.setText(ZELKFormat(builtWith.text(), {qVersion()}));
-    auto *panel = qobject_cast<QDialog *>(root.release());
-    panel->setParent(&window, Qt::Dialog);
-    panel->setAttribute(Qt::WA_DeleteOnClose);
     return panel;
 }
 
