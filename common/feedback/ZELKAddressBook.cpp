@@ -8,11 +8,12 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <utility>
 #include <vector>
 
 namespace {
 
-constexpr int timeLimit = 1000; // milliseconds, for both questions together at most twice
+constexpr int timeLimit = 500; // milliseconds, of each of the two questions
 
 const QString accounts = QStringLiteral("org.freedesktop.Accounts");
 
@@ -21,7 +22,7 @@ std::optional<QVariant> ask(const QDBusConnection &bus, const QString &path, con
 {
     QDBusMessage question = QDBusMessage::createMethodCall(accounts, path, interface, method);
     question.setArguments(arguments);
-    const QDBusMessage reply = bus.call(question, QDBus::Block, timeLimit / 2);
+    const QDBusMessage reply = bus.call(question, QDBus::Block, timeLimit);
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty())
         return std::nullopt;
     return reply.arguments().constFirst();
@@ -59,7 +60,7 @@ ZELKSystemAddressBook::ZELKSystemAddressBook(const QDBusConnection &systemBus)
 {
 }
 
-std::optional<ZELKAddressCard> ZELKSystemAddressBook::accountsCard() const
+std::optional<ZELKAddressCard> ZELKSystemAddressBook::askAccounts() const
 {
     if (!m_bus.isConnected())
         return std::nullopt;
@@ -80,12 +81,13 @@ std::optional<ZELKAddressCard> ZELKSystemAddressBook::accountsCard() const
 
 ZELKAddressCard ZELKSystemAddressBook::me() const
 {
-    const std::optional<ZELKAddressCard> account = accountsCard();
+    if (!std::exchange(m_wasAsked, true))
+        m_account = askAccounts();
     const std::optional<ZELKAccountEntry> entry = ZELKAccountEntry::ofThisUser();
     const QString email = qEnvironmentVariable("EMAIL");
-    if (!account && !entry && email.isEmpty())
+    if (!m_account && !entry && email.isEmpty())
         throw ZELKAddressBookException(QStringLiteral("nobody knows this user"));
-    ZELKAddressCard card = account.value_or(ZELKAddressCard());
+    ZELKAddressCard card = m_account.value_or(ZELKAddressCard());
     if (card.firstName.isEmpty() && entry)
         card.firstName = entry->fullName;
     if (card.email.isEmpty())

@@ -53,14 +53,16 @@ struct ZELKAccountEntry
 class ZELKSystemAddressBook : public ZELKAddressBook
 {
 public:
-    /// Blocks for at most a second when asked.
     explicit ZELKSystemAddressBook(const QDBusConnection &systemBus);
 
-    /// The full name is the first name: nobody can tell where it is to be divided.
+    /// The full name is the first name: nobody can tell where it is to be divided. Blocks for at most a
+    /// second, and only the first time: what the service said, or that it said nothing, is remembered.
     ZELKAddressCard me() const override;
 
 private:
-    std::optional<ZELKAddressCard> accountsCard() const;
+    std::optional<ZELKAddressCard> askAccounts() const;
 
     QDBusConnection m_bus;
+    mutable bool m_wasAsked = false;
+    mutable std::optional<ZELKAddressCard> m_account;
 };
