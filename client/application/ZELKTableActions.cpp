@@ -121,7 +121,7 @@ void ZELKTableActions::extendToPair()
     m_table.extendSelectionToPair();
 }
 
-/// In whatever order the rows are shown, from the earliest selected entry to the end of the latest.
+/// Between the first selected row and the last one; sorted by summary, there may be earlier and later ones.
 void ZELKTableActions::jumpToSelection()
 {
     m_dateJump.jumpToSelection();
