@@ -1,5 +1,6 @@
 #include "AgentFixture.h"
 #include "BusClient.h"
+#include "BusConnection.h"
 #include "ClockEnvironment.h"
 #include "ZELKFailingSQLitePort.h"
 #include "ZELKLWAAgent.h"
@@ -16,25 +17,6 @@ namespace {
 
 const QString storeName = u"org.zelk.lullwatch._store"_s;
 
-/// A connection that ends with its scope.
-struct Connection
-{
-    explicit Connection(const QString &aName)
-        : name(aName)
-        , bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, aName))
-    {
-    }
-    ~Connection() { close(); }
-    void close()
-    {
-        bus = QDBusConnection(QString());
-        QDBusConnection::disconnectFromBus(name);
-    }
-
-    QString name;
-    QDBusConnection bus;
-};
-
 } // namespace
 
 class TestServices : public QObject
@@ -45,8 +27,8 @@ private Q_SLOTS:
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();
-        m_agentBus = std::make_unique<Connection>(u"agent"_s);
-        m_client = std::make_unique<Connection>(u"client"_s);
+        m_agentBus = std::make_unique<BusConnection>(u"agent"_s);
+        m_client = std::make_unique<BusConnection>(u"client"_s);
         QVERIFY(m_client->bus.isConnected());
     }
     void cleanup()
@@ -212,7 +194,7 @@ private Q_SLOTS:
     {
         ZELKLWAUpdateAnnouncer announcer(m_agentBus->bus);
         const ConsoleLines console;
-        Connection caller(u"caller"_s);
+        BusConnection caller(u"caller"_s);
         const QString callerName = caller.bus.baseService();
         for (const QString &name :
              {storeName, QString(), u"x"_s, u"a.b'"_s, u"org..x"_s, QString(300, u'a') + u".b"_s})
@@ -281,8 +263,8 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<Connection> m_agentBus;
-    std::unique_ptr<Connection> m_client;
+    std::unique_ptr<BusConnection> m_agentBus;
+    std::unique_ptr<BusConnection> m_client;
     std::unique_ptr<ZELKLWAAgent> m_agent;
 };
 

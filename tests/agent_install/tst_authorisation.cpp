@@ -1,3 +1,4 @@
+#include "BusConnection.h"
 #include "BusPeer.h"
 #include "Files.h"
 #include "Rows.h"
@@ -160,14 +161,14 @@ private Q_SLOTS:
         install(place);
         QDBusConnection bus = QDBusConnection::systemBus();
         ZELKAgentRemoval removal(bus, place);
-        QDBusConnection caller = QDBusConnection::connectToBus(QDBusConnection::SystemBus, u"caller"_s);
+        const BusConnection caller(u"caller"_s, QDBusConnection::SystemBus);
         AnsweringObject service(removing(removal));
         QVERIFY(bus.registerVirtualObject(u"/removal"_s, &service));
         QDBusMessage call = QDBusMessage::createMethodCall(bus.baseService(), u"/removal"_s, QString(),
                                                            u"removeAgentFiles"_s);
         const auto request = [&](const QByteArray &form) {
             call.setArguments({form});
-            return std::make_unique<QDBusPendingCallWatcher>(caller.asyncCall(call));
+            return std::make_unique<QDBusPendingCallWatcher>(caller.bus.asyncCall(call));
         };
         QTest::ignoreMessage(QtInfoMsg,
                              "The agent's files are not removed: not the form of an authorization.");
@@ -193,7 +194,6 @@ private Q_SLOTS:
         const auto late = request(ownForm().encode());
         QTRY_VERIFY_WITH_TIMEOUT(late->isFinished(), 2000);
         QCOMPARE(QDBusReply<bool>(late->reply()).value(), false);
-        QDBusConnection::disconnectFromBus(u"caller"_s);
     }
 
 private:

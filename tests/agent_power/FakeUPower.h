@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QDBusConnection>
+#include "BusConnection.h"
+
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
@@ -16,12 +17,7 @@ using namespace Qt::StringLiterals;
 class FakeUPower : public QDBusVirtualObject
 {
 public:
-    FakeUPower()
-        : m_bus(QDBusConnection::connectToBus(QDBusConnection::SystemBus, u"upower"_s))
-    {
-        m_bus.registerVirtualObject(daemonPath(), this, QDBusConnection::SubPath);
-    }
-    ~FakeUPower() override { QDBusConnection::disconnectFromBus(u"upower"_s); }
+    FakeUPower() { m_bus.registerVirtualObject(daemonPath(), this, QDBusConnection::SubPath); }
 
     QMap<QString, QVariantMap> devices; ///< by object path
     bool answersNonsense = false;
@@ -73,5 +69,6 @@ private:
         return QVariant::fromValue(list);
     }
 
-    QDBusConnection m_bus;
+    BusConnection m_connection{u"upower"_s, QDBusConnection::SystemBus};
+    QDBusConnection &m_bus = m_connection.bus;
 };

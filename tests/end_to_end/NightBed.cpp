@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr char agentSession[] = "agent's session";
-constexpr char agentSystem[] = "agent's system";
 const QString batteryPath = u"/org/freedesktop/UPower/devices/battery_BAT0"_s;
 const QString mainsPath = u"/org/freedesktop/UPower/devices/line_power_AC"_s;
 constexpr char readings[] = "event = 'Power state changed'";
@@ -32,21 +30,9 @@ QTime timeOfDay(const char *time)
 } // namespace
 
 NightAgent::NightAgent(const ZELKLWAOptions &options, const ZELKLWAMachine &machine)
+    : agent(std::make_shared<const ZELKBundle>(QCoreApplication::applicationDirPath()),
+            {session.bus, system.bus}, options, machine)
 {
-    const auto connect = [](QDBusConnection::BusType bus, const char *name) {
-        return QDBusConnection::connectToBus(bus, QString::fromLatin1(name));
-    };
-    m_agent.emplace(std::make_shared<const ZELKBundle>(QCoreApplication::applicationDirPath()),
-                    ZELKLWAAgent::Buses{connect(QDBusConnection::SessionBus, agentSession),
-                                        connect(QDBusConnection::SystemBus, agentSystem)},
-                    options, machine);
-}
-
-NightAgent::~NightAgent()
-{
-    m_agent.reset();
-    for (const char *name : {agentSession, agentSystem})
-        QDBusConnection::disconnectFromBus(QString::fromLatin1(name));
 }
 
 NightBed::NightBed(double day)
@@ -98,7 +84,7 @@ void NightBed::shutDown(const char *time)
     moveTo(time);
     if (m_agent) {
         isRecorded([this] { m_logind.prepareForShutdown(true); });
-        (*m_agent)->terminate();
+        m_agent->agent.terminate();
         m_agent.reset();
     }
     account(RUN_LVL, "shutdown");
@@ -115,7 +101,7 @@ void NightBed::startAgent(const char *time)
     moveTo(time);
     const int before = records(readings);
     m_agent.emplace(m_options, m_machine);
-    if (!(*m_agent)->start())
+    if (!m_agent->agent.start())
         qFatal("the agent does not start");
     await([&] { return m_logind.locks() > 0 && records(readings) > before && hasReadPast(); });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "BusConnection.h"
 #include "ClockEnvironment.h"
 #include "FakeUPower.h"
 #include "Logind.h"
@@ -15,16 +16,14 @@
 /// 11 March 2025, 17:00 in Berlin.
 inline constexpr double usualDay = 1741708800.0;
 
-/// An agent's life, with connections that end with it as a process's do.
-class NightAgent
+/// An agent's life.
+struct NightAgent
 {
-public:
     NightAgent(const ZELKLWAOptions &options, const ZELKLWAMachine &machine);
-    ~NightAgent();
-    ZELKLWAAgent *operator->() { return &*m_agent; }
 
-private:
-    std::optional<ZELKLWAAgent> m_agent;
+    BusConnection session{u"agent's session"_s};
+    BusConnection system{u"agent's system"_s, QDBusConnection::SystemBus};
+    ZELKLWAAgent agent;
 };
 
 /// A laptop on battery, whose life from 17:00 on the test tells: each thing happens when it is next that time
