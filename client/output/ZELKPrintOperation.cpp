@@ -104,10 +104,13 @@ ZELKOutputWork::State ZELKPrintOperation::handOver()
 /// Qt does not tell why it could not write to the file. What had no room a moment ago has none now.
 QString ZELKPrintOperation::reasonOfDocument() const
 {
-    constexpr qsizetype roomy = 65536;
-    const bool hasRoom = m_document->seek(m_document->size()) &&
-                         m_document->write(QByteArray(roomy, ' ')) == roomy && m_document->flush();
-    return hasRoom ? ZELKPosixFile::errorText(EIO) : m_document->errorString();
+    const QByteArray more(65536, ' ');
+    const qint64 end = m_document->size();
+    const qint64 done = ZELKPosixFile::writeAll(
+        more.constData(), more.size(), [&](const char *bytes, std::size_t count, qint64 offset) {
+            return ::pwrite(m_document->handle(), bytes, count, end + offset);
+        });
+    return ZELKPosixFile::errorText(done < more.size() ? errno : EIO);
 }
 
 /// Of a printer nothing is known.

@@ -171,6 +171,10 @@ private Q_SLOTS:
         QTRY_VERIFY(bed.sheet());
         QCOMPARE(bed.sheet()->findChild<QProgressBar *>()->value(), 900);
         QVERIFY(bed.sheet()->findChild<QLabel *>()->text().contains(u"pipe.txt"_s));
+        bed.sheet()->setCancellable(false);
+        bed.sheet()->reject();
+        QVERIFY(bed.sheet()->isVisible());
+        QTRY_VERIFY(bed.sheet()->findChild<QPushButton *>()->isEnabled()); // a pipe can be given up
         bed.sheet()->findChild<QPushButton *>()->click();
         QVERIFY(!bed.controller.isExporting() && bed.alerts.isEmpty());
         QTRY_VERIFY(!bed.sheet());
