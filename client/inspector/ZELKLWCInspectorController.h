@@ -10,6 +10,7 @@
 class ZELKLWCDateRangeController;
 class ZELKLWCInspectorWindow;
 class ZELKLWCLog;
+class ZELKLWCLogEntry;
 class ZELKLWCLogTableController;
 class ZELKNotificationQueue;
 class ZELKUserDefaults;
@@ -86,7 +87,11 @@ private:
     };
     using Parts = std::vector<Part>;
 
-    Parts parts() const;
+    using Entries = QList<ZELKLWCLogEntry *>;
+
+    static Parts partsOf(const Entries &selected);
+    void show(Parts parts);
+    bool isStillShown(const Entries &selected) const;
     bool isShown(const Parts &parts) const;
     bool hasSameSelection(const Parts &parts) const;
     void bindVisible();

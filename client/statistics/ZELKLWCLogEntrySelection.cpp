@@ -75,6 +75,7 @@ void ZELKLWCLogEntrySelection::compute(const Entries &entries)
     m_sleepCosts = statistics.sleepCosts();
     present();
     presentSleeps(*last);
+    noteBasis(*last);
 }
 
 void ZELKLWCLogEntrySelection::present()
@@ -97,6 +98,14 @@ void ZELKLWCLogEntrySelection::presentSleeps(const ZELKLWCLogEntry &entry)
                                  [](const auto &battery) { return battery.name() == sleepsKey; });
     if (m_showsSleeps)
         setAttributeValue(QVariant::fromValue(m_sleepCosts.infoDictionary()), sleepsKey);
+}
+
+void ZELKLWCLogEntrySelection::noteBasis(const ZELKLWCLogEntry &last)
+{
+    m_basis.reset();
+    const ZELKLWCLog *log = last.arena().log();
+    if (log && m_duration->endDate() <= ZELKEnvironment::current().clock->now())
+        m_basis.emplace(*log, last.date());
 }
 
 void ZELKLWCLogEntrySelection::addPowerStatusEvent(const ZELKLWCLogEntryPowerStatus &entry,
