@@ -14,7 +14,7 @@ ZELKLWCStore::World storeWorld(const ZELKApplicationSettings &settings,
     ZELKLWCStore::World store{settings.bundle, world.sqlite, world.bus, settings.cacheFile()};
     if (world.systemBus)
         store.systemBus = *world.systemBus;
-    store.servesUpdates = world.servesUpdates;
+    store.servesUpdates = world.servesBus;
     store.setsDamagedAside = world.setsDamagedAside;
     return store;
 }
@@ -42,6 +42,7 @@ ZELKApplicationWiring::World ZELKApplicationWiring::World::withoutAgent()
 ZELKApplicationWiring::ZELKApplicationWiring(const ZELKApplicationSettings &settings, const World &world)
     : m_settings(settings)
     , m_bus(world.bus)
+    , m_servesBus(world.servesBus)
     , m_applicationsMenu(world.applicationsMenu)
     , m_defaults(settings.defaultsFile())
     , m_dateRange(m_defaults)

@@ -28,10 +28,12 @@ public:
         ZELKAgentPorts ports;
         QDBusConnection bus;
         std::shared_ptr<ZELKSQLitePort> sqlite;
-        /// As the store's world has them.
-        bool servesUpdates = true;
+        /// Whether this run is found on the bus: by the agent, which tells of updates, and by scripts. A run
+        /// that ends by itself is not: it would keep their names from a window that stays.
+        bool servesBus = true;
+        /// As the store's world has it.
         bool setsDamagedAside = true;
-        /// Where a job of the system is watched for; nothing where it is not.
+        /// The system's bus: a job of the system is watched for there. Nothing for a run without one.
         std::optional<QDBusConnection> systemBus = {};
         /// The desktop's applications menu, where this run may offer to come into it.
         std::optional<ZELKApplicationsMenu::Folders> applicationsMenu = {};
@@ -63,6 +65,7 @@ public:
     const ZELKApplicationSettings &settings() const { return m_settings; }
     /// Where services of the application stand.
     const QDBusConnection &bus() const { return m_bus; }
+    bool servesBus() const { return m_servesBus; }
     const std::optional<ZELKApplicationsMenu::Folders> &applicationsMenu() const
     {
         return m_applicationsMenu;
@@ -87,6 +90,7 @@ private:
 
     ZELKApplicationSettings m_settings;
     QDBusConnection m_bus;
+    bool m_servesBus;
     std::optional<ZELKApplicationsMenu::Folders> m_applicationsMenu;
     ZELKUserDefaults m_defaults;
     ZELKLWCDateRangeController m_dateRange;

@@ -97,13 +97,12 @@ bool ZELKCommandLine::usesAgent() const
     return m_settings.knowsAgent() && (m_settings.databaseFile.isEmpty() || m_options.startsAgent);
 }
 
-/// The agent's call-backs are for a window, which may be opened meanwhile; and who only reads leaves a
-/// damaged file as it is.
+/// Who only reads leaves a damaged file as it is.
 ZELKApplicationWiring::World ZELKCommandLine::world() const
 {
     auto world = usesAgent() ? ZELKApplicationWiring::World::real(m_settings)
                              : ZELKApplicationWiring::World::withoutAgent();
-    world.servesUpdates = false;
+    world.servesBus = false;
     world.setsDamagedAside = usesAgent();
     return world;
 }

@@ -18,11 +18,12 @@ ZELKSliceWiring::ZELKSliceWiring(QMainWindow &window, ZELKApplicationWiring &wir
     ZELKLWClientAppDelegate &delegate = wiring.delegate();
     delegate.setVisibleSlice(&m_slice);
     const ZELKBundle &bundle = *wiring.settings().bundle;
-    m_scripting.emplace(
-        wiring.bus(), bundle.bundleIdentifier(),
-        ZELKScriptObjects::Subject{
-            bundle.infoDictionary().string(QStringLiteral("CFBundleVersion")), wiring.log(), m_slice,
-            [&delegate](const QString &key) { return delegate.applicationDelegateHandlesKey(key); }});
+    if (wiring.servesBus())
+        m_scripting.emplace(
+            wiring.bus(), bundle.bundleIdentifier(),
+            ZELKScriptObjects::Subject{
+                bundle.infoDictionary().string(QStringLiteral("CFBundleVersion")), wiring.log(), m_slice,
+                [&delegate](const QString &key) { return delegate.applicationDelegateHandlesKey(key); }});
     auto *jump = ZELKMainWindowInterface::outlet<QAction>(window, "actionJumpToDate");
     const auto validate = [this, jump] {
         jump->setEnabled(m_dateJump.validateMenuItem(ZELKLWCDateJumpController::MenuItem::Show));

@@ -25,5 +25,5 @@ private:
     ZELKApplicationWiring &m_wiring;
     ZELKLWCLogSlice m_slice;
     ZELKLWCDateJumpController m_dateJump;
-    std::optional<ZELKScriptingService> m_scripting;
+    std::optional<ZELKScriptingService> m_scripting; // of a run that serves
 };

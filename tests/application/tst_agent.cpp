@@ -148,6 +148,22 @@ private Q_SLOTS:
         QTRY_COMPARE(agent.state(), int(ZELKAgentController::NotInstalled));
     }
 
+    /// Scripts would reach a window that is soon gone, and a real one would wait for the name.
+    void commandsAreNotOnTheBus()
+    {
+        const QDBusConnection bus = QDBusConnection::sessionBus();
+        QDBusServiceWatcher watcher(u"org.zelk.lullwatch"_s, bus);
+        const QSignalSpy changes(&watcher, &QDBusServiceWatcher::serviceOwnerChanged);
+        const QTemporaryDir folder;
+        QProcess snapshot;
+        snapshot.start(QStringLiteral(LULLWATCH), {u"snapshot"_s, u"--picture"_s, folder.filePath(u"x"_s)});
+        QTRY_COMPARE_WITH_TIMEOUT(snapshot.state(), QProcess::NotRunning, 20000);
+        QCOMPARE(snapshot.exitCode(), 0);
+        begin();
+        QTRY_COMPARE(changes.count(), 1); // this window's, and none before
+        end();
+    }
+
     /// The program itself with the agent of the build, on a bus of its own and without systemd.
     void theCommandStartsAndRemovesIt()
     {
