@@ -33,6 +33,8 @@
 #include <QSplitter>
 #include <QStackedWidget>
 
+#include <utility>
+
 namespace {
 
 using ZELKMainWindowInterface::text;
@@ -61,13 +63,28 @@ Type *ZELKLWCMainWindowController::outlet(const char *name) const
     return ZELKMainWindowInterface::outlet<Type>(*m_window, name);
 }
 
+ZELKLWCMainWindowController::Parts::~Parts()
+{
+    while (!made.empty())
+        made.pop_back();
+}
+
+template <typename Part, typename... Outlets>
+Part *ZELKLWCMainWindowController::makePart(Outlets &&...outlets)
+{
+    auto part = std::make_unique<Part>(*m_window, std::forward<Outlets>(outlets)...);
+    Part *made = part.get();
+    m_parts.made.push_back(std::move(part));
+    return made;
+}
+
 ZELKLWCMainWindowController::ZELKLWCMainWindowController(ZELKApplicationWiring &wiring, QObject *parent)
     : QObject(parent)
     , m_wiring(wiring)
     , m_window(loadWindow(*wiring.settings().bundle))
     , m_table(*m_window, wiring)
-    , m_emptyPage(new ZELKEmptyPage(*m_window))
-    , m_state(new ZELKWindowState(*m_window, *m_table.view().horizontalHeader(), wiring.defaults()))
+    , m_emptyPage(makePart<ZELKEmptyPage>())
+    , m_state(makePart<ZELKWindowState>(*m_table.view().horizontalHeader(), wiring.defaults()))
 {
     makeParts();
     follow();
@@ -87,27 +104,26 @@ ZELKLWCMainWindowController::~ZELKLWCMainWindowController()
     m_wiring.delegate().setWelcomeController(nullptr);
 }
 
-/// The window owns them all.
 void ZELKLWCMainWindowController::makeParts()
 {
     const ZELKBundle &bundle = *m_wiring.settings().bundle;
-    auto *toolBar = new ZELKToolBar(*m_window, bundle);
-    new ZELKRangeControls(*m_window, bundle, m_wiring.dateRange(), m_wiring.log());
-    new ZELKAgentControls(*m_window, m_wiring);
-    new ZELKHelpMenu(*m_window, m_wiring); // before the main menu, which shows all hints
-    new ZELKMainMenu(*m_window, m_wiring);
-    m_inspector = new ZELKInspectorWiring(*m_window, m_wiring, m_table);
+    auto *toolBar = makePart<ZELKToolBar>(bundle);
+    makePart<ZELKRangeControls>(bundle, m_wiring.dateRange(), m_wiring.log());
+    makePart<ZELKAgentControls>(m_wiring);
+    makePart<ZELKHelpMenu>(m_wiring); // before the main menu, which shows all hints
+    makePart<ZELKMainMenu>(m_wiring);
+    m_inspector = makePart<ZELKInspectorWiring>(m_wiring, m_table);
     toolBar->fill();
     new ZELKSplitterKeys(*outlet<QSplitter>("parts"), text("splitter"));
     orderTabs(toolBar->controls());
-    auto *slice = new ZELKSliceWiring(*m_window, m_wiring, m_table.controller());
-    new ZELKTableActions(*m_window, m_table.controller(), m_table.view(), slice->dateJump());
-    new ZELKExportActions(*m_window, m_wiring);
-    new ZELKPrintActions(*m_window, m_wiring.dateRange(), m_table.controller(), m_table.view());
-    new ZELKSearchControls(*m_window, m_table.controller(), m_table.view(), m_wiring.log());
+    auto *slice = makePart<ZELKSliceWiring>(m_wiring, m_table.controller());
+    makePart<ZELKTableActions>(m_table.controller(), m_table.view(), slice->dateJump());
+    makePart<ZELKExportActions>(m_wiring);
+    makePart<ZELKPrintActions>(m_wiring.dateRange(), m_table.controller(), m_table.view());
+    makePart<ZELKSearchControls>(m_table.controller(), m_table.view(), m_wiring.log());
     connectGraph();
-    m_statusLine = new ZELKStatusLine(*m_window, m_wiring);
-    const auto *look = new ZELKWindowLook(*m_window);
+    m_statusLine = makePart<ZELKStatusLine>(m_wiring);
+    const auto *look = makePart<ZELKWindowLook>();
     connect(look, &ZELKWindowLook::measured, this, [this] { zelkGuard([this] { fitFont(); }); });
 }
 

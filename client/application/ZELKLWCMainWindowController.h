@@ -6,6 +6,7 @@
 #include <QObject>
 
 #include <memory>
+#include <vector>
 
 class QMainWindow;
 class ZELKApplicationWiring;
@@ -42,6 +43,16 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    /// They end from the last to the first, and all before the table and the window's widgets, which they
+    /// use: a window that only has them as children deletes its widgets first.
+    struct Parts
+    {
+        ~Parts();
+        std::vector<std::unique_ptr<QObject>> made;
+    };
+
+    template <typename Part, typename... Outlets>
+    Part *makePart(Outlets &&...outlets);
     void makeParts();
     void connectGraph();
     void orderTabs(QList<QWidget *> controls) const;
@@ -57,11 +68,11 @@ private:
     ZELKApplicationWiring &m_wiring;
     std::unique_ptr<QMainWindow> m_window;
     ZELKLogTable m_table;
-    // Owned by the window.
+    Parts m_parts;
     ZELKEmptyPage *m_emptyPage;
-    ZELKLWCWelcomeController *m_welcome = nullptr;
-    ZELKStatusLine *m_statusLine = nullptr;
     ZELKWindowState *m_state;
+    ZELKStatusLine *m_statusLine = nullptr;
     ZELKInspectorWiring *m_inspector = nullptr;
+    ZELKLWCWelcomeController *m_welcome = nullptr; // owned by the graph
     bool m_hasFinishedLaunching = false;
 };
