@@ -2,8 +2,8 @@
 
 #include "ZELKEnvironment.h"
 #include "ZELKInspectorWiring.h"
-#include "ZELKInterfaceLoader.h"
 #include "ZELKLWCEntriesView.h"
+#include "ZELKMainWindowInterface.h"
 #include "ZELKSampleLog.h"
 #include "ZELKWindowSession.h"
 
@@ -108,8 +108,7 @@ private:
     template <typename Type>
     Type &find(const char *name) const
     {
-        return *ZELKInterfaceLoader::outlet<Type>(m_window, QStringLiteral("ZELKLWCMainWindowController"),
-                                                  name);
+        return *ZELKMainWindowInterface::outlet<Type>(m_window, name);
     }
     /// Until nothing is left that waits for an idle moment; nobody tells of that.
     static void settle()
