@@ -16,7 +16,7 @@ inline QString className()
 /// A text of the window's own table.
 inline QString text(const char *topic)
 {
-    return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
+    return ZELKInterfaceLoader::textOfTopic(className(), topic);
 }
 
 /// As people here write it.

@@ -3,11 +3,11 @@
 #include "ZELKAssertion.h"
 #include "ZELKBundle.h"
 #include "ZELKInterfaceLoader.h"
+#include "ZELKMessage.h"
 
 #include <QAction>
 #include <QDesktopServices>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPointer>
 #include <QUrl>
 
@@ -18,8 +18,7 @@ namespace {
 
 QString text(const char *topic)
 {
-    const QString className = QStringLiteral("ZELKApplicationExtras");
-    return ZELKInterfaceLoader::text(className, ZELKFormat("%@.%s", {className, topic}));
+    return ZELKInterfaceLoader::textOfTopic(QStringLiteral("ZELKApplicationExtras"), topic);
 }
 
 /// What stands first behind the first separator; null for the end.
@@ -107,11 +106,5 @@ void ZELKApplicationExtras::tellUpdates(QWidget &window, const ZELKUpdateCheck::
         message = ZELKFormat(text("updates.newer"), {name, answer.version});
         informative = ZELKFormat(text("updates.newer.informative"), {version, answer.source});
     }
-    auto *box = new QMessageBox(QMessageBox::Information, name, message, QMessageBox::Ok, &window);
-    box->setObjectName(QStringLiteral("updates"));
-    box->setTextFormat(Qt::PlainText);
-    box->setInformativeText(informative);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setWindowModality(Qt::WindowModal);
-    box->open();
+    ZELKMessage::open(window, QMessageBox::Information, message, informative);
 }

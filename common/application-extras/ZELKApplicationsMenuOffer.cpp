@@ -2,11 +2,11 @@
 
 #include "ZELKAssertion.h"
 #include "ZELKInterfaceLoader.h"
+#include "ZELKMessage.h"
 #include "ZELKUserDefaults.h"
 
 #include <QCheckBox>
 #include <QDir>
-#include <QMessageBox>
 #include <QPushButton>
 
 #include <utility>
@@ -15,19 +15,7 @@ namespace {
 
 QString text(const char *topic)
 {
-    const QString className = QStringLiteral("ZELKApplicationsMenuOffer");
-    return ZELKInterfaceLoader::text(className, ZELKFormat("%@.%s", {className, topic}));
-}
-
-QMessageBox *makeSheet(QWidget &window, QMessageBox::Icon icon, const QString &message,
-                       const QString &informative)
-{
-    auto *box = new QMessageBox(icon, window.windowTitle(), message, QMessageBox::NoButton, &window);
-    box->setTextFormat(Qt::PlainText);
-    box->setInformativeText(informative);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setWindowModality(Qt::WindowModal);
-    return box;
+    return ZELKInterfaceLoader::textOfTopic(QStringLiteral("ZELKApplicationsMenuOffer"), topic);
 }
 
 } // namespace
@@ -42,7 +30,7 @@ void ZELKApplicationsMenuOffer::offer(QWidget &window)
 {
     if (m_defaults.boolForKey(QString::fromLatin1(suppressKey)) || m_world.menu.starts(m_world.application))
         return;
-    QMessageBox *box = makeSheet(
+    QMessageBox *box = ZELKMessage::make(
         window, QMessageBox::Question, ZELKFormat(text("message"), {m_world.application.name}),
         ZELKFormat(text("informative"), {QDir::toNativeSeparators(m_world.application.executable)}));
     auto *suppress = new QCheckBox(text("suppress"), box);
@@ -67,10 +55,8 @@ void ZELKApplicationsMenuOffer::answered(QWidget &window, const QMessageBox &box
 void ZELKApplicationsMenuOffer::add(QWidget &window)
 {
     if (const auto failure = m_world.menu.add(m_world.application)) {
-        QMessageBox *box = makeSheet(window, QMessageBox::Warning,
-                                     ZELKFormat(text("failed"), {m_world.application.name}), *failure);
-        box->addButton(QMessageBox::Ok);
-        box->open();
+        ZELKMessage::open(window, QMessageBox::Warning,
+                          ZELKFormat(text("failed"), {m_world.application.name}), *failure);
         return;
     }
     tellAdded(window);
@@ -79,8 +65,8 @@ void ZELKApplicationsMenuOffer::add(QWidget &window)
 void ZELKApplicationsMenuOffer::tellAdded(QWidget &window)
 {
     QMessageBox *box =
-        makeSheet(window, QMessageBox::Information, ZELKFormat(text("added"), {m_world.application.name}),
-                  text("added.informative"));
+        ZELKMessage::make(window, QMessageBox::Information,
+                          ZELKFormat(text("added"), {m_world.application.name}), text("added.informative"));
     QPushButton *again = box->addButton(text("startAgain"), QMessageBox::AcceptRole);
     QPushButton *goOn = box->addButton(text("goOn"), QMessageBox::RejectRole);
     box->setDefaultButton(goOn);
@@ -101,7 +87,5 @@ void ZELKApplicationsMenuOffer::startAgain(QWidget &window)
         m_world.quit();
         return;
     }
-    QMessageBox *box = makeSheet(window, QMessageBox::Warning, text("notStarted"), QString());
-    box->addButton(QMessageBox::Ok);
-    box->open();
+    ZELKMessage::open(window, QMessageBox::Warning, text("notStarted"), QString());
 }

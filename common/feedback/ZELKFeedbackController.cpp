@@ -31,7 +31,7 @@ QString className()
 
 QString text(const char *topic)
 {
-    return ZELKInterfaceLoader::text(className(), ZELKFormat("%@.%s", {className(), topic}));
+    return ZELKInterfaceLoader::textOfTopic(className(), topic);
 }
 
 template <typename Type>

@@ -87,6 +87,11 @@ QString ZELKInterfaceLoader::text(const QString &className, const QString &key)
     return ZELKEnvironment::current().mainBundle->localizedStringForKey(key, {}, className);
 }
 
+QString ZELKInterfaceLoader::textOfTopic(const QString &className, const char *topic)
+{
+    return text(className, ZELKFormat("%@.%s", {className, topic}));
+}
+
 void ZELKInterfaceLoader::failUnconnected(const QString &className, const char *name)
 {
     ZELKAssertion::fail(QStringLiteral("client/") + className, 0,

@@ -61,6 +61,8 @@ public:
                                const Widgets &widgets = {});
     /// The text of `key` in the table that belongs to the class.
     static QString text(const QString &className, const QString &key);
+    /// The same for a key that begins with the class's name, as those of interface files do: "%@.%s".
+    static QString textOfTopic(const QString &className, const char *topic);
 
     /// The object of that name; one that is missing raises "%@ %@ is not connected.".
     template <typename Type>

@@ -279,7 +279,7 @@ private Q_SLOTS:
         QCOMPARE(texts,
                  (QStringList{u"first"_s, QString(), menu.actions().at(2)->text(), u"Website"_s, u"last"_s}));
         menu.actions().at(2)->trigger();
-        const auto *told = bed.window.findChild<QMessageBox *>(u"updates"_s);
+        const auto *told = bed.window.findChild<QMessageBox *>();
         QVERIFY(told && told->isVisible());
 
         ZELKApplicationExtras real = bed.extras();
