@@ -264,10 +264,12 @@ private Q_SLOTS:
         QCOMPARE(window.findChild<QLabel *>(u"stateLabel"_s)->toolTip(),
                  Qt::convertFromPlainText(u"Recording agent, version "_s + AgentBed::version()));
         // Its files stay, though the job goes: told all the same.
-        Q_EMIT agent.errorPresented(ZELKAgentError::withCode(ZELKAgentError::FilesNotRemoved, u"busy"_s));
+        Q_EMIT agent.errorPresented(ZELKAgentError::withCode(ZELKAgentError::FilesNotRemoved, u"<b>busy"_s));
         const auto *box = window.findChild<QMessageBox *>();
-        QVERIFY(box && box->text().contains("files could not be deleted"_L1));
-        QCOMPARE(box->informativeText(), u"busy"_s);
+        QVERIFY(box && box->isVisible() && box->text().contains("files could not be deleted"_L1));
+        QCOMPARE(box->windowModality(), Qt::WindowModal); // and nothing waits for it
+        QCOMPARE(box->textFormat(), Qt::PlainText);
+        QCOMPARE(box->informativeText(), u"<b>busy"_s);
     }
 
     void commands_data()

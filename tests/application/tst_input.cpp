@@ -254,6 +254,17 @@ private Q_SLOTS:
         QCOMPARE(parsed.complaint, outcome == Outcome::Wrong ? tag : QString());
         QCOMPARE(parsed.outcome, outcome);
     }
+
+    void rangesArePresets()
+    {
+        const QStringList ranges{u"today"_s,      u"yesterday"_s, u"last-seven-days"_s, u"this-month"_s,
+                                 u"last-month"_s, u"this-week"_s, u"last-week"_s,       u"everything"_s};
+        for (const QString &range : ranges) {
+            const auto parsed =
+                ZELKCommandLineOptions::parse({u"lullwatch"_s, u"list"_s, u"--range"_s, range});
+            QCOMPARE(parsed.options.rangeTag, int(ranges.indexOf(range)) + 1);
+        }
+    }
 };
 
 QTEST_GUILESS_MAIN(InputTest)

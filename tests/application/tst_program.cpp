@@ -3,8 +3,6 @@
 #include "Files.h"
 #include "Program.h"
 #include "Rows.h"
-#include "ZELKCommandLine.h"
-#include "ZELKTextOutput.h"
 #include "ZELKWindowSession.h"
 
 #include <QJsonArray>
@@ -15,12 +13,9 @@
 #include <QMainWindow>
 #include <QSettings>
 #include <QSignalSpy>
-#include <QTemporaryFile>
 #include <QTest>
 
 #include <csignal>
-
-#include <unistd.h>
 
 namespace {
 
@@ -182,31 +177,8 @@ private Q_SLOTS:
                                            lines.last().section(u'\t', 0, 0)),
                      expected);
         }
-    }
-
-    void presets()
-    {
-        const ApplicationFixture fixture;
-        const ZELKApplicationSettings settings = fixture.settings();
-        {
-            ZELKApplicationWiring wiring(settings, ZELKApplicationWiring::World::withoutAgent());
-            QVERIFY(wiring.store().cacheEvents(eventEachDay(QDate(2024, 1, 15), QDate(2024, 3, 31))));
-        }
-        const std::pair<QString, int> counts[] = {
-            {u"today"_s, 1},       {u"yesterday"_s, 1}, {u"last-seven-days"_s, 7}, {u"this-month"_s, 31},
-            {u"last-month"_s, 29}, {u"this-week"_s, 7}, {u"last-week"_s, 7},       {u"everything"_s, 77}};
-        for (const auto &[range, count] : counts) {
-            QTemporaryFile file;
-            QVERIFY(file.open());
-            ZELKTextOutput output(file.handle());
-            ZELKTextOutput complaints(STDERR_FILENO);
-            const auto parsed = ZELKCommandLineOptions::parse(
-                {u"lullwatch"_s, u"list"_s, u"--format"_s, u"tsv"_s, u"--range"_s, range});
-            QCOMPARE(ZELKCommandLine(settings, parsed.options, output, complaints).run(), 0);
-            QVERIFY(file.seek(0));
-            QCOMPARE(int(file.readAll().count('\n')), count);
-        }
-        QVERIFY(!QFile::exists(settings.defaultsFile()));
+        QVERIFY(program.run("list --range yesterday").output.endsWith("\n0 of 240 entries\n"_L1));
+        QVERIFY(!QFile::exists(program.path(u"org.zelk.lullwatch/defaults.ini"_s))); // no window's range
     }
 
     void statistics()

@@ -5,7 +5,6 @@
 #include <QAbstractItemModelTester>
 #include <QHeaderView>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSplitter>
@@ -121,22 +120,6 @@ private Q_SLOTS:
         QTRY_COMPARE(button.text(), u"Start Recording…"_s);
         // That monitoring stopped is an event itself.
         QTRY_COMPARE(session.rows(), 78);
-    }
-
-    void showsErrorsWithoutWaiting()
-    {
-        const ApplicationFixture fixture;
-        fixture.workspace->launchesByIdentifier = false;
-        fixture.workspace->launchError = ZELKAgentError(u"test"_s, 1, u"<b>It</b> will not"_s, u"because"_s);
-        const Session session(fixture);
-        session.find<QPushButton>("startStopButton").click();
-        answerSheet(session.window, 1);
-        const auto *box = session.window.findChild<QMessageBox *>();
-        QVERIFY(box && box->isVisible());
-        QCOMPARE(box->windowModality(), Qt::WindowModal);
-        QCOMPARE(box->text(), u"<b>It</b> will not"_s);
-        QCOMPARE(box->textFormat(), Qt::PlainText);
-        QCOMPARE(box->informativeText(), u"because"_s);
     }
 
     void profileHasNoAgent()
