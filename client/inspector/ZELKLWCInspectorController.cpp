@@ -217,8 +217,9 @@ void ZELKLWCInspectorController::lookDidChange()
 
 // MARK: contents
 
-ZELKLWCInspectorController::Parts ZELKLWCInspectorController::partsOf(const Entries &selected)
+ZELKLWCInspectorController::Parts ZELKLWCInspectorController::parts() const
 {
+    const QList<ZELKLWCLogEntry *> selected = m_outlets.tableController.selectedObjects();
     if (selected.isEmpty())
         return {};
     const auto selection = std::make_shared<const ZELKLWCLogEntrySelection>(selected);
@@ -229,13 +230,6 @@ ZELKLWCInspectorController::Parts ZELKLWCInspectorController::partsOf(const Entr
         if (const QVariant value = selection->attributeForKey(key); value.isValid())
             parts.push_back({key, value, key});
     return parts;
-}
-
-/// Where nothing arrived that changes their statistics; to compute them anew is a walk over all of them.
-bool ZELKLWCInspectorController::isStillShown(const Entries &selected) const
-{
-    const auto shown = m_shown.empty() ? nullptr : ZELKInspectorValue::selection(m_shown.front().value);
-    return m_isUpToDate && shown && shown->isCurrent() && shown->selection() == selected;
 }
 
 /// What is shown already stays as it is, with what the user may have selected in it.
@@ -257,35 +251,28 @@ bool ZELKLWCInspectorController::hasSameSelection(const Parts &parts) const
 
 void ZELKLWCInspectorController::updateContents()
 {
-    const Entries selected = m_outlets.tableController.selectedObjects();
-    if (!isStillShown(selected))
-        show(partsOf(selected));
-    Q_EMIT didUpdateContents();
-}
-
-void ZELKLWCInspectorController::show(Parts parts)
-{
     using SubViewController = ZELKLWCInspectorSubViewController;
-    if (isShown(parts)) {
-        m_shown = std::move(parts); // whose statistics are newer, though the same
-        return;
+    Parts wanted = parts();
+    if (!isShown(wanted)) {
+        const int position = hasSameSelection(wanted) ? inspectorWindow().scrollPosition() : 0;
+        const bool hasKeys = inspectorWindow().isAncestorOf(QApplication::focusWidget());
+        removeAllSubViewControllers();
+        if (wanted.empty())
+            addSubViewController(
+                SubViewController::inspectorSubViewControllerWithMessage(text("No Selection")));
+        for (const Part &part : wanted) {
+            addSubViewController(SubViewController::inspectorSubViewControllerWithLabel(part.label));
+            addSubViewController(
+                SubViewController::inspectorSubViewControllerWithAttributeValue(part.value, part.key));
+        }
+        m_shown = std::move(wanted);
+        m_isUpToDate = true;
+        layoutSubViewControllers();
+        if (hasKeys)
+            inspectorWindow().takeKeys();
+        inspectorWindow().setScrollPosition(position);
     }
-    const int position = hasSameSelection(parts) ? inspectorWindow().scrollPosition() : 0;
-    const bool hasKeys = inspectorWindow().isAncestorOf(QApplication::focusWidget());
-    removeAllSubViewControllers();
-    if (parts.empty())
-        addSubViewController(SubViewController::inspectorSubViewControllerWithMessage(text("No Selection")));
-    for (const Part &part : parts) {
-        addSubViewController(SubViewController::inspectorSubViewControllerWithLabel(part.label));
-        addSubViewController(
-            SubViewController::inspectorSubViewControllerWithAttributeValue(part.value, part.key));
-    }
-    m_shown = std::move(parts);
-    m_isUpToDate = true;
-    layoutSubViewControllers();
-    if (hasKeys)
-        inspectorWindow().takeKeys();
-    inspectorWindow().setScrollPosition(position);
+    Q_EMIT didUpdateContents();
 }
 
 void ZELKLWCInspectorController::addSubViewController(ZELKLWCInspectorSubViewController::Pointer controller)

@@ -10,7 +10,6 @@
 class ZELKLWCDateRangeController;
 class ZELKLWCInspectorWindow;
 class ZELKLWCLog;
-class ZELKLWCLogEntry;
 class ZELKLWCLogTableController;
 class ZELKNotificationQueue;
 class ZELKUserDefaults;
@@ -87,11 +86,7 @@ private:
     };
     using Parts = std::vector<Part>;
 
-    using Entries = QList<ZELKLWCLogEntry *>;
-
-    static Parts partsOf(const Entries &selected);
-    void show(Parts parts);
-    bool isStillShown(const Entries &selected) const;
+    Parts parts() const;
     bool isShown(const Parts &parts) const;
     bool hasSameSelection(const Parts &parts) const;
     void bindVisible();

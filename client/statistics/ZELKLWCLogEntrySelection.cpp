@@ -75,7 +75,6 @@ void ZELKLWCLogEntrySelection::compute(const Entries &entries)
     m_sleepCosts = statistics.sleepCosts();
     present();
     presentSleeps(*last);
-    noteBasis(*last);
 }
 
 void ZELKLWCLogEntrySelection::present()
@@ -98,14 +97,6 @@ void ZELKLWCLogEntrySelection::presentSleeps(const ZELKLWCLogEntry &entry)
                                  [](const auto &battery) { return battery.name() == sleepsKey; });
     if (m_showsSleeps)
         setAttributeValue(QVariant::fromValue(m_sleepCosts.infoDictionary()), sleepsKey);
-}
-
-void ZELKLWCLogEntrySelection::noteBasis(const ZELKLWCLogEntry &last)
-{
-    m_basis.reset();
-    const ZELKLWCLog *log = last.arena().log();
-    if (log && m_duration->endDate() <= ZELKEnvironment::current().clock->now())
-        m_basis.emplace(*log, last.date());
 }
 
 void ZELKLWCLogEntrySelection::addPowerStatusEvent(const ZELKLWCLogEntryPowerStatus &entry,

@@ -4,7 +4,6 @@
 #include "ZELKLWCAbsoluteDuration.h"
 #include "ZELKLWCBattery.h"
 #include "ZELKSleepCosts.h"
-#include "ZELKStatisticsBasis.h"
 
 #include <QList>
 #include <QStringList>
@@ -76,10 +75,6 @@ public:
     const std::vector<ZELKLWCBattery> &batteries() const { return m_batteries; }
     const ZELKSleepCosts &sleepCosts() const { return m_sleepCosts; }
 
-    /// Whether the statistics would still be the same if they were computed now. Not where they are none, or
-    /// over a time that goes on.
-    bool isCurrent() const { return m_basis && m_basis->holds(); }
-
     /// Whether the sleeps are an attribute: not where there were no batteries, no sleeps, or a battery has
     /// that very name.
     bool showsSleeps() const { return m_showsSleeps; }
@@ -88,7 +83,6 @@ private:
     void compute(const Entries &entries);
     void present();
     void presentSleeps(const ZELKLWCLogEntry &entry);
-    void noteBasis(const ZELKLWCLogEntry &last);
 
     Entries m_selection;
     ZELKDictionary m_summary;
@@ -99,7 +93,6 @@ private:
     std::vector<ZELKLWCBattery> m_batteries;
     ZELKSleepCosts m_sleepCosts;
     bool m_showsSleeps = false;
-    std::optional<ZELKStatisticsBasis> m_basis;
     /// Have the attributes' keys and values, where they are not null.
     ZELKLWCLogEntry *m_keysOf = nullptr;
     ZELKLWCLogEntry *m_valuesOf = nullptr;

@@ -1,6 +1,6 @@
 #include "ZELKSelectionWalk.h"
 
-#include "ZELKStatisticsBasis.h"
+#include "ZELKSleepCostTracker.h"
 
 #include <algorithm>
 
@@ -123,9 +123,9 @@ void ZELKSelectionWalk::findReach(const ZELKLWCLogEntry *low, const ZELKLWCLogEn
     const auto last = m_log->indexOfEntry(high);
     if (!first || !last)
         return;
-    constexpr double reach = ZELKStatisticsBasis::reach;
-    const ZELKDate from = beginning().addingTimeInterval(-reach);
-    const ZELKDate to = m_last->date().addingTimeInterval(reach);
+    constexpr double silence = ZELKSleepCostTracker::longestSilence;
+    const ZELKDate from = beginning().addingTimeInterval(-silence);
+    const ZELKDate to = m_last->date().addingTimeInterval(silence);
     m_from = int(*first);
     m_end = int(*last) + 1;
     while (m_from > 0 && m_log->objectAtIndex(m_from - 1)->date() >= from)
