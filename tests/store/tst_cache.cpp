@@ -304,35 +304,6 @@ private Q_SLOTS:
         QVERIFY(setAside > 10);
     }
 
-    void damageUnderAnOpenStore_data()
-    {
-        const Rows<QByteArray, bool> row;
-        row("place of the table, reading", "rootpage = 77777", true);
-        row("place of the table, writing", "rootpage = 77777", false);
-        row("text of the schema", "sql = 'CREATE TABEL x'", true);
-    }
-    /// Damage that shows only while the file is open, in statements old and new.
-    void damageUnderAnOpenStore()
-    {
-        const auto [damage, isReading] = Rows<QByteArray, bool>::fetch();
-        const QList<ZELKRawEvent> events = history(40);
-        const ConsoleLines console;
-        StoreFixture fixture;
-        QVERIFY(fixture.store->cacheEvents(events));
-        OtherConnection other(fixture.file());
-        other.run("PRAGMA writable_schema = ON");
-        other.run("UPDATE sqlite_schema SET " + damage + " WHERE name = 'events'");
-        other.run("PRAGMA schema_version = 99");
-        if (isReading)
-            zelkGuard([&] { fixture.store->syncWithLocalCache(); });
-        else
-            fixture.store->cacheEvents(events);
-        QCOMPARE(fixture.filesAside().size(), 1);
-        QCOMPARE(console.count("is damaged. It was set aside"), 1);
-        QVERIFY(fixture.store->cacheEvents(events));
-        QCOMPARE(fixture.store->sortedCachedEventsFromDate({}, {}), events);
-    }
-
     /// A program that is killed while it writes leaves whole transactions.
     void killedWhileItWrites()
     {
