@@ -50,25 +50,25 @@ private Q_SLOTS:
     void meetsItsOwnBoot_data()
     {
         const Rows<QList<Record>, QList<Record>, double, QString> row;
-        const QList<Record> crash{{boot, first}, {boot, second}};
-        const QList<Record> orderly{{boot, first}, {shutDown, second - 100.0}, {boot, second}};
-        const char *own = "1700100000.000001 startup";
-        row("after an orderly end", orderly, QList<Record>{{boot, second}}, second - 3.0, own);
-        row("after no end at all", crash, QList<Record>{{boot, second}}, second - 3.0, own);
-        row("the clock was put forward since", crash, QList<Record>{{boot, second}}, second + 9000.0, own);
-        row("the clock was put back since", crash, QList<Record>{{boot, second}}, first - 9000.0, own);
-        row("the file was rotated", QList<Record>{{boot, first}}, QList<Record>{{boot, second}}, second, own);
-        row("no utmp", crash, QList<Record>(), second - 3.0, own);
-        row("no utmp, clock put right a little", crash, QList<Record>(), second + 20.0, own);
-        row("no record of this boot, none of an end before", QList<Record>{{boot, first}}, QList<Record>(),
-            second, "1700100000.000000 startup");
-        row("no record of this boot, an end before", QList<Record>{{boot, first}, {shutDown, second - 9.0}},
-            QList<Record>(), second, "1700100000.000000 startup");
-        row("an end that seems later", QList<Record>{{boot, first}, {shutDown, second + 9.0}},
-            QList<Record>(), second, "1700100009.000001 startup");
-        row("no accounting", QList<Record>(), QList<Record>(), second, "1700100000.000000 startup");
-        row("logins only", QList<Record>{{Accounting::Login, second}}, QList<Record>(), second,
-            "1700100000.000000 startup");
+        const QList<Record> none, before{{boot, first}}, own{{boot, second}}, crash = before + own;
+        const QList<Record> orderly = before + QList<Record>{{shutDown, second - 100.0}} + own;
+        const char *after = "1700100000.000000 accounting boot, 1700100000.000001 startup";
+        const char *alone = "1700100000.000000 startup";
+        row("after an orderly end", orderly, own, second - 3.0, after);
+        row("after no end at all", crash, own, second - 3.0, after);
+        row("the clock was put forward since", crash, own, second + 9000.0, after);
+        row("the clock was put back since", crash, own, first - 9000.0, after);
+        row("the file was rotated", before, own, second, after);
+        row("no utmp", crash, none, second - 3.0, after);
+        row("no utmp, clock put right a little", crash, none, second + 20.0, after);
+        row("no record of this boot, none of an end before", before, none, second,
+            "1700099999.999999 accounting boot, 1700100000.000000 startup");
+        row("no record of this boot, an end before", before + QList<Record>{{shutDown, second - 9.0}}, none,
+            second, alone);
+        row("an end that seems later", before + QList<Record>{{shutDown, second + 9.0}}, none, second,
+            "1700100009.000001 startup");
+        row("no accounting", none, none, second, alone);
+        row("logins only", QList<Record>{{Accounting::Login, second}}, none, second, alone);
     }
     void meetsItsOwnBoot()
     {
@@ -79,7 +79,7 @@ private Q_SLOTS:
         writeFile(computer.places.utmp, accounting(utmp));
         computer.boots(identifier, kernelBoot);
         const std::vector<ZELKLWAEvent> told = computer.told();
-        QCOMPARE(linesOf(told).constLast(), startup);
+        QCOMPARE(linesOf(told).join(u", "_s), startup);
 
         computer.boots(identifier, kernelBoot + 86400.0); // the clock is set, the agent starts again
         QCOMPARE(computer.told(), told);
