@@ -104,86 +104,10 @@ void ZELKLWCLogTableController::coalescedSelectEntryByDate()
         selectRow(*row);
 }
 
-namespace {
-
-/// What a date lies between, among entries that are walked in any order. Of entries of one date the one
-/// walked first is the earlier.
-class Neighbours
-{
-public:
-    explicit Neighbours(ZELKDate date)
-        : m_date(date)
-    {
-    }
-    void meet(ZELKDate date, int row)
-    {
-        if (!first || date < first->date)
-            first = {date, row};
-        if (!last || !(date < last->date))
-            last = {date, row};
-        if (date > m_date && (!after || date < after->date))
-            after = {date, row};
-        if (!(date > m_date) && (!before || !(date < before->date)))
-            before = {date, row};
-    }
-    std::optional<int> nearest() const
-    {
-        if (!first)
-            return std::nullopt;
-        if (first->date > m_date)
-            return first->row;
-        if (last->date < m_date)
-            return last->row;
-        if (!after)
-            return std::nullopt;
-        const bool isAfterFarther =
-            before && after->date.timeIntervalSinceDate(m_date) > m_date.timeIntervalSinceDate(before->date);
-        return isAfterFarther ? before->row : after->row;
-    }
-
-private:
-    struct Met
-    {
-        ZELKDate date;
-        int row = 0;
-    };
-    ZELKDate m_date;
-    std::optional<Met> first;
-    std::optional<Met> last;
-    std::optional<Met> after;
-    std::optional<Met> before;
-};
-
-} // namespace
-
-/// Entries in the order of dates are found by halves; then the two around the date, and the ends, are all
-/// there is to meet.
 std::optional<int> ZELKLWCLogTableController::nearestVisibleEntryToDate(ZELKDate date) const
 {
-    Neighbours neighbours(date);
-    const int count = m_model.rowCount();
-    const auto meet = [&](int row) {
-        if (row >= 0 && row < count)
-            neighbours.meet(m_model.entryAtRow(row)->date(), row);
-    };
-    if (!m_model.arrangement().isByDate()) {
-        for (int row = 0; row < count; ++row)
-            meet(row);
-        return neighbours.nearest();
-    }
-    const bool isFalling = m_model.arrangement().isFalling();
-    const auto rowAt = [&](int place) { return isFalling ? count - 1 - place : place; };
-    int low = 0;
-    for (int high = count; low < high;) {
-        const int middle = low + (high - low) / 2;
-        if (m_model.entryAtRow(rowAt(middle))->after(date))
-            high = middle;
-        else
-            low = middle + 1;
-    }
-    for (const int place : {0, low - 1, low, count - 1})
-        meet(rowAt(place));
-    return neighbours.nearest();
+    const auto nearest = m_model.neighboursOfDate(date).nearest();
+    return nearest ? std::optional(nearest->index) : std::nullopt;
 }
 
 // MARK: data source

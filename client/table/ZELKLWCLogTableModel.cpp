@@ -142,6 +142,14 @@ std::optional<int> ZELKLWCLogTableModel::rowOfEntry(const ZELKLWCLogEntry *entry
     return m_arrangement.rowOfIndex(ZELKEntryArrangement::Index(*index));
 }
 
+ZELKDateNeighbours ZELKLWCLogTableModel::neighboursOfDate(ZELKDate date) const
+{
+    using Order = ZELKDateNeighbours::Order;
+    const Order byDate = m_arrangement.isFalling() ? Order::Falling : Order::Rising;
+    return {date, rowCount(), m_arrangement.isByDate() ? byDate : Order::None,
+            [this](int row) { return entryAtRow(row)->date(); }};
+}
+
 // MARK: arranging
 
 void ZELKLWCLogTableModel::setFilterString(const QString &filterString)

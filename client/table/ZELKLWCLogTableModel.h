@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ZELKAttributedString.h"
+#include "ZELKDateNeighbours.h"
 #include "ZELKEntryArrangement.h"
 
 #include <QAbstractTableModel>
@@ -53,6 +54,8 @@ public:
     ZELKLWCLogEntry *entryAtRow(int row) const;
     /// Nothing for an entry that no row shows.
     std::optional<int> rowOfEntry(const ZELKLWCLogEntry *entry) const;
+    /// Among the rows.
+    ZELKDateNeighbours neighboursOfDate(ZELKDate date) const;
 
 Q_SIGNALS:
     /// Around every reset of the model, which a new filter or sort is: whoever keeps rows by number turns

@@ -1,7 +1,10 @@
 // What every entry can do; which events merge, and what becomes of the duplicates.
 #include "LogFixture.h"
+#include "ZELKDateNeighbours.h"
 #include "ZELKLWCGroupEnumerator.h"
 #include "ZELKLWCLogEntryEnumerator.h"
+
+#include <random>
 
 using namespace Qt::StringLiterals;
 
@@ -264,6 +267,38 @@ private Q_SLOTS:
         QCOMPARE(original->duplicates().size(), 1);
         QCOMPARE(fixture.placeOf(copy), u"elsewhere"_s);
         QCOMPARE(fixture.add(rawEvent(300, sleepEvent))->past(), original);
+    }
+
+    void neighboursOfDates()
+    {
+        using Order = ZELKDateNeighbours::Order;
+        const auto around = [](double date, const QList<double> &dates, Order order) {
+            const ZELKDateNeighbours found(ZELKDate(date), int(dates.size()), order,
+                                           [&](int index) { return ZELKDate(dates.at(index)); });
+            const auto word = [](std::optional<ZELKDate> one) {
+                return one ? QString::number(one->timeIntervalSinceReferenceDate()) : u"-"_s;
+            };
+            const auto nearest = found.nearest();
+            return u"%1 %2 %3"_s.arg(word(found.previous()),
+                                     nearest ? word(nearest->date) + u'#' + QString::number(nearest->index)
+                                             : u"-"_s,
+                                     word(found.next()));
+        };
+        const std::pair<double, QString> expected[] = {
+            {0, u"- 1#1 2"_s},  {1.4, u"- 1#1 2"_s},   {1.5, u"1 2#3 3"_s}, {2, u"1 2#3 3"_s},
+            {5, u"3 5#4 30"_s}, {17.5, u"5 30#0 -"_s}, {30, u"5 - -"_s},    {40, u"5 30#0 -"_s}};
+        for (const auto &[date, words] : expected)
+            QCOMPARE(around(date, {30, 1, 5, 2, 5, 3}, Order::None), words);
+        std::mt19937 random(45); // sorted lists are looked into as they would be walked through
+        for (int round = 0; round < 300; ++round) {
+            QList<double> dates(random() % 9);
+            std::generate(dates.begin(), dates.end(), [&] { return double(random() % 7); });
+            const double date = double(random() % 15) / 2.0 - 0.5;
+            std::sort(dates.begin(), dates.end());
+            QCOMPARE(around(date, dates, Order::Rising), around(date, dates, Order::None));
+            std::reverse(dates.begin(), dates.end());
+            QCOMPARE(around(date, dates, Order::Falling), around(date, dates, Order::None));
+        }
     }
 };
 
