@@ -165,8 +165,9 @@ int Run::runOptions()
     const Options &options = m_parsed.options;
     const ZELKApplicationSettings settings{ZELKEnvironment::current().mainBundle, options.profile,
                                            options.databaseFile};
+    ZELKSampleLog sample(settings);
     if (options.isSample) {
-        if (const auto complaint = ZELKSampleLog::prepare(settings)) {
+        if (const auto complaint = sample.prepare()) {
             complain(*complaint);
             return ZELKCommandLine::failed;
         }

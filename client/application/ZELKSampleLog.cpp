@@ -3,33 +3,25 @@
 #include "ZELKApplicationWiring.h"
 #include "ZELKAssertion.h"
 #include "ZELKCommandLineText.h"
+#include "ZELKDamagedDatabase.h"
 #include "ZELKFileManager.h"
 #include "ZELKLineSource.h"
 #include "ZELKRawEventImport.h"
 
 #include <QCryptographicHash>
-#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
 
-namespace {
+#include <cerrno>
 
-/// Which history the cache was made of.
-QString markOf(const ZELKApplicationSettings &settings)
-{
-    return QFileInfo(settings.cacheFile()).path() + QLatin1String("/imported");
-}
+#include <sys/file.h>
+
+namespace {
 
 QByteArray contentsOf(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void removeCache(const QString &cache)
-{
-    for (const char *suffix : {"", "-wal", "-shm", "-journal"})
-        QFile::remove(cache + QLatin1String(suffix));
 }
 
 bool import(const ZELKApplicationSettings &settings, const QByteArray &lines)
@@ -50,20 +42,46 @@ QString ZELKSampleLog::profile()
     return QStringLiteral("sample");
 }
 
-std::optional<QString> ZELKSampleLog::prepare(const ZELKApplicationSettings &settings)
+ZELKSampleLog::ZELKSampleLog(const ZELKApplicationSettings &settings)
+    : m_settings(settings)
+    , m_folder(QFileInfo(settings.cacheFile()).path())
+    , m_mark(m_folder + QLatin1String("/imported"))
+    , m_lock(m_folder + QLatin1String("/lock"))
 {
-    const QString path =
-        settings.bundle->pathForResource(QStringLiteral("SampleLog"), QStringLiteral("jsonl.z"));
-    const QByteArray packed = contentsOf(path);
-    const QByteArray sum = QCryptographicHash::hash(packed, QCryptographicHash::Sha256).toHex();
-    const QString mark = markOf(settings);
-    if (!packed.isEmpty() && contentsOf(mark) == sum && QFile::exists(settings.cacheFile()))
+}
+
+std::optional<QString> ZELKSampleLog::prepare()
+{
+    if (!ZELKFileManager::makeFolder(m_folder) && m_lock.open(QIODevice::WriteOnly) && takePlace())
         return std::nullopt;
-    QFile::remove(mark);
-    removeCache(settings.cacheFile());
-    bool isThere = false;
-    zelkGuard([&] { isThere = import(settings, qUncompress(packed)); });
-    if (!isThere || ZELKFileManager::writeFile(mark, sum))
-        return ZELKCommandLineText("The sample log cannot be opened.");
-    return std::nullopt;
+    return ZELKCommandLineText("The sample log cannot be opened.");
+}
+
+/// Where files cannot be locked, as on some servers, this run is taken to be alone.
+bool ZELKSampleLog::takePlace()
+{
+    const bool isAlone = ::flock(m_lock.handle(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    const bool isMade = isAlone && make();
+    ::flock(m_lock.handle(), LOCK_SH);
+    return isAlone ? isMade : isThere();
+}
+
+bool ZELKSampleLog::isThere() const
+{
+    return QFile::exists(m_mark) && QFile::exists(m_settings.cacheFile());
+}
+
+bool ZELKSampleLog::make() const
+{
+    const QByteArray packed = contentsOf(
+        m_settings.bundle->pathForResource(QStringLiteral("SampleLog"), QStringLiteral("jsonl.z")));
+    const QByteArray sum = QCryptographicHash::hash(packed, QCryptographicHash::Sha256).toHex();
+    if (!packed.isEmpty() && contentsOf(m_mark) == sum && isThere())
+        return true;
+    QFile::remove(m_mark);
+    for (const QString &suffix : ZELKDamagedDatabase::suffixes())
+        QFile::remove(m_settings.cacheFile() + suffix);
+    bool isImported = false;
+    zelkGuard([&] { isImported = import(m_settings, qUncompress(packed)); });
+    return isImported && !ZELKFileManager::writeFile(m_mark, sum);
 }

@@ -8,7 +8,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QStringList>
 
 #include <algorithm>
 #include <array>
@@ -24,17 +23,10 @@ constexpr int sqliteError = 1; // of a statement without a fault: the header nam
 // With its closing NUL.
 constexpr std::array sqliteHeader = std::to_array("SQLite format 3");
 
-/// What a database consists of, the file itself last. Without its journals it is what it was some time ago,
-/// and is met again; a journal without its file would be deleted, or played into the file that follows.
-QStringList parts()
-{
-    return {QStringLiteral("-wal"), QStringLiteral("-journal"), QStringLiteral("-shm"), QString()};
-}
-
 /// Journals that wait there for their file are no hindrance: an earlier attempt was cut short.
 bool isTaken(const QString &path, const QString &aside)
 {
-    const QStringList all = parts();
+    const QStringList all = ZELKDamagedDatabase::suffixes();
     return std::any_of(all.begin(), all.end(), [&](const QString &part) {
         return QFileInfo::exists(aside + part) && QFileInfo::exists(path + part);
     });
@@ -43,7 +35,7 @@ bool isTaken(const QString &path, const QString &aside)
 bool renameAll(const QString &path, const QString &aside)
 {
     QStringList renamed;
-    for (const QString &part : parts()) {
+    for (const QString &part : ZELKDamagedDatabase::suffixes()) {
         if (!part.isEmpty() && !QFileInfo::exists(path + part))
             continue;
         if (!QFile::rename(path + part, aside + part)) {
@@ -57,6 +49,13 @@ bool renameAll(const QString &path, const QString &aside)
 }
 
 } // namespace
+
+/// Without its journals a database is what it was some time ago, and is met again; a journal without its file
+/// would be deleted, or played into the file that follows. So journals go first.
+QStringList ZELKDamagedDatabase::suffixes()
+{
+    return {QStringLiteral("-wal"), QStringLiteral("-journal"), QStringLiteral("-shm"), QString()};
+}
 
 bool ZELKDamagedDatabase::isToldBy(int code)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 class ZELKSQLitePort;
 
@@ -17,6 +18,8 @@ bool wasCache(const QString &path);
 bool isDamaged(ZELKSQLitePort &port, const QString &path);
 /// The file is a sound database with tables, but none of them is a cache's: another program keeps it.
 bool isOthers(ZELKSQLitePort &port, const QString &path);
+/// What the names of a database's files have at their end, the file itself last.
+QStringList suffixes();
 /// Renames the closed file and its companions to a free name beside it, with one console line. Nothing is
 /// deleted.
 void setAside(const QString &path);

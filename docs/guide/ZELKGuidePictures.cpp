@@ -140,7 +140,8 @@ QMap<QString, QImage> ZELKGuidePictures::take() const
     const ZELKEnvironmentScope scope(environmentOf(m_bundleFolder));
     const ZELKApplicationSettings settings{
         ZELKEnvironment::current().mainBundle, ZELKSampleLog::profile(), {}};
-    if (const auto complaint = ZELKSampleLog::prepare(settings))
+    ZELKSampleLog sample(settings);
+    if (const auto complaint = sample.prepare())
         throw std::runtime_error(complaint->toStdString());
 
     Camera camera(settings);

@@ -5,6 +5,7 @@
 #include "WindowBed.h"
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCWelcomeController.h"
+#include "ZELKSampleLog.h"
 
 #include <QApplication>
 #include <QPushButton>
@@ -141,6 +142,23 @@ private Q_SLOTS:
         const Labels shown(bed.view);
         QCOMPARE(shown.topLeft, there == clickStart ? u"Welcome"_s : QString());
         QCOMPARE(shown.banner, there == welcome ? u"Welcome"_s : QString());
+    }
+
+    /// A new one takes its place once no window has it open.
+    void sampleLogOfAnotherVersion()
+    {
+        const ApplicationFixture fixture;
+        const ZELKApplicationSettings settings{fixture.settings().bundle, ZELKSampleLog::profile(), {}};
+        const QString mark = QFileInfo(settings.cacheFile()).path() + u"/imported"_s;
+        auto first = std::make_unique<ZELKSampleLog>(settings);
+        QVERIFY(!first->prepare());
+        const QByteArray present = readFile(mark);
+        writeFile(mark, "another");
+        QVERIFY(!ZELKSampleLog(settings).prepare());
+        QCOMPARE(readFile(mark), QByteArray("another"));
+        first.reset();
+        QVERIFY(!ZELKSampleLog(settings).prepare());
+        QCOMPARE(readFile(mark), present);
     }
 
     void sizesFollowTheFont()
