@@ -26,7 +26,9 @@ ZELKSliceWiring::ZELKSliceWiring(QMainWindow &window, ZELKApplicationWiring &wir
                 [&delegate](const QString &key) { return delegate.applicationDelegateHandlesKey(key); }});
     auto *jump = ZELKMainWindowInterface::outlet<QAction>(window, "actionJumpToDate");
     const auto validate = [this, jump] {
-        jump->setEnabled(m_dateJump.validateMenuItem(ZELKLWCDateJumpController::MenuItem::Show));
+        zelkGuard([&] {
+            jump->setEnabled(m_dateJump.validateMenuItem(ZELKLWCDateJumpController::MenuItem::Show));
+        });
     };
     connect(&wiring.log(), &ZELKLWCLog::visibleEntriesDidChange, this, validate);
     connect(jump, &QAction::triggered, this, [this] { zelkGuard([this] { m_dateJump.show(); }); });
