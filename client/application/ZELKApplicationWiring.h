@@ -33,7 +33,8 @@ public:
         bool servesBus = true;
         /// As the store's world has it.
         bool setsDamagedAside = true;
-        /// The system's bus: a job of the system is watched for there. Nothing for a run without one.
+        /// The system's bus: a job of the system is watched for there, and people's accounts are asked for.
+        /// Nothing for a run without one.
         std::optional<QDBusConnection> systemBus = {};
         /// The desktop's applications menu, where this run may offer to come into it.
         std::optional<ZELKApplicationsMenu::Folders> applicationsMenu = {};
@@ -65,6 +66,8 @@ public:
     const ZELKApplicationSettings &settings() const { return m_settings; }
     /// Where services of the application stand.
     const QDBusConnection &bus() const { return m_bus; }
+    /// Not connected in a run without one.
+    const QDBusConnection &systemBus() const { return m_systemBus; }
     bool servesBus() const { return m_servesBus; }
     const std::optional<ZELKApplicationsMenu::Folders> &applicationsMenu() const
     {
@@ -90,6 +93,7 @@ private:
 
     ZELKApplicationSettings m_settings;
     QDBusConnection m_bus;
+    QDBusConnection m_systemBus;
     bool m_servesBus;
     std::optional<ZELKApplicationsMenu::Folders> m_applicationsMenu;
     ZELKUserDefaults m_defaults;

@@ -44,7 +44,7 @@ ZELKHelpMenu::ZELKHelpMenu(QMainWindow &window, ZELKApplicationWiring &wiring)
     : QObject(&window)
     , m_window(window)
     , m_wiring(wiring)
-    , m_addressBook(QDBusConnection::systemBus())
+    , m_addressBook(wiring.systemBus())
 {
     connectGuide();
     connectSampleLog();
