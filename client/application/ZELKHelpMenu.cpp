@@ -93,12 +93,10 @@ void ZELKHelpMenu::connectSampleLog()
 void ZELKHelpMenu::connectFeedback()
 {
     const ZELKBundle &bundle = *m_wiring.settings().bundle;
+    // The address book knows the account; where even that is not there, this is all that is left.
+    const auto loginName = [] { return qEnvironmentVariable("USER"); };
     m_wiring.delegate().setFeedbackWorld(
-        ZELKFeedbackController::World{bundle, m_network, m_addressBook,
-                                      [] {
-                                          const auto entry = ZELKAccountEntry::ofThisUser();
-                                          return entry ? entry->fullName : QString();
-                                      },
+        ZELKFeedbackController::World{bundle, m_network, m_addressBook, loginName,
                                       [] { return long(QRandomGenerator::global()->generate() >> 1); }});
     QAction &feedback = action("actionFeedback");
     const bool hasAddress = !ZELKFeedbackController::address(bundle).isEmpty();
