@@ -63,6 +63,8 @@ double heightOf(const ZELKAttributedString &text, int width)
 /// middle is three fifths of the way up.
 ZELKAttributedString fitting(ZELKAttributedString banner, const ZELKLWCEntriesView &view)
 {
+    if (banner.isEmpty())
+        return banner;
     constexpr double middle = 0.4; // from above
     const double room = 2.0 * (middle * view.height() - heightOf(view.labelTopLeft(), view.width()));
     qsizetype end = -1;
@@ -91,27 +93,25 @@ void ZELKLWCWelcomeController::awakeFromNib()
 
 void ZELKLWCWelcomeController::applyLogLabels()
 {
-    ZELKLWCEntriesView &view = m_outlets.entriesView;
-    view.setLabelTopLeft({});
-    view.setLabelBanner({});
-    if (m_outlets.agentController.installed() || m_outlets.log.count() > 0)
-        return;
-    zelkGuard([&] { view.setLabelTopLeft(onPaper(label("LabelClickStart"))); });
-    zelkGuard([&] { view.setLabelBanner(fitting(onPaper(label("LabelWelcome")), view)); });
+    m_clickStart = {};
+    m_welcome = {};
+    if (!m_outlets.agentController.installed() && m_outlets.log.count() == 0) {
+        zelkGuard([this] { m_clickStart = label("LabelClickStart"); });
+        zelkGuard([this] { m_welcome = label("LabelWelcome"); });
+    }
+    fitLabels();
 }
 
-bool ZELKLWCWelcomeController::isWelcoming() const
+void ZELKLWCWelcomeController::fitLabels()
 {
-    const ZELKLWCEntriesView &view = m_outlets.entriesView;
-    return !view.labelTopLeft().isEmpty() || !view.labelBanner().isEmpty();
+    ZELKLWCEntriesView &view = m_outlets.entriesView;
+    view.setLabelTopLeft(onPaper(m_clickStart));
+    view.setLabelBanner(fitting(onPaper(m_welcome), view));
 }
 
 bool ZELKLWCWelcomeController::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::Resize)
-        zelkGuard([this] {
-            if (isWelcoming())
-                applyLogLabels();
-        });
+        zelkGuard([this] { fitLabels(); });
     return QObject::eventFilter(watched, event);
 }

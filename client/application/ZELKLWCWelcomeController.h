@@ -35,7 +35,9 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    bool isWelcoming() const;
+    void fitLabels();
 
     Outlets m_outlets;
+    ZELKAttributedString m_clickStart; // as its file has it; empty where it is not to be shown
+    ZELKAttributedString m_welcome;    // likewise
 };
