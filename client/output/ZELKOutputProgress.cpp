@@ -70,9 +70,7 @@ void ZELKOutputProgress::end(const QString &error)
         return;
     m_turn.stop();
     m_wait.stop();
-    if (m_sheet) {
-        m_sheet->hide();
-        m_sheet->deleteLater();
-    }
+    if (m_sheet)
+        m_sheet->hide(); // it may be telling us
     Q_EMIT ended(error);
 }

@@ -49,7 +49,7 @@ private:
     std::unique_ptr<ZELKOutputWork> m_work;
     Texts m_texts;
     QWidget &m_window;
-    QPointer<ZELKProgressSheet> m_sheet; // the window's
+    QPointer<ZELKProgressSheet> m_sheet; // the window's, and gone with this
     QTimer m_turn;
     QTimer m_wait;
 };

@@ -105,6 +105,9 @@ private Q_SLOTS:
         QTRY_COMPARE(bed.printed.count(), 1);
         QVERIFY(QFileInfo(bed.file()).size() > 0);
         QVERIFY(!bed.controller().printInfo().fullPage());
+        bed.opened<QPrintPreviewDialog>("actionPrintPreview")->reject();
+        QCOMPARE(bed.printed.count(), 1);
+        QVERIFY(bed.opened<QPrintDialog>("actionPrint")); // which waits for what is being printed
     }
 
     void thePaperIsRemembered()
