@@ -6,7 +6,7 @@
 
 #include <QDebug>
 
-/// Everything that can be seen of a log, as texts that can be compared.
+/// What can be seen of a log, as texts that can be compared.
 namespace LogDump {
 
 inline QString exact(const QString &text)
@@ -64,16 +64,8 @@ inline QStringList of(const ZELKLWCLog &log, ZELKLWCLogEntry &entry)
     QDebug line(&text);
     line.noquote() << "past" << place(log, entry.past()) << "next" << place(log, entry.next()) << "previous"
                    << place(log, entry.previous()) << "pair" << place(log, entry.pair())
-                   << entry.pairTimeInterval() << "represents" << exact(entry.pairRepresents()) << "here"
-                   << ZELKLWCLogEntry::pairRepresentsAtTimeOfEntry(&entry)
-                   << ZELKLWCLogEntry::powerSourceAtTimeOfEntry(&entry) << "final" << exact(entry.finalDate())
-                   << exact(entry.summary()) << entry.attributes() << exact(entry.attributeValues())
-                   << entry.stringValue();
-    if (entry.kind() == ZELKEntryKind::PowerStatus) {
-        const auto &status = static_cast<const ZELKLWCLogEntryPowerStatus &>(entry);
-        line << "change" << status.change() << status.percentageCharged() << status.connected()
-             << status.charging();
-    }
+                   << entry.pairTimeInterval() << "represents" << exact(entry.pairRepresents()) << "final"
+                   << exact(entry.finalDate()) << entry.stringValue();
     return lines << text;
 }
 

@@ -1,5 +1,5 @@
 // Texts with attributes: their changes, their colours, and how they are drawn.
-#include "NamedRows.h"
+#include "Rows.h"
 #include "TextDump.h"
 #include "ZELKTextDocument.h"
 #include "ZELKTextLines.h"
@@ -61,7 +61,7 @@ class TestAttributed : public QObject
 private Q_SLOTS:
     void replaces_data()
     {
-        const NamedRows<int, int, const char *, const char *> row("position", "length", "with", "text");
+        const Rows<int, int, QString, QString> row; // where, how much, by what; what comes of it
         row("within a run", 0, 1, "XY", "<1>XYb<2>cd<3>ef");
         row("across runs, in the look of the first", 1, 4, "X", "<1>aX<3>f");
         row("a whole run", 2, 2, "X", "<1>ab<2>X<3>ef");
@@ -72,15 +72,12 @@ private Q_SLOTS:
         row("nothing, at the beginning", 0, 0, "X", "<1>Xab<2>cd<3>ef");
         row("nothing, beyond the end", 99, 5, "X", "<1>ab<2>cd<3>efX");
     }
-
     void replaces()
     {
-        QFETCH(int, position);
-        QFETCH(int, length);
-        QFETCH(QString, with);
+        const auto [position, length, with, expected] = Rows<int, int, QString, QString>::fetch();
         ZELKAttributedString text = sample();
         text.replaceCharacters(position, length, with);
-        QTEST(TextDump::of(text), "text");
+        QCOMPARE(TextDump::of(text), expected);
     }
 
     void takesPartsAndPutsThemTogether()

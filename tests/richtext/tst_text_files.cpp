@@ -1,6 +1,6 @@
 // Long texts as files: Word documents that are what they should be to the last byte, rich text that is the
 // same whether written at once or piece by piece, and devices that fail.
-#include "NamedRows.h"
+#include "Rows.h"
 #include "TextSamples.h"
 #include "WordReader.h"
 #include "ZELKRtfFileWriter.h"
@@ -74,7 +74,7 @@ class TestTextFiles : public QObject
 private Q_SLOTS:
     void documents_data()
     {
-        const NamedRows<QString, QString> row("text", "expected");
+        const Rows<QString, QString> row;
         row("nothing", u""_s, u"\r"_s);
         row("an end alone", u"\n"_s, u"\r"_s);
         row("no end", u"a\nb"_s, u"a\rb\r"_s);
@@ -85,13 +85,12 @@ private Q_SLOTS:
             u"\uFFFDa\uFFFD\uFFFD\r"_s);
         row("large", QString(100000, u'x'), QString(100000, u'x') + u'\r');
     }
-
     void documents()
     {
-        QFETCH(QString, text);
+        const auto [text, expected] = Rows<QString, QString>::fetch();
         const WordReader reader(written<ZELKWordFileWriter>(text));
         QCOMPARE(reader.fault, nullptr);
-        QTEST(reader.text, "expected");
+        QCOMPARE(reader.text, expected);
     }
 
     void documentsOfManyPages()
@@ -138,23 +137,21 @@ private Q_SLOTS:
 
     void failures_data()
     {
-        const NamedRows<int, bool, int> row("room", "isPipe", "failure");
-        row("no room", 0, false, int(Failure::Device));
-        row("room for the beginning", 70000, false, int(Failure::Device));
-        row("room for all but the end", 203000, false, int(Failure::Device));
-        row("a pipe", 1000000, true, int(Failure::NotSeekable));
-        row("enough", 1000000, false, int(Failure::None));
+        const Rows<int, bool, Failure> row; // bytes there is room for, whether it is a pipe
+        row("no room", 0, false, Failure::Device);
+        row("room for the beginning", 70000, false, Failure::Device);
+        row("room for all but the end", 203000, false, Failure::Device);
+        row("a pipe", 1000000, true, Failure::NotSeekable);
+        row("enough", 1000000, false, Failure::None);
     }
-
     void failures()
     {
-        QFETCH(int, room);
-        QFETCH(bool, isPipe);
+        const auto [room, isPipe, failure] = Rows<int, bool, Failure>::fetch();
         FullDevice device(room, isPipe);
         ZELKWordFileWriter writer(device);
         writer.append(QString(100000, u'x'), TextSamples::usual());
         const bool isWhole = writer.finish();
-        QTEST(int(writer.failure()), "failure");
+        QCOMPARE(writer.failure(), failure);
         QCOMPARE(isWhole, writer.failure() == Failure::None);
         QCOMPARE(!WordReader(device.data()).fault, isWhole);
     }
