@@ -140,13 +140,12 @@ bool ZELKExportFile::copyPiece()
         return true;
     const qint64 most = m_isRegular ? pieceSize : pipePieceSize;
     const QByteArray piece = m_staging.read(m_placed, std::min(most, m_size - m_placed));
-    const bool wasRead = !piece.isNull() && (!piece.isEmpty() || m_placed == m_size);
     const qint64 done = ZELKPosixFile::writeAll(
         piece.constData(), piece.size(),
         [this](const char *bytes, std::size_t count, qint64) { return ::write(m_target, bytes, count); });
     m_placed += done;
     const bool isWritten = done == piece.size() || errno == EAGAIN;
-    if (wasRead && isWritten && (m_placed < m_size || finishTarget()))
+    if (!piece.isNull() && isWritten && (m_placed < m_size || finishTarget()))
         return true;
     if (m_isOurTarget || errno != EPIPE)
         fail();

@@ -81,7 +81,10 @@ QByteArray ZELKStagedFile::read(qint64 offset, qint64 most) const
 {
     QByteArray bytes(most, Qt::Uninitialized);
     const ssize_t size = ::pread(m_file, bytes.data(), std::size_t(most), offset);
-    if (size < 0)
+    const bool endsEarly = size == 0 && most > 0; // who asks knows how much there should be
+    if (endsEarly)
+        errno = EIO;
+    if (size < 0 || endsEarly)
         return {};
     bytes.truncate(size);
     return bytes;

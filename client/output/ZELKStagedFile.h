@@ -21,7 +21,7 @@ public:
 
     /// How many bytes were written, which are fewer only after an error.
     qint64 write(const char *data, qint64 size, qint64 offset) const;
-    /// The next bytes, `most` at most; none at the end; null after an error.
+    /// The next bytes, `most` at most; null after an error, which the file's end is, too.
     QByteArray read(qint64 offset, qint64 most) const;
     /// Brings it under the path, in one step; false also where there is a file already (EEXIST).
     bool giveName(const QString &path);
