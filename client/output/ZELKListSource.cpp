@@ -9,6 +9,8 @@
 #include <QIODevice>
 
 #include <algorithm>
+#include <functional>
+#include <string>
 #include <utility>
 
 namespace {
@@ -48,11 +50,10 @@ QString carriedText(const QString &text)
     const auto isPlain = [](QChar unit) { return isCarried(unit.unicode()); };
     if (std::all_of(text.begin(), text.end(), isPlain))
         return text;
-    QList<uint> characters = text.toUcs4();
-    for (uint &character : characters)
-        if (!isCarried(character))
-            character = QChar::ReplacementCharacter;
-    return QString::fromUcs4(reinterpret_cast<const char32_t *>(characters.constData()), characters.size());
+    std::u32string characters = text.toStdU32String();
+    std::replace_if(characters.begin(), characters.end(), std::not_fn(isCarried),
+                    char32_t(QChar::ReplacementCharacter));
+    return QString::fromStdU32String(characters);
 }
 
 QVariant carriedDictionary(const ZELKDictionary &dictionary)
