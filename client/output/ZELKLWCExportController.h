@@ -30,7 +30,8 @@ public:
     explicit ZELKLWCExportController(ZELKUserDefaults &defaults, QObject *parent = nullptr);
     ~ZELKLWCExportController() override;
 
-    /// Not owned; to be connected before anything is exported.
+    /// Not owned; to be connected before anything is exported. Log and window must outlive the export, which
+    /// reads the one, piece by piece, and shows its progress on the other.
     void setLog(const ZELKLWCLog *log) { m_log = log; }
     void setEntriesView(const ZELKLWCEntriesView *view) { m_entriesView = view; }
     /// The panel is a sheet of it.
@@ -49,6 +50,7 @@ public:
     void setActiveExportPanel(ZELKSavePanel *panel);
 
     /// Nothing unless the panel ended with OK (1). Exports in the format that is set, to the panel's file.
+    /// Where memory does not suffice for a picture, or the tag is none, there is no file and no alert.
     void exportPanelDidEnd(const ZELKSavePanel &panel, int returnCode);
     /// The chooser's action.
     void exportFormatChanged();
