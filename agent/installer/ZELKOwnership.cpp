@@ -1,12 +1,13 @@
 #include "ZELKOwnership.h"
 
+#include "ZELKSystemError.h"
+
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
 
 #include <cerrno>
-#include <cstring>
 
 #include <sys/stat.h>
 
@@ -18,7 +19,7 @@ Problem problemOfOne(const QString &path, uid_t owner)
 {
     struct stat status = {};
     if (::lstat(QFile::encodeName(path).constData(), &status) != 0)
-        return path + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno));
+        return path + QStringLiteral(": ") + ZELKSystemErrorText(errno);
     if (S_ISLNK(status.st_mode))
         return path + QStringLiteral(": a symbolic link");
     if (status.st_uid != owner)

@@ -11,6 +11,7 @@
 #include "ZELKRawEventImport.h"
 #include "ZELKStatisticsWriter.h"
 #include "ZELKSynchronisation.h"
+#include "ZELKSystemError.h"
 #include "ZELKTextOutput.h"
 
 #include <QCoreApplication>
@@ -21,7 +22,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -258,7 +258,7 @@ bool ZELKCommandLine::import()
         return importFrom(STDIN_FILENO);
     const int descriptor = ::open(QFile::encodeName(m_options.file).constData(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) {
-        const QString reason = QString::fromLocal8Bit(std::strerror(errno));
+        const QString reason = ZELKSystemErrorText(errno);
         complain(ZELKFormat(ZELKCommandLineText("%@ cannot be read: %@"), {m_options.file, reason}));
         return false;
     }

@@ -1,8 +1,9 @@
 #include "ZELKLineSource.h"
 
+#include "ZELKSystemError.h"
+
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include <unistd.h>
 
@@ -52,7 +53,7 @@ bool ZELKLineSource::readMore()
         count = ::read(m_descriptor, m_buffer.data() + before, pieceSize);
     } while (count < 0 && errno == EINTR);
     if (count < 0)
-        m_error = QString::fromLocal8Bit(std::strerror(errno));
+        m_error = ZELKSystemErrorText(errno);
     m_buffer.resize(before + std::size_t(std::max<ssize_t>(count, 0)));
     return count > 0;
 }

@@ -2,10 +2,10 @@
 
 #include "ZELKCharacters.h"
 #include "ZELKConsole.h"
+#include "ZELKSystemError.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include <unistd.h>
 
@@ -41,7 +41,7 @@ ZELKTextOutput::State ZELKTextOutput::flush()
             m_state = State::Closed;
         } else if (errno != EINTR) {
             m_state = State::Failed;
-            m_error = QString::fromLocal8Bit(std::strerror(errno));
+            m_error = ZELKSystemErrorText(errno);
         }
     }
     m_buffer.resize(0);

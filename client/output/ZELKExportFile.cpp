@@ -1,6 +1,7 @@
 #include "ZELKExportFile.h"
 
 #include "ZELKPosixFile.h"
+#include "ZELKSystemError.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -52,7 +53,7 @@ ZELKExportFile::~ZELKExportFile()
 
 QString ZELKExportFile::systemErrorText() const
 {
-    return ZELKPosixFile::errorText(m_error);
+    return ZELKSystemErrorText(m_error);
 }
 
 bool ZELKExportFile::fail()

@@ -1,6 +1,6 @@
 #include "ZELKFileExport.h"
 
-#include "ZELKPosixFile.h"
+#include "ZELKSystemError.h"
 
 #include <cerrno>
 #include <utility>
@@ -24,5 +24,5 @@ ZELKOutputWork::State ZELKFileExport::produce()
     if (file().systemError() != 0)
         return fail(file().systemErrorText());
     const int reason = m_source->systemError();
-    return fail(ZELKPosixFile::errorText(reason != 0 ? reason : EIO));
+    return fail(ZELKSystemErrorText(reason != 0 ? reason : EIO));
 }

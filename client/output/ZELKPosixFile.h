@@ -1,10 +1,9 @@
 #pragma once
 
-#include <QString>
+#include <QtGlobal>
 
 #include <cerrno>
 #include <cstddef>
-#include <cstring>
 
 #include <sys/types.h>
 #include <unistd.h>
@@ -13,12 +12,6 @@
 namespace ZELKPosixFile {
 
 constexpr mode_t usualMode = 0666; ///< less what the user's mask takes away
-
-/// What the system says of an error number (errno).
-inline QString errorText(int error)
-{
-    return QString::fromLocal8Bit(std::strerror(error));
-}
 
 /// Calls `write` with what is left and how much is not, until there is nothing left; answers how much was
 /// written, which is less only after an error.

@@ -1,6 +1,7 @@
 #include "ZELKPrintOperation.h"
 
 #include "ZELKPosixFile.h"
+#include "ZELKSystemError.h"
 
 #include <QDir>
 #include <QTemporaryFile>
@@ -110,7 +111,7 @@ QString ZELKPrintOperation::reasonOfDocument() const
         more.constData(), more.size(), [&](const char *bytes, std::size_t count, qint64 offset) {
             return ::pwrite(m_document->handle(), bytes, count, end + offset);
         });
-    return ZELKPosixFile::errorText(done < more.size() ? errno : EIO);
+    return ZELKSystemErrorText(done < more.size() ? errno : EIO);
 }
 
 /// Of a printer nothing is known.

@@ -1,10 +1,10 @@
 #include "ZELKEventFetch.h"
 
 #include "ZELKAssertion.h"
+#include "ZELKSystemError.h"
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -40,7 +40,7 @@ void ZELKEventFetch::readSome()
     const ssize_t count = read(m_descriptor.fileDescriptor(), piece.data(), piece.size());
     if (count < 0) {
         if (errno != EAGAIN && errno != EINTR)
-            finish(false, QString::fromLocal8Bit(std::strerror(errno)));
+            finish(false, ZELKSystemErrorText(errno));
         return;
     }
     if (count == 0)

@@ -2,6 +2,7 @@
 
 #include "ZELKBundle.h"
 #include "ZELKEnvironment.h"
+#include "ZELKSystemError.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <iterator>
 #include <map>
 
@@ -175,7 +175,7 @@ std::optional<ZELKAgentError> ZELKSessionWorkspace::launchApplicationAtURL(const
 {
     const ZELKBundle application(bundle.toLocalFile());
     if (const int error = errorOfBundle(application))
-        return launchFailure(error, QString::fromLocal8Bit(std::strerror(error)));
+        return launchFailure(error, ZELKSystemErrorText(error));
     if (!runningApplicationsWithBundleIdentifier(application.bundleIdentifier()).empty())
         return std::nullopt;
     QProcess process;

@@ -1,5 +1,7 @@
 #include "ZELKFileManager.h"
 
+#include "ZELKSystemError.h"
+
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
@@ -8,7 +10,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <utility>
@@ -29,7 +30,7 @@ constexpr int deepestFolder = 32;
 
 Problem problem(const QString &name)
 {
-    return name + QStringLiteral(": ") + QString::fromLocal8Bit(std::strerror(errno));
+    return name + QStringLiteral(": ") + ZELKSystemErrorText(errno);
 }
 
 class Descriptor
