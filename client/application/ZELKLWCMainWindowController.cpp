@@ -134,8 +134,7 @@ void ZELKLWCMainWindowController::connectGraph()
     graph->setLog(&m_wiring.log());
     graph->setDateRange(&m_wiring.dateRange());
     const ZELKLWCLogTableModel &rows = m_table.controller().model();
-    graph->setListedEntries(
-        {[&rows] { return rows.rowCount(); }, [&rows](int row) { return rows.entryAtRow(row); }});
+    graph->setListedEntries([&rows](ZELKDate date) { return rows.neighboursOfDate(date); });
     graph->awakeFromNib();
     connect(graph, &ZELKLWCEntriesView::selectionDidChange, this,
             [this, graph] { zelkGuard([&] { m_table.controller().selectEntryByDate(graph); }); });

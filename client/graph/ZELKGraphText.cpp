@@ -26,6 +26,17 @@ void layOut(QTextDocument &document, const QRectF &frame, const ZELKAttributedSt
     document.setTextWidth(std::min(std::ceil(document.idealWidth()), std::max(1.0, frame.width())));
 }
 
+QPointF topLeftOrigin(const QRectF &frame, const QSizeF &label)
+{
+    return {frame.x(), frame.y() + frame.height() - label.height()};
+}
+
+QPointF bannerOrigin(const QRectF &frame, const QSizeF &label)
+{
+    return {std::floor(frame.width() / 2.0 - label.width() / 2.0),
+            std::floor(frame.height() / 5.0 * 3.0 - label.height() / 2.0)};
+}
+
 void drawAt(QPainter &painter, const ZELKPixelSpace &space, QPointF lowerLeft, QTextDocument &document)
 {
     painter.save();
@@ -80,7 +91,7 @@ void ZELKGraphText::drawTopLeft(QPainter &painter, const ZELKPixelSpace &space, 
 {
     QTextDocument document;
     layOut(document, frame, label);
-    drawAt(painter, space, {frame.x(), frame.y() + frame.height() - document.size().height()}, document);
+    drawAt(painter, space, topLeftOrigin(frame, document.size()), document);
 }
 
 void ZELKGraphText::drawBanner(QPainter &painter, const ZELKPixelSpace &space, const QRectF &frame,
@@ -88,9 +99,16 @@ void ZELKGraphText::drawBanner(QPainter &painter, const ZELKPixelSpace &space, c
 {
     QTextDocument document;
     layOut(document, frame, label);
-    const QSizeF size = document.size();
-    drawAt(painter, space,
-           {std::floor(frame.width() / 2.0 - size.width() / 2.0),
-            std::floor(frame.height() / 5.0 * 3.0 - size.height() / 2.0)},
-           document);
+    drawAt(painter, space, bannerOrigin(frame, document.size()), document);
+}
+
+bool ZELKGraphText::fitTogether(const QRectF &frame, const ZELKAttributedString &topLeft,
+                                const ZELKAttributedString &banner)
+{
+    QTextDocument above;
+    QTextDocument below;
+    layOut(above, frame, topLeft);
+    layOut(below, frame, banner);
+    const double top = bannerOrigin(frame, below.size()).y() + below.size().height();
+    return top <= topLeftOrigin(frame, above.size()).y();
 }

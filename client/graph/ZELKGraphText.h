@@ -25,5 +25,8 @@ void drawTopLeft(QPainter &painter, const ZELKPixelSpace &space, const QRectF &f
 /// only where the frame is narrower.
 void drawBanner(QPainter &painter, const ZELKPixelSpace &space, const QRectF &frame,
                 const ZELKAttributedString &label);
+/// Whether a banner leaves alone what stands in the upper left corner.
+bool fitTogether(const QRectF &frame, const ZELKAttributedString &topLeft,
+                 const ZELKAttributedString &banner);
 
 } // namespace ZELKGraphText

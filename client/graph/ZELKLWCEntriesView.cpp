@@ -53,8 +53,8 @@ void ZELKLWCEntriesView::awakeFromNib()
     m_cell.setLog(m_log);
     m_cell.setDateRange(m_dateRange);
     const auto follow = [this] { zelkGuard([this] { dataDidChange(); }); };
-    if (m_log && !m_listedEntries.count)
-        m_listedEntries = ZELKListedEntries::visibleEntries(*m_log);
+    if (m_log && !m_listedEntries)
+        m_listedEntries = [this](ZELKDate date) { return visibleNeighbours(date); };
     if (m_log)
         connect(m_log, &ZELKLWCLog::visibleEntriesDidChange, this, follow);
     if (m_dateRange)
@@ -336,20 +336,26 @@ bool ZELKLWCEntriesView::isSelectionShown() const
     return period.startDate() <= *selection() && *selection() <= period.endDate().addingTimeInterval(moment);
 }
 
-/// A step from the entry that the selection stands for; without one the nearest end is the first step.
-const ZELKLWCLogEntry *ZELKLWCEntriesView::entryForKey(int key) const
+ZELKDateNeighbours ZELKLWCEntriesView::visibleNeighbours(ZELKDate date) const
 {
-    const ZELKEntrySteps steps(m_listedEntries);
+    return {date, int(m_log->countOfVisibleEntries()), ZELKDateNeighbours::Order::None,
+            [this](int index) { return m_log->objectInVisibleEntriesAtIndex(std::uint64_t(index))->date(); }};
+}
+
+/// A step from the entry that the selection stands for; without one the nearest end is the first step.
+std::optional<ZELKDate> ZELKLWCEntriesView::dateForKey(int key) const
+{
     const bool isSelected = isSelectionShown();
+    const auto nearest = [this](ZELKDate end) {
+        const auto entry = m_listedEntries(end).nearest();
+        return entry ? std::optional(entry->date) : std::nullopt;
+    };
     if (key == Qt::Key_Home || (key == Qt::Key_Right && !isSelected))
-        return steps.nearestEntryToDate(ZELKDate::distantPast());
+        return nearest(ZELKDate::distantPast());
     if (key == Qt::Key_End || (key == Qt::Key_Left && !isSelected))
-        return steps.nearestEntryToDate(ZELKDate::distantFuture());
-    const ZELKLWCLogEntry *entry = steps.nearestEntryToDate(*selection());
-    if (!entry)
-        return nullptr;
-    return key == Qt::Key_Right ? steps.firstEntryAfterDate(entry->date())
-                                : steps.lastEntryBeforeDate(entry->date());
+        return nearest(ZELKDate::distantFuture());
+    const ZELKDateNeighbours around = m_listedEntries(*selection());
+    return key == Qt::Key_Right ? around.next() : around.previous();
 }
 
 bool ZELKLWCEntriesView::moveSelection(int key)
@@ -358,8 +364,8 @@ bool ZELKLWCEntriesView::moveSelection(int key)
         return false;
     if (!m_log || !m_dateRange || !m_dateRange->absoluteDuration())
         return true;
-    if (const ZELKLWCLogEntry *entry = entryForKey(key)) {
-        m_cell.setSelection(entry->date().addingTimeInterval(moment));
+    if (const std::optional<ZELKDate> date = dateForKey(key)) {
+        m_cell.setSelection(date->addingTimeInterval(moment));
         Q_EMIT selectionDidChange();
     }
     return true;

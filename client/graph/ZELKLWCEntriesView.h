@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ZELKEntrySteps.h"
+#include "ZELKDateNeighbours.h"
 #include "ZELKLWCEntriesCell.h"
 #include "ZELKNotificationQueue.h"
 
@@ -8,6 +8,7 @@
 #include <QVariant>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class QHelpEvent;
@@ -34,9 +35,11 @@ public:
     /// Not owned, to outlive the view. Connect both before awakeFromNib().
     void setLog(ZELKLWCLog *log) { m_log = log; }
     void setDateRange(ZELKLWCDateRangeController *dateRange) { m_dateRange = dateRange; }
-    /// What keys go through, and dates chosen here stand for: the rows of a list that follows the selection.
-    /// The log's visible entries, unless it is set.
-    void setListedEntries(ZELKListedEntries entries) { m_listedEntries = std::move(entries); }
+    /// What keys go through, and dates chosen here stand for: the rows of a list that follows the selection,
+    /// asked for what a date lies between; it must outlive the view. The log's visible entries, unless it is
+    /// set.
+    using ListedEntries = std::function<ZELKDateNeighbours(ZELKDate date)>;
+    void setListedEntries(ListedEntries entries) { m_listedEntries = std::move(entries); }
     /// From here on log and range are shown and followed.
     void awakeFromNib();
 
@@ -95,7 +98,8 @@ private:
     void dragImage();
     void narrowToSelectedDay();
     bool isSelectionShown() const;
-    const ZELKLWCLogEntry *entryForKey(int key) const;
+    ZELKDateNeighbours visibleNeighbours(ZELKDate date) const;
+    std::optional<ZELKDate> dateForKey(int key) const;
     bool moveSelection(int key);
     void showToolTip(const QHelpEvent &event);
 
@@ -103,7 +107,7 @@ private:
     ZELKLWCDateRangeController *m_dateRange = nullptr;
     ZELKLWCEntriesCell m_cell;
     ZELKNotificationQueue m_queue;
-    ZELKListedEntries m_listedEntries;
+    ListedEntries m_listedEntries;
     mutable std::optional<QString> m_description;
     QTimer m_resizing; // runs as long as the size changes
     std::uint64_t m_mostEntriesWhileResizing = 50'000;

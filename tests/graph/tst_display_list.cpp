@@ -1,7 +1,6 @@
 // What a display list holds, in hours of the day shown and percent.
 #include "GraphFixture.h"
 #include "NamedRows.h"
-#include "ZELKEntrySteps.h"
 
 #include <QRandomGenerator>
 
@@ -240,25 +239,6 @@ private Q_SLOTS:
         // Awake, at a block's end, on the axis, above, and where a block is 1.8 points wide.
         for (const QString &nothing : {tip(1), tip(4), tip(3, 20.9), tip(3, 220.0), tip(6.0002)})
             QCOMPARE(nothing, QString());
-    }
-
-    void steps()
-    {
-        const GraphFixture fixture(u"-1:plain 1:start 2:sleep 5:wake 3:plain 5:off 30:plain"_s);
-        const auto visible = ZELKListedEntries::visibleEntries(fixture.log);
-        const ZELKEntrySteps times(visible);
-        const auto look = [&](double hours) {
-            return QStringList{fixture.place(times.lastEntryBeforeDate(at(hours))),
-                               fixture.place(times.nearestEntryToDate(at(hours))),
-                               fixture.place(times.firstEntryAfterDate(at(hours)))};
-        };
-        QCOMPARE(look(0), (QStringList{u"-"_s, u"#1"_s, u"#1"_s}));
-        QCOMPARE(look(2), (QStringList{u"#1"_s, u"#2"_s, u"#4"_s}));
-        QCOMPARE(look(4), (QStringList{u"#4"_s, u"#3"_s, u"#3"_s}));
-        QCOMPARE(look(5), (QStringList{u"#4"_s, u"#3"_s, u"-"_s}));
-        const GraphFixture empty;
-        const auto none = ZELKListedEntries::visibleEntries(empty.log);
-        QVERIFY(!ZELKEntrySteps(none).nearestEntryToDate(at(0)));
     }
 };
 

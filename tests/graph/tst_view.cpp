@@ -190,12 +190,14 @@ private Q_SLOTS:
     void keysStepThroughWhatIsListed()
     {
         Bed bed;
-        QList<const ZELKLWCLogEntry *> rows;
+        QList<ZELKDate> rows;
         for (const ZELKLWCLogEntry *entry : bed.log.visibleEntriesArray())
             if (entry->date() == at(18) || entry->date() == at(4) || entry->date() == at(12))
-                rows.prepend(entry);
-        bed.view.setListedEntries(
-            {[&rows] { return int(rows.size()); }, [&rows](int row) { return rows.at(row); }});
+                rows.prepend(entry->date());
+        bed.view.setListedEntries([&rows](ZELKDate date) {
+            return ZELKDateNeighbours(date, int(rows.size()), ZELKDateNeighbours::Order::None,
+                                      [&rows](int row) { return rows.at(row); });
+        });
         QList<double> hours;
         for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Right, Qt::Key_Left}) {
             QTest::keyClick(&bed.view, key);
