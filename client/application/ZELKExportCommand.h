@@ -1,18 +1,14 @@
 #pragma once
 
 #include "ZELKExportFormat.h"
+#include "ZELKOutputCommand.h"
 
-#include <QObject>
 #include <QString>
 
-#include <functional>
 #include <memory>
 #include <optional>
 
-class ZELKApplicationWiring;
-class ZELKExportFile;
 class ZELKExportSource;
-class ZELKFileExport;
 
 /// What "lullwatch export" is asked for. A value.
 struct ZELKExportRequest
@@ -41,31 +37,16 @@ struct ZELKExportRequest
     QString take(const Words &words);
 };
 
-/// Exports the log, or the graph of the range that is chosen, to a file. Progress is shown to a terminal
-/// where it takes longer than a second; Ctrl+C cancels.
-class ZELKExportCommand : public QObject
+/// Exports the log, or the graph of the range that is chosen, to a file.
+class ZELKExportCommand : public ZELKOutputCommand
 {
-    Q_OBJECT
-
 public:
-    /// What went wrong, in a sentence.
-    using Complaint = std::function<void(const QString &)>;
-
-    /// `wiring` must outlive the object.
     ZELKExportCommand(ZELKApplicationWiring &wiring, const Complaint &complain);
 
     /// False when the file is not there, which has been complained of.
     bool run(const ZELKExportRequest &request);
 
 private:
-    bool isOwnFile(const QString &path) const;
     std::unique_ptr<ZELKExportSource> source(const ZELKExportRequest &request) const;
     std::unique_ptr<ZELKExportSource> picture(const ZELKExportRequest &request) const;
-    bool carryOut(ZELKFileExport &work);
-    static void showProgress(double fraction);
-    static void hideProgress();
-
-    ZELKApplicationWiring &m_wiring;
-    Complaint m_complain;
-    bool m_isCancelled = false;
 };

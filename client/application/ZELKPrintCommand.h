@@ -1,13 +1,9 @@
 #pragma once
 
-#include <QObject>
+#include "ZELKOutputCommand.h"
+
 #include <QString>
 
-#include <functional>
-#include <optional>
-
-class QPrinter;
-class ZELKApplicationWiring;
 class ZELKLWCMainWindowController;
 
 /// What "lullwatch print" is asked for. A value.
@@ -21,15 +17,10 @@ struct ZELKPrintRequest
     QString complaint() const;
 };
 
-/// Prints the window's table to a PDF file. Ctrl+C cancels.
-class ZELKPrintCommand : public QObject
+/// Prints the window's table to a PDF file.
+class ZELKPrintCommand : public ZELKOutputCommand
 {
-    Q_OBJECT
-
 public:
-    /// What went wrong, in a sentence.
-    using Complaint = std::function<void(const QString &)>;
-
     /// All must outlive the object.
     ZELKPrintCommand(ZELKApplicationWiring &wiring, ZELKLWCMainWindowController &window,
                      const Complaint &complain);
@@ -38,10 +29,5 @@ public:
     bool run(const ZELKPrintRequest &request);
 
 private:
-    bool isOwnFile(const QString &path) const;
-
-    ZELKApplicationWiring &m_wiring;
     ZELKLWCMainWindowController &m_window;
-    Complaint m_complain;
-    bool m_isCancelled = false;
 };
