@@ -14,6 +14,11 @@
 /// A window that has finished launching, over 77 days with an event each, or over what is said.
 struct Session
 {
+    /// In a world of its own.
+    explicit Session(bool isFilled = true)
+        : Session(std::make_unique<ApplicationFixture>(), isFilled)
+    {
+    }
     explicit Session(const ApplicationFixture &fixture, bool isFilled = true)
         : Session(fixture, fixture.settings(),
                   isFilled ? eventEachDay(QDate(2024, 1, 15), QDate(2024, 3, 31)) : QList<ZELKRawEvent>())
@@ -72,6 +77,15 @@ struct Session
         QCoreApplication::processEvents();
     }
 
+private:
+    Session(std::unique_ptr<ApplicationFixture> world, bool isFilled)
+        : Session(*world, isFilled)
+    {
+        m_world = std::move(world);
+    }
+    std::unique_ptr<ApplicationFixture> m_world; // outlives the rest
+
+public:
     ZELKWindowSession session;
     ZELKApplicationWiring &wiring;
     QMainWindow &window;

@@ -21,8 +21,7 @@ class WindowTest : public QObject
 private Q_SLOTS:
     void popUpAndRange()
     {
-        const ApplicationFixture fixture;
-        const Session session(fixture);
+        const Session session;
         QAbstractItemModelTester tester(session.find<ZELKLWCLogTableView>("table").model(),
                                         QAbstractItemModelTester::FailureReportingMode::Fatal);
         QCOMPARE(session.shownTag(), 8);
@@ -45,8 +44,7 @@ private Q_SLOTS:
 
     void presetsThatCannotBeHad()
     {
-        const ApplicationFixture fixture;
-        const Session session(fixture, false);
+        const Session session(false);
         session.wiring.log().addExternalEntries(eventEachDay(QDate(2024, 3, 28), QDate(2024, 3, 31)));
         QList<int> offered;
         for (int tag = 1; tag < 10; ++tag)
@@ -58,8 +56,7 @@ private Q_SLOTS:
 
     void movesByDays()
     {
-        const ApplicationFixture fixture;
-        const Session session(fixture);
+        const Session session;
         session.pick(2);
         QTest::mouseClick(&session.find<QToolButton>("actionDayBackwardButton"), Qt::LeftButton);
         QCOMPARE(session.shownTag(), 9);
@@ -79,8 +76,7 @@ private Q_SLOTS:
     /// Rows follow while the end is looked at; what is looked at elsewhere stays in its place.
     void rowsArriveLive()
     {
-        const ApplicationFixture fixture;
-        const Session session(fixture);
+        const Session session;
         session.add(500);
         QCOMPARE(session.rows(), 577);
         auto &table = session.find<ZELKLWCLogTableView>("table");
@@ -133,8 +129,7 @@ private Q_SLOTS:
 
     void emptyTexts()
     {
-        const ApplicationFixture fixture;
-        const Session session(fixture, false);
+        const Session session(false);
         auto &pages = session.find<QStackedWidget>("pages");
         auto &remedy = session.find<QPushButton>("emptyButton");
         session.add(1);
@@ -202,8 +197,7 @@ private Q_SLOTS:
     void anyFont()
     {
         const QFont usual = QApplication::font();
-        const ApplicationFixture fixture;
-        const Session session(fixture);
+        const Session session;
         const auto &table = session.find<ZELKLWCLogTableView>("table");
         const int iconSize = session.find<QToolBar>("toolBar").iconSize().height();
         const int rowHeight = table.uniformRowHeight();
@@ -240,8 +234,7 @@ private Q_SLOTS:
     void symbolsFollowThePalette()
     {
         const QPalette usual = QApplication::palette();
-        const ApplicationFixture fixture;
-        const Session session(fixture);
+        const Session session;
         const QIcon icon = session.find<QAction>("actionDayBackward").icon();
         const QIcon overflow = session.find<QToolButton>("qt_toolbar_ext_button").icon();
         QVERIFY(!icon.isNull() && !overflow.isNull());

@@ -40,8 +40,8 @@ QList<ZELKRawEvent> naps()
 
 struct NapSession : Session
 {
-    explicit NapSession(const ApplicationFixture &fixture)
-        : Session(fixture, false)
+    NapSession()
+        : Session(false)
     {
         wiring.log().addExternalEntries(naps());
         QCoreApplication::processEvents();
@@ -71,8 +71,7 @@ class WindowPartsTest : public QObject
 private Q_SLOTS:
     void searches()
     {
-        const ApplicationFixture fixture;
-        NapSession session(fixture);
+        NapSession session;
         auto &field = session.find<ZELKSearchField>("filterField");
         const auto &matches = session.find<QLabel>("matchLabel");
         QVERIFY(!matches.isVisible() && !session.action("actionClearSearch").isEnabled());
@@ -99,8 +98,7 @@ private Q_SLOTS:
 
     void rowsHaveActions()
     {
-        const ApplicationFixture fixture;
-        NapSession session(fixture);
+        NapSession session;
         const QList<const char *> names{"actionCopy", "actionSelectPair", "actionExtendToPair",
                                         "actionJumpToSelection"};
         for (const char *name : names)
@@ -125,8 +123,7 @@ private Q_SLOTS:
 
     void showsSelectedDays()
     {
-        const ApplicationFixture fixture;
-        NapSession session(fixture);
+        NapSession session;
         session.action("actionSortDescending").trigger();
         session.click(3); // the 30th
         QTest::mouseClick(session.view.viewport(), Qt::RightButton);
@@ -147,8 +144,7 @@ private Q_SLOTS:
 
     void sortsByMenu()
     {
-        const ApplicationFixture fixture;
-        NapSession session(fixture);
+        NapSession session;
         const auto first = [&] { return session.view.model()->index(0, 0).data().toString(); };
         const QString oldest = first();
         QVERIFY(session.action("actionSortByDate").isChecked() &&
@@ -166,8 +162,7 @@ private Q_SLOTS:
 
     void customDays()
     {
-        const ApplicationFixture fixture;
-        NapSession session(fixture);
+        NapSession session;
         session.press(Qt::Key_G, Qt::ControlModifier);
         auto &from = session.find<QDateEdit>("fromDay");
         auto &to = session.find<QDateEdit>("toDay");
@@ -195,8 +190,7 @@ private Q_SLOTS:
 
     void preferencesHoldAtOnce()
     {
-        const ApplicationFixture fixture;
-        NapSession session(fixture);
+        NapSession session;
         session.press(Qt::Key_Comma, Qt::ControlModifier);
         ZELKUserDefaults &defaults = session.wiring.defaults();
         auto &dates = session.find<QCheckBox>("relativeDates");
@@ -235,8 +229,7 @@ private Q_SLOTS:
 
     void tableFollowsTheGraph()
     {
-        const ApplicationFixture fixture;
-        Session session(fixture);
+        Session session;
         session.pick(8);
         auto &graph = session.find<ZELKLWCEntriesView>("graph");
         QTRY_VERIFY(graph.isVisible() && !graph.cell().dataSourceChanged());
@@ -255,8 +248,7 @@ private Q_SLOTS:
     }
     void keysOfTheGraphStepThroughTheRows()
     {
-        const ApplicationFixture fixture;
-        NapSession session(fixture);
+        NapSession session;
         QTest::keyClicks(&session.find<ZELKSearchField>("filterField"),
                          session.view.model()->index(1, 1).data().toString());
         QCOMPARE(session.rows(), 7);
@@ -268,8 +260,7 @@ private Q_SLOTS:
 
     void everyControlIsReachableAndNamed()
     {
-        const ApplicationFixture fixture;
-        const Session session(fixture);
+        const Session session;
         for (const QWidget *widget : session.window.findChildren<QWidget *>()) {
             const bool isControl = widget->inherits("QAbstractButton") || widget->inherits("QComboBox") ||
                                    widget->inherits("QLineEdit") || widget->inherits("QDateEdit") ||
@@ -322,8 +313,7 @@ private Q_SLOTS:
 
     void splitterMovesByKeys()
     {
-        const ApplicationFixture fixture;
-        const Session session(fixture);
+        const Session session;
         session.window.resize(900, 700);
         const auto &graph = session.find<ZELKLWCEntriesView>("graph");
         QTRY_VERIFY(graph.isVisible() && !graph.cell().dataSourceChanged());
@@ -339,8 +329,7 @@ private Q_SLOTS:
 
     void menusAreUnambiguous()
     {
-        const ApplicationFixture fixture;
-        const Session session(fixture);
+        const Session session;
         checkMnemonics(session.window.menuBar()->actions(), u"menu bar"_s);
         for (const QMenu *menu : session.window.findChildren<QMenu *>())
             if (menu->objectName().endsWith("Menu"_L1) && menu->objectName() != u"contextMenu"_s)
@@ -373,8 +362,7 @@ private Q_SLOTS:
 
     void hintsShowInTheStatusBar()
     {
-        const ApplicationFixture fixture;
-        const Session session(fixture);
+        const Session session;
         session.find<QAction>("actionDayBackward").showStatusText(&session.window);
         QCOMPARE(session.window.statusBar()->currentMessage(), u"The days before, moved by one day"_s);
         QVERIFY(session.find<QLabel>("countLabel").isVisible());

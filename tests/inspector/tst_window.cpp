@@ -15,8 +15,7 @@ class WindowTest : public QObject
 private Q_SLOTS:
     void isShownAndHidden()
     {
-        const ApplicationFixture fixture;
-        Session session(fixture);
+        Session session;
         auto &table = session.find<ZELKLWCLogTableView>("table");
         const auto &action = session.find<QAction>("actionInspector");
         const auto panel = [&] { return session.window.findChild<ZELKLWCInspectorWindow *>(); };
