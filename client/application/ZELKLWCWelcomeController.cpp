@@ -3,11 +3,11 @@
 #include "ZELKAgentController.h"
 #include "ZELKAssertion.h"
 #include "ZELKEnvironment.h"
+#include "ZELKGraphText.h"
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLog.h"
 #include "ZELKRtfReader.h"
 #include "ZELKSystemFonts.h"
-#include "ZELKTextDocument.h"
 
 #include <QEvent>
 #include <QFile>
@@ -51,24 +51,12 @@ ZELKAttributedString onPaper(ZELKAttributedString text)
     return text;
 }
 
-double heightOf(const ZELKAttributedString &text, int width)
+/// The first paragraphs of `banner` that leave the other label alone; the first one in any case.
+ZELKAttributedString fitting(ZELKAttributedString banner, const ZELKAttributedString &topLeft,
+                             const QRectF &frame)
 {
-    QTextDocument document;
-    ZELKTextDocument::fill(document, text, ZELKTextColours::forPaper());
-    document.setTextWidth(width);
-    return document.size().height();
-}
-
-/// The first paragraphs of `banner` that leave the other label alone; the first one in any case. A banner's
-/// middle is three fifths of the way up.
-ZELKAttributedString fitting(ZELKAttributedString banner, const ZELKLWCEntriesView &view)
-{
-    if (banner.isEmpty())
-        return banner;
-    constexpr double middle = 0.4; // from above
-    const double room = 2.0 * (middle * view.height() - heightOf(view.labelTopLeft(), view.width()));
     qsizetype end = -1;
-    while (heightOf(banner, view.width()) > room &&
+    while (!ZELKGraphText::fitTogether(frame, topLeft, banner) &&
            (end = banner.string().lastIndexOf(QLatin1Char('\n'))) > 0)
         banner = banner.substring(0, end);
     return banner;
@@ -105,8 +93,9 @@ void ZELKLWCWelcomeController::applyLogLabels()
 void ZELKLWCWelcomeController::fitLabels()
 {
     ZELKLWCEntriesView &view = m_outlets.entriesView;
-    view.setLabelTopLeft(onPaper(m_clickStart));
-    view.setLabelBanner(fitting(onPaper(m_welcome), view));
+    const ZELKAttributedString topLeft = onPaper(m_clickStart);
+    view.setLabelTopLeft(topLeft);
+    view.setLabelBanner(m_welcome.isEmpty() ? m_welcome : fitting(onPaper(m_welcome), topLeft, view.rect()));
 }
 
 bool ZELKLWCWelcomeController::eventFilter(QObject *watched, QEvent *event)
