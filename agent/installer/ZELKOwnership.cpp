@@ -1,6 +1,6 @@
 #include "ZELKOwnership.h"
 
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 
 #include <QDirIterator>
 #include <QFile>

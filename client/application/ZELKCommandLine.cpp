@@ -11,7 +11,7 @@
 #include "ZELKRawEventImport.h"
 #include "ZELKStatisticsWriter.h"
 #include "ZELKSynchronisation.h"
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 #include "ZELKTextOutput.h"
 
 #include <QCoreApplication>

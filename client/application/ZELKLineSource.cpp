@@ -1,6 +1,6 @@
 #include "ZELKLineSource.h"
 
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -2,7 +2,7 @@
 
 #include "ZELKCharacters.h"
 #include "ZELKConsole.h"
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
 #include "ZELKExportFile.h"
 
 #include "ZELKPosixFile.h"
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "ZELKFileExport.h"
 
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 
 #include <cerrno>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "ZELKPrintOperation.h"
 
 #include "ZELKPosixFile.h"
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 
 #include <QDir>
 #include <QTemporaryFile>

@@ -1,7 +1,7 @@
 #include "ZELKEventFetch.h"
 
 #include "ZELKAssertion.h"
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 
 #include <array>
 #include <cerrno>

@@ -2,7 +2,7 @@
 
 #include "ZELKBundle.h"
 #include "ZELKEnvironment.h"
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "ZELKFileManager.h"
 
-#include "ZELKSystemError.h"
+#include "ZELKSystemErrorText.h"
 
 #include <QByteArray>
 #include <QFile>
