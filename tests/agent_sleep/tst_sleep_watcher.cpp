@@ -120,9 +120,9 @@ private Q_SLOTS:
         const BusPeer desktop(QDBusConnection::SessionBus,
                               question.contains("Mutter"_L1) ? u"org.gnome.Mutter.IdleMonitor"_s
                                                              : u"org.freedesktop.ScreenSaver"_s,
-                              [question, answer](const QDBusMessage &call) {
-                                  return call.path() + u' ' + call.member() == question
-                                             ? call.createReply(answer)
+                              [asked = question, told = answer](const QDBusMessage &call) {
+                                  return call.path() + u' ' + call.member() == asked
+                                             ? call.createReply(told)
                                              : call.createErrorReply(QDBusError::UnknownMethod, {});
                               });
         m_clock->pass(900, 0);
