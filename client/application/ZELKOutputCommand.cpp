@@ -77,6 +77,8 @@ bool ZELKOutputCommand::carryOut(ZELKOutputWork &work, const QString &path) cons
     advance(work);
     if (work.state() == State::Failed)
         complain(ZELKFormat(ZELKCommandLineText("Cannot save file: '%@': %s"), {path, work.error()}));
+    else if (work.state() != State::Done && work.isPartlyGone())
+        complain(ZELKFormat(ZELKCommandLineText("Cancelled; a part was written to %@ already."), {path}));
     else if (work.state() != State::Done)
         complain(ZELKFormat(ZELKCommandLineText("Cancelled; nothing was written to %@."), {path}));
     return work.state() == State::Done;

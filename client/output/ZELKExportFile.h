@@ -32,13 +32,19 @@ public:
 
     /// Begins. False also where it can be seen already that there is no writing to the path.
     bool open();
+    /// Where who needs a name can write in place of the device, which this process alone can.
+    QString stagedPath() const { return m_staging.descriptorPath(); }
+    /// What was written there is what is placed.
+    void takeStaged() { m_size = m_staging.size(); }
     /// Brings the next some megabytes of what was written to their place.
     Placing place();
     double placedFraction() const;
     /// Whether an old file's content is being lost.
     bool isReplacing() const { return m_target >= 0 && m_isOurTarget && m_exists && m_isRegular; }
 
-    const QString &path() const { return m_path; }
+    /// Whether a pipe, a device or a descriptor has some of it, which nobody takes back.
+    bool isPartlyGone() const { return m_placed > 0 && !m_isRegular; }
+
     /// Of the first thing that failed; 0 while nothing has.
     int systemError() const { return m_error; }
     QString systemErrorText() const;
@@ -68,8 +74,8 @@ private:
     bool m_exists = false;
     int m_target = -1;
     bool m_isOurTarget = true;
-    bool m_isRegular = false;
-    bool m_isPipe = false; // with a name
+    bool m_isRegular = false; // never of a descriptor
+    bool m_isPipe = false;    // with a name
     qint64 m_placed = 0;
     int m_error = 0;
 };

@@ -9,8 +9,6 @@ class ZELKFileExport : public ZELKOutputWork
 public:
     ZELKFileExport(std::unique_ptr<ZELKExportSource> source, std::unique_ptr<ZELKExportFile> file);
 
-    const QString &path() const { return file().path(); }
-
 protected:
     State produce() override;
     double producedFraction() const override { return m_source->fraction(); }

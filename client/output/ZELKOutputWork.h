@@ -7,7 +7,8 @@
 
 /// Something for elsewhere while it is made, in slices between which its owner does what else there is to do:
 /// it is produced piece by piece, and what goes to a file is then placed there. Who destroys it before it is
-/// done has cancelled it; then the file is as it was, unless canBeCancelled() said no.
+/// done has cancelled it; then the file is as it was, unless canBeCancelled() said no. A pipe keeps what it
+/// has: isPartlyGone() tells.
 class ZELKOutputWork
 {
 public:
@@ -27,6 +28,8 @@ public:
     State state() const { return m_state; }
     /// Not while a file that was there is being written over.
     bool canBeCancelled() const { return !m_file || !m_file->isReplacing(); }
+    /// Once a pipe, a device or a descriptor has some of it.
+    bool isPartlyGone() const { return m_file && m_file->isPartlyGone(); }
     /// How far it is, from 0 to 1.
     double fraction() const;
     /// Null unless it failed. The system's words then, or empty where it has none.

@@ -70,6 +70,17 @@ bool ZELKStagedFile::openElsewhere()
     return m_file >= 0;
 }
 
+QString ZELKStagedFile::descriptorPath() const
+{
+    return QStringLiteral("/proc/self/fd/%1").arg(m_file);
+}
+
+qint64 ZELKStagedFile::size() const
+{
+    struct stat status = {};
+    return ::fstat(m_file, &status) == 0 ? qint64(status.st_size) : 0;
+}
+
 qint64 ZELKStagedFile::write(const char *data, qint64 size, qint64 offset) const
 {
     return ZELKPosixFile::writeAll(data, size, [&](const char *bytes, std::size_t count, qint64 done) {
@@ -96,7 +107,7 @@ bool ZELKStagedFile::giveName(const QString &path)
         return false;
     const QByteArray target = QFile::encodeName(path);
     if (m_name.isEmpty()) {
-        const QByteArray itself = "/proc/self/fd/" + QByteArray::number(m_file);
+        const QByteArray itself = QFile::encodeName(descriptorPath());
         return ::linkat(AT_FDCWD, itself.constData(), AT_FDCWD, target.constData(), AT_SYMLINK_FOLLOW) == 0;
     }
     // Not every file system knows both.

@@ -19,6 +19,9 @@ public:
     /// In the temporary folder.
     bool openElsewhere();
 
+    /// A name by which this process can open it again.
+    QString descriptorPath() const;
+    qint64 size() const;
     /// How many bytes were written, which are fewer only after an error.
     qint64 write(const char *data, qint64 size, qint64 offset) const;
     /// The next bytes, `most` at most; null after an error, which the file's end is, too.

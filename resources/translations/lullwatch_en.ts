@@ -1126,6 +1126,10 @@ in the user guide (Help in the window).
         <translation>Cancelled; nothing was written to %@.</translation>
     </message>
     <message>
+        <source>Cancelled; a part was written to %@ already.</source>
+        <translation>Cancelled; a part was written to %@ already.</translation>
+    </message>
+    <message>
         <source>%d%%</source>
         <translation>%d%%</translation>
     </message>

@@ -153,12 +153,13 @@ private Q_SLOTS:
         ZELKFileExport work = exportOf(bytes(megabyte), path("pipe"));
         produce(work);
         QCOMPARE(work.advance(0), State::Placing);
+        QVERIFY(!work.isPartlyGone());
         const int reader = ::open(name.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
         for (double before = -1.0; before < work.fraction();) {
             before = work.fraction();
             QCOMPARE(work.advance(0), State::Placing);
         }
-        QVERIFY(work.canBeCancelled());
+        QVERIFY(work.canBeCancelled() && work.isPartlyGone());
         QByteArray read;
         QByteArray piece(megabyte, '\0');
         for (qint64 size = 1; size > 0 || work.state() == State::Placing; work.advance(0)) {
