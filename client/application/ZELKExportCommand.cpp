@@ -1,13 +1,11 @@
 #include "ZELKExportCommand.h"
 
 #include "ZELKApplicationWiring.h"
-#include "ZELKBytesSource.h"
 #include "ZELKCommandLineText.h"
 #include "ZELKFileExport.h"
 #include "ZELKFormat.h"
 #include "ZELKGraphImage.h"
 #include "ZELKLWCEntriesView.h"
-#include "ZELKLogRepresentation.h"
 
 #include <QFileInfo>
 
@@ -77,7 +75,8 @@ bool ZELKExportCommand::run(const ZELKExportRequest &request)
     const bool isOutput = request.output == QLatin1String("-");
     if (!isOutput && !mayWriteTo(request.output))
         return false;
-    auto source = this->source(request);
+    auto source =
+        ZELKExportFormat::withTag(request.tag)->source(wiring().log(), [&] { return picture(request); });
     if (!source) {
         complain(ZELKCommandLineText("There is not enough memory for a picture of that size."));
         return false;
@@ -88,22 +87,11 @@ bool ZELKExportCommand::run(const ZELKExportRequest &request)
     return carryOut(work, request.output);
 }
 
-std::unique_ptr<ZELKExportSource> ZELKExportCommand::source(const ZELKExportRequest &request) const
-{
-    if (request.isPicture())
-        return picture(request);
-    return ZELKLogRepresentation::sourceOfType(
-        wiring().log(), QString::fromLatin1(ZELKExportFormat::withTag(request.tag)->dataType));
-}
-
-std::unique_ptr<ZELKExportSource> ZELKExportCommand::picture(const ZELKExportRequest &request) const
+QImage ZELKExportCommand::picture(const ZELKExportRequest &request) const
 {
     ZELKLWCEntriesView view;
     view.setLog(&wiring().log());
     view.setDateRange(&wiring().dateRange());
     view.awakeFromNib();
-    const QImage image = view.imageValueWithWidth(float(request.width), float(request.height));
-    const QByteArray bytes = request.tag == ZELKExportFormat::Png ? ZELKGraphImage::PNGRepresentation(image)
-                                                                  : ZELKGraphImage::TIFFRepresentation(image);
-    return bytes.isEmpty() ? nullptr : std::make_unique<ZELKBytesSource>(bytes);
+    return view.imageValueWithWidth(float(request.width), float(request.height));
 }

@@ -5,10 +5,7 @@
 
 #include <QString>
 
-#include <memory>
 #include <optional>
-
-class ZELKExportSource;
 
 /// What "lullwatch export" is asked for. A value.
 struct ZELKExportRequest
@@ -47,6 +44,5 @@ public:
     bool run(const ZELKExportRequest &request);
 
 private:
-    std::unique_ptr<ZELKExportSource> source(const ZELKExportRequest &request) const;
-    std::unique_ptr<ZELKExportSource> picture(const ZELKExportRequest &request) const;
+    QImage picture(const ZELKExportRequest &request) const;
 };

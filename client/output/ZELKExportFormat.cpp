@@ -1,5 +1,7 @@
 #include "ZELKExportFormat.h"
 
+#include "ZELKBytesSource.h"
+#include "ZELKGraphImage.h"
 #include "ZELKLogRepresentation.h"
 
 #include <array>
@@ -24,6 +26,16 @@ std::optional<ZELKExportFormat> find(const Matches &matches)
 }
 
 } // namespace
+
+std::unique_ptr<ZELKExportSource> ZELKExportFormat::source(const ZELKLWCLog &log,
+                                                           const std::function<QImage()> &image) const
+{
+    if (!isPicture())
+        return ZELKLogRepresentation::sourceOfType(log, QString::fromLatin1(dataType));
+    const QByteArray picture =
+        tag == Png ? ZELKGraphImage::PNGRepresentation(image()) : ZELKGraphImage::TIFFRepresentation(image());
+    return picture.isEmpty() ? nullptr : std::make_unique<ZELKBytesSource>(picture);
+}
 
 std::optional<ZELKExportFormat> ZELKExportFormat::withTag(int tag)
 {

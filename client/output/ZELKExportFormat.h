@@ -1,8 +1,14 @@
 #pragma once
 
+#include <QImage>
 #include <QString>
 
+#include <functional>
+#include <memory>
 #include <optional>
+
+class ZELKExportSource;
+class ZELKLWCLog;
 
 /// The formats that can be exported. Their tags are kept in settings and interface files; 4 is none.
 struct ZELKExportFormat
@@ -14,6 +20,10 @@ struct ZELKExportFormat
     const char *dataType;
 
     bool isPicture() const { return tag == Tiff || tag == Png; }
+    /// The log, or of a picture what `image` makes, to be written. Null where memory does not suffice for a
+    /// picture. The log must outlive the source.
+    std::unique_ptr<ZELKExportSource> source(const ZELKLWCLog &log,
+                                             const std::function<QImage()> &image) const;
 
     static std::optional<ZELKExportFormat> withTag(int tag);
     /// In capitals too.

@@ -1,17 +1,15 @@
 #include "ZELKLWCExportController.h"
 
 #include "ZELKAssertion.h"
-#include "ZELKBytesSource.h"
 #include "ZELKCalendar.h"
 #include "ZELKConsole.h"
 #include "ZELKEnvironment.h"
 #include "ZELKExportFormat.h"
+#include "ZELKExportSource.h"
 #include "ZELKFileExport.h"
-#include "ZELKGraphImage.h"
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLog.h"
-#include "ZELKLogRepresentation.h"
 #include "ZELKOutputProgress.h"
 #include "ZELKSavePanel.h"
 #include "ZELKUserDefaults.h"
@@ -184,19 +182,10 @@ void ZELKLWCExportController::exportPanelDidEnd(const ZELKSavePanel &panel, int 
 {
     if (returnCode != QDialog::Accepted)
         return;
-    if (auto source = sourceForTag(exportSuffixTag()))
+    const auto format = formatWithTag(exportSuffixTag());
+    auto source = format ? format->source(*m_log, [this] { return m_entriesView->imageValue(); }) : nullptr;
+    if (source)
         startExport(std::move(source), panel.filePath());
-}
-
-/// Null where there is nothing to write.
-std::unique_ptr<ZELKExportSource> ZELKLWCExportController::sourceForTag(int tag) const
-{
-    if (tag != ZELKExportFormat::Png && tag != ZELKExportFormat::Tiff)
-        return ZELKLogRepresentation::sourceOfType(*m_log, dataTypeForFormatTag(tag));
-    const QByteArray picture = tag == ZELKExportFormat::Png
-                                   ? m_entriesView->PNGRepresentation()
-                                   : ZELKGraphImage::TIFFRepresentation(m_entriesView->imageValue());
-    return picture.isEmpty() ? nullptr : std::make_unique<ZELKBytesSource>(picture);
 }
 
 void ZELKLWCExportController::startExport(std::unique_ptr<ZELKExportSource> source, const QString &path)

@@ -72,7 +72,6 @@ private:
     void prepareChooser();
     QComboBox *chooser() const;
     static QString suggestedName();
-    std::unique_ptr<ZELKExportSource> sourceForTag(int tag) const;
     void startExport(std::unique_ptr<ZELKExportSource> source, const QString &path);
     void exportEnded(const QString &path, const QString &error);
 
