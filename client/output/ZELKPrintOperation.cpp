@@ -1,11 +1,10 @@
 #include "ZELKPrintOperation.h"
 
-#include "ZELKPosixFile.h"
 #include "ZELKSystemErrorText.h"
 
-#include <QDir>
-#include <QTemporaryFile>
+#include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 
 namespace {
@@ -53,11 +52,8 @@ double ZELKPrintOperation::producedFraction() const
 ZELKOutputWork::State ZELKPrintOperation::begin()
 {
     if (!m_path.isEmpty()) {
-        m_document =
-            std::make_unique<QTemporaryFile>(QDir::temp().filePath(QStringLiteral("lullwatch-XXXXXX.pdf")));
-        if (!m_document->open())
-            return fail(m_document->errorString());
-        m_printer.setOutputFileName(m_document->fileName());
+        m_printer.setOutputFormat(QPrinter::PdfFormat); // which the name of the staged file does not tell
+        m_printer.setOutputFileName(file().stagedPath());
     }
     m_printer.setDocName(ZELKLWCPrintableReportView::printJobTitle());
     m_printer.setCreator(ZELKLWCPrintableReportView::applicationName());
@@ -89,36 +85,36 @@ ZELKOutputWork::State ZELKPrintOperation::end()
     if (!m_painter.end())
         return failPrinting();
     giveBackPrinter();
-    return m_document ? handOver() : State::Done;
+    return m_path.isEmpty() ? State::Done : handOver();
 }
 
 /// Qt does not tell when it cannot write; a document that is whole ends with this.
 ZELKOutputWork::State ZELKPrintOperation::handOver()
 {
     constexpr char lastWord[] = "%%EOF";
-    const QByteArray bytes = m_document->readAll();
-    if (!QByteArrayView(bytes).trimmed().endsWith(lastWord))
-        return fail(reasonOfDocument());
-    return file().write(bytes) == bytes.size() ? State::Placing : fail(file().systemErrorText());
+    constexpr qint64 room = 16;
+    file().takeStaged();
+    QFile document(file().stagedPath());
+    const bool isWhole = document.open(QIODevice::ReadOnly) &&
+                         document.seek(std::max(document.size() - room, qint64(0))) &&
+                         document.readAll().trimmed().endsWith(lastWord);
+    return isWhole ? State::Placing : fail(reasonOfDocument());
 }
 
-/// Qt does not tell why it could not write to the file. What had no room a moment ago has none now.
-QString ZELKPrintOperation::reasonOfDocument() const
+/// Nor why. What had no room a moment ago has none now.
+QString ZELKPrintOperation::reasonOfDocument()
 {
     const QByteArray more(65536, ' ');
-    const qint64 end = m_document->size();
-    const qint64 done = ZELKPosixFile::writeAll(
-        more.constData(), more.size(), [&](const char *bytes, std::size_t count, qint64 offset) {
-            return ::pwrite(m_document->handle(), bytes, count, end + offset);
-        });
-    return ZELKSystemErrorText(done < more.size() ? errno : EIO);
+    file().takeStaged();
+    file().seek(file().size());
+    return file().write(more) == more.size() ? ZELKSystemErrorText(EIO) : file().systemErrorText();
 }
 
 /// Of a printer nothing is known.
 ZELKOutputWork::State ZELKPrintOperation::failPrinting()
 {
     abort();
-    return fail(m_document ? reasonOfDocument() : QString());
+    return fail(m_path.isEmpty() ? QString() : reasonOfDocument());
 }
 
 void ZELKPrintOperation::abort()
@@ -132,7 +128,7 @@ void ZELKPrintOperation::abort()
 
 void ZELKPrintOperation::giveBackPrinter()
 {
-    if (m_document) // an empty name would choose the format anew
+    if (!m_path.isEmpty()) // an empty name would choose the format anew
         m_printer.setOutputFileName(m_path);
     m_printer.setFullPage(m_wasFullPage);
 }

@@ -8,8 +8,6 @@
 
 #include <memory>
 
-class QTemporaryFile;
-
 /// Prints a report, on a printer or into a file. Where that is cancelled a printer is told to abort; whether
 /// it still can is its own affair.
 class ZELKPrintOperation : public ZELKOutputWork
@@ -32,7 +30,7 @@ private:
     State printNext();
     State end();
     State handOver();
-    QString reasonOfDocument() const;
+    QString reasonOfDocument();
     State failPrinting();
     void abort();
     void giveBackPrinter();
@@ -43,6 +41,5 @@ private:
     qsizetype m_printed = 0;
     QString m_path; // empty on a printer
     bool m_wasFullPage;
-    std::unique_ptr<QTemporaryFile> m_document; // printed to in place of the path
     QPainter m_painter;
 };
