@@ -180,7 +180,7 @@ private Q_SLOTS:
         const ZELKLWCPrintableReportView report(&bed.view, &bed.model(), u"title"_s,
                                                 {{20.0, 20.0}, {15.0, 15.0, 15.0, 15.0}});
         QCOMPARE(report.pages(), 3);
-        paint(report, report.rectForPage(3));
+        QCOMPARE(paint(report, report.rectForPage(3)), white({20, 20}));
     }
 
     void theResolutionChangesNothing()
