@@ -127,11 +127,12 @@ ZELKExportFile::Placing ZELKExportFile::place()
     return m_placed < m_size ? Placing::More : Placing::Done;
 }
 
-/// Waits a moment for a pipe or device, never for long: somebody may want to cancel.
+/// Waits a moment for a pipe or device, never for long: somebody may want to cancel. Where a signal ends the
+/// waiting, writing would wait on.
 bool ZELKExportFile::takesMore() const
 {
     pollfd target = {m_target, POLLOUT, 0};
-    return m_isRegular || ::poll(&target, 1, waitMilliseconds) != 0;
+    return m_isRegular || ::poll(&target, 1, waitMilliseconds) > 0;
 }
 
 /// False also when its reader has gone, which is no error.

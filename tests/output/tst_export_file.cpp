@@ -8,11 +8,14 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <array>
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -169,6 +172,26 @@ private Q_SLOTS:
         ::close(reader);
         QCOMPARE(work.state(), State::Done);
         QCOMPARE(read, bytes(megabyte));
+    }
+
+    /// Nobody reads standard output any further; Ctrl+C can come while it is waited for.
+    void signalWhileAPipeIsFull()
+    {
+        std::array<int, 2> ends{};
+        QCOMPARE(::pipe2(ends.data(), O_CLOEXEC), 0);
+        ZELKFileExport work(std::make_unique<ZELKBytesSource>(bytes(megabyte)),
+                            std::make_unique<ZELKExportFile>(ends[1], u"-"_s));
+        produce(work);
+        for (double before = -1.0; before < work.fraction(); work.advance(0))
+            before = work.fraction();
+        std::signal(SIGALRM, [](int) {});
+        const itimerval soon{{}, {0, 5000}};
+        ::setitimer(ITIMER_REAL, &soon, nullptr);
+        QCOMPARE(work.advance(0), State::Placing);
+        std::signal(SIGALRM, SIG_DFL);
+        QVERIFY(work.canBeCancelled() && work.isPartlyGone());
+        ::close(ends[0]);
+        ::close(ends[1]);
     }
 
     void failures()
