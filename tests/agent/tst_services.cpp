@@ -71,9 +71,8 @@ private Q_SLOTS:
         for (const auto &[from, to, first, length] : ranges) {
             const StreamedEvents found = readStream(ask(from, to));
             QCOMPARE(found.state, State::Complete);
-            if (to != infinity) // else there is what it records itself, as it settles
-                QCOMPARE(found.names.size(), length);
-            QVERIFY(found.names.size() >= length);
+            // Behind them comes what the agent records itself, once that has settled.
+            QCOMPARE(found.names.filter(u"event "_s).size(), length);
             for (int i = 0; i < length; ++i) {
                 QCOMPARE(found.names.at(i), u"event %1"_s.arg(first + i));
                 QCOMPARE(found.dates.at(i), u"%1.000000"_s.arg(first + i));
