@@ -92,7 +92,7 @@ struct Application
     static ZELKApplicationWiring::World world(const ZELKApplicationSettings &settings)
     {
         auto world = ZELKApplicationWiring::World::real(settings);
-        world.servesUpdates = false;
+        world.servesBus = false;
         return world;
     }
 };
