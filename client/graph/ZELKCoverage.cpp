@@ -29,6 +29,22 @@ void ZELKCoverage::forgetBounds()
 
 void ZELKCoverage::addEdge(QPointF from, QPointF to)
 {
+    for (const double border : {double(m_box.left()), double(m_box.left() + m_box.width())}) {
+        if ((from.x() - border) * (to.x() - border) < 0.0) {
+            const double part = (border - from.x()) / (to.x() - from.x());
+            const QPointF crossing(border, from.y() + part * (to.y() - from.y()));
+            addEdge(from, crossing);
+            addEdge(crossing, to);
+            return;
+        }
+    }
+    addPiece(from, to);
+}
+
+/// An edge that does not cross the left border, nor the right one. Beyond them it runs upright along the
+/// border.
+void ZELKCoverage::addPiece(QPointF from, QPointF to)
+{
     double sign = 1.0;
     if (from.y() > to.y()) {
         std::swap(from, to);

@@ -7,7 +7,7 @@
 #include <vector>
 
 /// How much of each pixel shapes cover, made by adding up the signed areas right of their edges: nothing is
-/// sorted, and an edge costs no more than the rows that it crosses, so that shapes of very many edges stay
+/// sorted, and an edge costs no more than the cells that it crosses, so that shapes of very many edges stay
 /// cheap. Kept within a box; what lies outside of it is cut off.
 ///
 /// Shapes are closed, in pixels, and all run the same way round. Where two overlap inside one pixel it counts
@@ -35,6 +35,7 @@ public:
 
 private:
     float *row(int y) { return m_areas.data() + std::size_t(y) * std::size_t(m_stride); }
+    void addPiece(QPointF from, QPointF to);
     void addToRow(float *row, double left, double right, double area);
     void addToColumns(float *row, double left, double right, double area);
     void addJoint(QPointF at, QPointF before, QPointF after);

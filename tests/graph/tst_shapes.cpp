@@ -1,7 +1,13 @@
 // Places, shapes and what is merged: values alone, no log.
 #include "NamedRows.h"
 #include "ZELKChartScale.h"
+#include "ZELKCoverage.h"
 #include "ZELKLWCEntriesViewDisplayList.h"
+
+#include <QRandomGenerator>
+
+#include <map>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -126,6 +132,32 @@ private Q_SLOTS:
         for (const QString &block : blocks.split(u' '))
             merged.add(block.section(u'-', 0, 0).toDouble(), block.section(u'-', 1).toDouble());
         QTEST(rangesText(merged.ranges()), "merged");
+    }
+
+    void boxCutsNothingButWhatLiesOutside()
+    {
+        QRandomGenerator random(9);
+        const auto place = [&random] {
+            return QPointF(random.bounded(60.0) - 20.0, random.bounded(60.0) - 20.0);
+        };
+        const auto sharesOf = [](const QRect &box, const std::vector<QPointF> &line) {
+            ZELKCoverage coverage(box);
+            coverage.addLine(line, 1.5);
+            std::map<std::pair<int, int>, float> shares;
+            coverage.takeRows([&shares](int y, int x, std::span<const float> row) {
+                for (const float share : row)
+                    shares[{x++, y}] = share;
+            });
+            return shares;
+        };
+        for (int round = 0; round < 50; ++round) {
+            const std::vector<QPointF> line{place(), place(), place()};
+            auto whole = sharesOf(QRect(-30, -30, 90, 90), line);
+            auto cut = sharesOf(QRect(3, 4, 11, 9), line);
+            for (int x = 3; x < 14; ++x)
+                for (int y = 4; y < 13; ++y)
+                    QVERIFY(std::abs(whole[{x, y}] - cut[{x, y}]) < 1e-4F);
+        }
     }
 
     void linesThatGoBack()
