@@ -17,7 +17,7 @@ class ZELKEmptyPage : public QObject
     Q_OBJECT
 
 public:
-    /// Outlets are looked up by name; those that are missing raise. `window` owns the page.
+    /// Outlets are looked up by name; those that are missing raise. `window` outlives the page.
     explicit ZELKEmptyPage(QMainWindow &window);
 
     struct Content

@@ -12,8 +12,7 @@ class ZELKExportActions : public QObject
     Q_OBJECT
 
 public:
-    /// Outlets are looked up by name; those that are missing raise. `window` owns the object; `wiring`
-    /// outlives it.
+    /// Outlets are looked up by name; those that are missing raise. Both outlive the object.
     ZELKExportActions(QMainWindow &window, ZELKApplicationWiring &wiring);
 
 private:

@@ -18,8 +18,7 @@ class ZELKHelpMenu : public QObject
     Q_OBJECT
 
 public:
-    /// Outlets are looked up by name; those that are missing raise. `wiring` outlives the window, which owns
-    /// the menu.
+    /// Outlets are looked up by name; those that are missing raise. Both outlive the menu.
     ZELKHelpMenu(QMainWindow &window, ZELKApplicationWiring &wiring);
     ~ZELKHelpMenu() override;
 

@@ -15,8 +15,8 @@ class ZELKInspectorWiring : public QObject
     Q_OBJECT
 
 public:
-    /// Outlets are looked up by name; those that are missing raise. `window` owns the wiring; the others
-    /// outlive it.
+    /// Outlets are looked up by name; those that are missing raise. All that is given outlives this
+    /// object.
     ZELKInspectorWiring(QMainWindow &window, ZELKApplicationWiring &wiring, ZELKLogTable &table);
 
     ZELKLWCInspectorController &controller() { return m_controller; }

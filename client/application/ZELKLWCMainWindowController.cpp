@@ -100,6 +100,7 @@ ZELKLWCMainWindowController::ZELKLWCMainWindowController(ZELKApplicationWiring &
 ZELKLWCMainWindowController::~ZELKLWCMainWindowController()
 {
     zelkSetFailureObserver({});
+    outlet<ZELKLWCEntriesView>("graph")->setListedEntries({}); // the table ends before the graph
     m_wiring.delegate().setWindow(nullptr);
     m_wiring.delegate().setWelcomeController(nullptr);
 }

@@ -14,8 +14,7 @@ class ZELKMainMenu : public QObject
     Q_OBJECT
 
 public:
-    /// Outlets are looked up by name; those that are missing raise. `wiring` outlives the window, which owns
-    /// the menu.
+    /// Outlets are looked up by name; those that are missing raise. Both outlive the menu.
     ZELKMainMenu(QMainWindow &window, ZELKApplicationWiring &wiring);
 
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -12,8 +12,8 @@ class ZELKPrintActions : public QObject
     Q_OBJECT
 
 public:
-    /// Outlets are looked up by name; those that are missing raise. `window` owns the actions; the others
-    /// outlive it.
+    /// Outlets are looked up by name; those that are missing raise. All that is given outlives the
+    /// actions.
     ZELKPrintActions(QMainWindow &window, ZELKLWCDateRangeController &dateRange,
                      ZELKLWCLogTableController &table, ZELKLWCLogTableView &view);
 

@@ -52,18 +52,25 @@ ZELKSampleLog::ZELKSampleLog(const ZELKApplicationSettings &settings)
 
 std::optional<QString> ZELKSampleLog::prepare()
 {
-    if (!ZELKFileManager::makeFolder(m_folder) && m_lock.open(QIODevice::WriteOnly) && takePlace())
+    if (!ZELKFileManager::makeFolder(m_folder) && takePlace())
         return std::nullopt;
     return ZELKCommandLineText("The sample log cannot be opened.");
 }
 
-/// Where files cannot be locked, as on some servers, this run is taken to be alone.
+/// Where nothing can be locked, as on some servers or in a folder that is only read, this run is taken to be
+/// alone. A run that waited for another one to make the log makes it itself where that one did not.
 bool ZELKSampleLog::takePlace()
 {
-    const bool isAlone = ::flock(m_lock.handle(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
-    const bool isMade = isAlone && make();
-    ::flock(m_lock.handle(), LOCK_SH);
-    return isAlone ? isMade : isThere();
+    if (!m_lock.open(QIODevice::WriteOnly))
+        return make();
+    for (int tries = 0; tries < 2; ++tries) {
+        const bool isAlone = ::flock(m_lock.handle(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+        const bool isMade = isAlone && make();
+        ::flock(m_lock.handle(), LOCK_SH);
+        if (isAlone || isThere())
+            return isMade || !isAlone;
+    }
+    return false;
 }
 
 bool ZELKSampleLog::isThere() const

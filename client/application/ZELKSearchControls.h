@@ -16,8 +16,8 @@ class ZELKSearchControls : public QObject
     Q_OBJECT
 
 public:
-    /// Outlets are looked up by name; those that are missing raise. `window` owns the controls; the others
-    /// outlive it.
+    /// Outlets are looked up by name; those that are missing raise. All that is given outlives the
+    /// controls.
     ZELKSearchControls(QMainWindow &window, ZELKLWCLogTableController &table, ZELKLWCLogTableView &view,
                        const ZELKLWCLog &log);
 

@@ -15,7 +15,7 @@ class ZELKSliceWiring : public QObject
     Q_OBJECT
 
 public:
-    /// `window` owns the wiring; the others outlive it.
+    /// All that is given outlives this object.
     ZELKSliceWiring(QMainWindow &window, ZELKApplicationWiring &wiring, ZELKLWCLogTableController &table);
     ~ZELKSliceWiring() override;
 

@@ -16,8 +16,8 @@ class ZELKTableActions : public QObject
     Q_OBJECT
 
 public:
-    /// Outlets are looked up by name; those that are missing raise. `window` owns the actions; the others
-    /// outlive it.
+    /// Outlets are looked up by name; those that are missing raise. All that is given outlives the
+    /// actions.
     ZELKTableActions(QMainWindow &window, ZELKLWCLogTableController &table, ZELKLWCLogTableView &view,
                      ZELKLWCDateJumpController &dateJump);
 

@@ -17,7 +17,7 @@ class ZELKToolBar : public QObject
     Q_OBJECT
 
 public:
-    /// Makes the widgets, by the names that their outlets look for. `window` owns the tool bar.
+    /// Makes the widgets, by the names that their outlets look for. `window` outlives the tool bar.
     ZELKToolBar(QMainWindow &window, const ZELKBundle &bundle);
 
     /// Puts everything into its place, once all actions are there. Each button can be reached by Tab, and its

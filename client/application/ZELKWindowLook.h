@@ -11,7 +11,7 @@ class ZELKWindowLook : public QObject
     Q_OBJECT
 
 public:
-    /// Outlets are looked up by name; those that are missing raise. `window` owns the look.
+    /// Outlets are looked up by name; those that are missing raise. `window` outlives the look.
     explicit ZELKWindowLook(QMainWindow &window);
 
     bool eventFilter(QObject *watched, QEvent *event) override;

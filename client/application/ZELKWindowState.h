@@ -16,7 +16,7 @@ class ZELKWindowState : public QObject
     Q_OBJECT
 
 public:
-    /// `window` owns the state; `columns` belongs to it. `defaults` must outlive both.
+    /// All outlive the state; `columns` belongs to `window`.
     ZELKWindowState(QMainWindow &window, QHeaderView &columns, ZELKUserDefaults &defaults);
 
     /// What was remembered; else the usual size, for so many characters by so many lines.

@@ -36,8 +36,8 @@ public:
     void setLog(ZELKLWCLog *log) { m_log = log; }
     void setDateRange(ZELKLWCDateRangeController *dateRange) { m_dateRange = dateRange; }
     /// What keys go through, and dates chosen here stand for: the rows of a list that follows the selection,
-    /// asked for what a date lies between; it must outlive the view. The log's visible entries, unless it is
-    /// set.
+    /// asked for what a date lies between; unset before that list ends. The log's visible entries, unless it
+    /// is set.
     using ListedEntries = std::function<ZELKDateNeighbours(ZELKDate date)>;
     void setListedEntries(ListedEntries entries) { m_listedEntries = std::move(entries); }
     /// From here on log and range are shown and followed.

@@ -10,6 +10,7 @@
 #include "ZELKInterfaceLoader.h"
 #include "ZELKLWCEntriesView.h"
 #include "ZELKLWCLog.h"
+#include "ZELKLogRepresentation.h"
 #include "ZELKOutputProgress.h"
 #include "ZELKSavePanel.h"
 #include "ZELKUserDefaults.h"
@@ -183,7 +184,8 @@ void ZELKLWCExportController::exportPanelDidEnd(const ZELKSavePanel &panel, int 
     if (returnCode != QDialog::Accepted)
         return;
     const auto format = formatWithTag(exportSuffixTag());
-    auto source = format ? format->source(*m_log, [this] { return m_entriesView->imageValue(); }) : nullptr;
+    auto source = format ? format->source(*m_log, [this] { return m_entriesView->imageValue(); })
+                         : ZELKLogRepresentation::sourceOfType(*m_log, {}); // which tells of it, too
     if (source)
         startExport(std::move(source), panel.filePath());
 }

@@ -52,6 +52,9 @@ double ZELKPrintOperation::producedFraction() const
 ZELKOutputWork::State ZELKPrintOperation::begin()
 {
     if (!m_path.isEmpty()) {
+        QFile document(file().stagedPath()); // the printer would not tell why it cannot
+        if (!document.open(QIODevice::ReadWrite))
+            return fail(document.errorString());
         m_printer.setOutputFormat(QPrinter::PdfFormat); // which the name of the staged file does not tell
         m_printer.setOutputFileName(file().stagedPath());
     }

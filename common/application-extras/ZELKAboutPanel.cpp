@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QtGlobal>
 
+#include <memory>
+
 namespace {
 
 constexpr int iconSide = 96;
@@ -36,7 +38,7 @@ ZELKAboutPanel::~ZELKAboutPanel()
 
 QDialog *ZELKAboutPanel::load(QWidget &window) const
 {
-    QDialog *panel = ZELKInterfaceLoader::loadDialog(m_bundle, className(), window);
+    std::unique_ptr<QDialog> panel(ZELKInterfaceLoader::loadDialog(m_bundle, className(), window));
     panel->setAttribute(Qt::WA_DeleteOnClose);
     label(*panel, "icon").setPixmap(m_icon.pixmap(QSize(iconSide, iconSide), window.devicePixelRatio()));
     QLabel &name = label(*panel, "name");
@@ -50,7 +52,7 @@ QDialog *ZELKAboutPanel::load(QWidget &window) const
         ZELKFormat(version.text(), {m_bundle.infoDictionary().string(QStringLiteral("CFBundleVersion"))}));
     QLabel &builtWith = label(*panel, "builtWith");
     builtWith.setText(ZELKFormat(builtWith.text(), {qVersion()}));
-    return panel;
+    return panel.release(); // the window has it
 }
 
 void ZELKAboutPanel::orderFront(QWidget &window)

@@ -93,6 +93,7 @@ private Q_SLOTS:
         QCOMPARE(console.lines(), QStringList(u"Unsuppported export format tag: 4"_s));
         QCOMPARE(bed.panel().requiredFileType(), u"png"_s);
         bed.panel().accept();
+        QCOMPARE(console.lines().last(), u"Unsupported ZELKLog::dataRepresentationOfType:(null)"_s);
         QVERIFY(QDir(bed.folder.path()).entryList({u"*Lullwatch*"_s}).isEmpty());
     }
 
