@@ -75,7 +75,9 @@ private Q_SLOTS:
         m_agent->terminate();
         QVERIFY(m_agent->waitForFinished());
         QCOMPARE(m_agent->exitCode(), 0);
-        QVERIFY2(words().count('\n') == (wasThere ? 2 : 1), words());
+        // Told of once, beside a question that was on its way when the bus ended.
+        const qsizetype unasked = words().count("could not be asked: Not connected");
+        QVERIFY2(words().count('\n') - unasked == (wasThere ? 2 : 1), words());
     }
 
     /// Most of what a start takes is handed back.
