@@ -1,5 +1,6 @@
 #include "AgentBed.h"
 #include "ConsoleLines.h"
+#include "ZELKDisplayListBuilder.h"
 #include "ZELKServiceNames.h"
 #include "ZELKSessionWorkspace.h"
 #include "ZELKWindowSession.h"
@@ -38,6 +39,7 @@ private Q_SLOTS:
     {
         begin();
         QCOMPARE(log().count(), 0);
+        m_begun = now();
         clickStartStop();
         answerSheet(*m_session->mainWindow().window(), 1);
         QTRY_COMPARE_WITH_TIMEOUT(text("stateLabel"), u"Recording in this session"_s, 20000);
@@ -63,42 +65,50 @@ private Q_SLOTS:
     void agentIsKilled()
     {
         const int before = log().count();
+        m_killed.from = now();
         QCOMPARE(::kill(pid_t(instances().front().processIdentifier), SIGKILL), 0);
         QTRY_COMPARE_WITH_TIMEOUT(text("stateLabel"), u"Not installed"_s, 20000);
         QTRY_COMPARE(log().count(), before + 1);
         QCOMPARE(log().objectAtIndex(before)->event(), u"Stopping monitor"_s);
+        m_killed.to = now();
     }
 
     void agentComesBackFromElsewhere()
     {
         letTimePass();
         const int before = log().count();
+        m_back.from = now();
         const QUrl agent = m_session->wiring().agentController().embeddedAgentURL();
         QVERIFY(!ZELKSessionWorkspace().launchApplicationAtURL(agent, {}));
         QTRY_COMPARE_WITH_TIMEOUT(text("stateLabel"), u"Recording in this session"_s, 20000);
         QTRY_VERIFY_WITH_TIMEOUT(log().count() > before, 20000);
+        m_back.to = now();
         letTimePass();
+        m_stopped.from = now();
         clickStartStop();
         QTRY_COMPARE_WITH_TIMEOUT(text("stateLabel"), u"Not installed"_s, 20000);
         QTRY_COMPARE(log().objectAtIndex(log().count() - 1)->event(), u"Stopping monitor"_s);
+        m_stopped.to = now();
     }
 
-    /// The times between one agent and the next are told, and no other is; also at the next start, when the
-    /// log knows the successor's word of the killed agent's end.
-    void timesBetweenAreTold()
+    /// The times between one agent and the next are in the graph, and no other is; also at the next start,
+    /// when the log knows the successor's word of the killed agent's end.
+    void graphTellsOfTheTimesBetween()
     {
         letTimePass();
         const int before = log().count();
+        const ZELKDate start = now();
         clickStartStop();
         answerSheet(*m_session->mainWindow().window(), 1);
         QTRY_VERIFY_WITH_TIMEOUT(log().count() > before, 20000);
-        for (int starts = 0; starts < 2; ++starts) {
-            QStringList states;
-            for (const ZELKLWCLogEntry *entry : log().entry())
-                if (entry->kind() == ZELKEntryKind::Daemon)
-                    states.append(entry->pairRepresents());
-            QCOMPARE(states.join(u' '), u" Unmonitored Monitored Unmonitored Monitored"_s);
-            end();
+        const Times started{start, now()};
+        for (const bool isLive : {true, false}) {
+            const QList<Times> blocks = unmonitored();
+            QCOMPARE(blocks.size(), 2);
+            const Times killed{isLive ? m_killed.from : m_begun, m_killed.to};
+            QVERIFY(killed.contain(blocks.at(0).from) && m_back.contain(blocks.at(0).to));
+            QVERIFY(m_stopped.contain(blocks.at(1).from) && started.contain(blocks.at(1).to));
+            this->end();
             begin();
         }
         clickStartStop();
@@ -177,9 +187,34 @@ private Q_SLOTS:
     }
 
 private:
+    struct Times
+    {
+        ZELKDate from;
+        ZELKDate to;
+        bool contain(ZELKDate date) const { return from <= date && date <= to; }
+        bool operator==(const Times &) const = default;
+    };
+
     static ZELKDate now() { return ZELKEnvironment::current().clock->now(); }
     /// What happens within a second of the log's last event is passed over.
     void letTimePass() const { QTRY_VERIFY(now().timeIntervalSinceDate(log().finalDate()) > 1.1); }
+    /// The blocks of a graph in which a second is a point; one that is there twice counts once.
+    QList<Times> unmonitored() const
+    {
+        constexpr double left = 100.0;
+        m_session->wiring().dateRange().setSelectionTag(8);
+        const ZELKLWCAbsoluteDuration period = *m_session->wiring().dateRange().absoluteDuration();
+        const double seconds = period.endDate().timeIntervalSinceDate(period.startDate());
+        ZELKLWCEntriesViewDisplayList list;
+        ZELKDisplayListBuilder(list, {{left, 0.0, seconds, 100.0}, period}, log()).prepareDisplayList();
+        QList<Times> blocks;
+        const auto date = [&](double x) { return period.startDate().addingTimeInterval(x - left); };
+        for (const ZELKLWCEntriesViewState &block : list.states())
+            if (const Times times{date(block.bounds.left()), date(block.bounds.right())};
+                block.state == u"Unmonitored"_s && !blocks.contains(times))
+                blocks.append(times);
+        return blocks;
+    }
     static std::vector<ZELKRunningApplication> instances()
     {
         return ZELKSessionWorkspace().runningApplicationsWithBundleIdentifier(u"org.zelk.lullwatch.agent"_s);
@@ -208,6 +243,10 @@ private:
     ZELKEnvironmentScope m_scope{presentEnvironment()};
     ZELKApplicationSettings m_settings{ZELKEnvironment::current().mainBundle, {}, {}};
     std::unique_ptr<ZELKWindowSession> m_session;
+    ZELKDate m_begun;
+    Times m_killed; // when it began, and when all was told
+    Times m_back;
+    Times m_stopped;
 };
 
 } // namespace
